@@ -1,0 +1,117 @@
+#include "AssertCommand.h"
+
+#include "DllRegistryUtils.h"
+#include "ExpressionEvaluator.h"
+#include "Services/System.h"
+
+namespace {
+constexpr int retryDelay_lc = 100; // milliseconds
+
+constexpr UsageLine usage_lc[] = {
+    {L"Usage: Assert [<options>] <boolean expression>"},
+    {L" Evaluates the specified expression."},
+    {L" If the expression result is true, the command succeeds."},
+    {L" If the expression is false, the command generates an error."},
+    {L" NOTE: Any options must preceede the expression"},
+    {L" Example: Assert %%S{HotelDoorOpen}=true"},
+    {L"Arguments:"},
+    {L" <boolean expression>   The expression that must be true."},
+    {L"Options:"},
+    {L" -q     Quiet mode, do not display anything, just return the value"},
+    {L"         in the command return string."},
+    {L" -c<retryCount> Retry max this number of times if the assertion fails."},
+    {L"                There is a 0.1s delay between the retries."},
+    {L"                Typically needed for testing status updates from server"},
+    {L"                 commands."},
+    {L""},
+};
+
+const AddToCommandVector addAssertCommand(CreateCommandAssertCommand);
+} // namespace
+
+CommandBase* CreateCommandAssertCommand()
+{
+    return new AssertCommand;
+}
+
+WString AssertCommand::GetName()
+{
+    return L"Assert";
+}
+
+unsigned int AssertCommand::GetCommandId()
+{
+    return 9015;
+}
+
+ExitCode AssertCommand::Main(ArgumentList& arguments, Options& options)
+{
+    const bool quiet = options.TryGetFlag(L"q", 3);
+    int retryCount = 0;
+    options.TryGetInt(L"c", 4, retryCount, 1, 1000);
+
+    if (arguments.Count() == 0)
+        return ExitCode(1);
+    ExitCode refusal;
+    if (!TryStart(options, refusal))
+        return refusal;
+
+    const WString& expression = arguments.At(0);
+    const bool logFailure = LogsFailures();
+    ExpressionEvaluator evaluator(this, 0);
+    evaluator.AddFlags(EvaluatorFlags::traceVariables);
+
+    for (int attempt = 0; attempt <= retryCount; ++attempt) {
+        evaluator.ClearVariableTrace();
+        bool holds = false;
+        if (!evaluator.TryEvaluateBool(expression, holds))
+            return FailEvaluation(TakeError(evaluator, expression), quiet, logFailure);
+        if (holds)
+            return ExitCode(0);
+        if (retryCount == 0)
+            break;
+        if (!quiet)
+            GetPipe().WriteLine(L"Retry: %d", attempt + 1);
+        SleepWithoutSimulationMode(retryDelay_lc);
+    }
+    return FailAssertion(expression, evaluator.GetVariableTrace(), logFailure);
+}
+
+bool AssertCommand::LogsFailures() const
+{
+    return System::config.GetBoolOrUseDefault(L"Debug", L"LogAssertFail", true, 20) &&
+        (GetFlags() & CommandFlags::noFailureLog) == 0;
+}
+
+ExitCode AssertCommand::FailEvaluation(const EvaluationError& error, bool quiet, bool logFailure)
+{
+    if (!quiet) {
+        WriteReport(GetPipe(), error);
+        if (logFailure)
+            WriteReport(System::errorLog, error);
+    }
+    return error.code;
+}
+
+ExitCode AssertCommand::FailAssertion(const WString& expression, const WString& variableTrace, bool logFailure)
+{
+    const WString message = WString::Format(L"Assertion \"%s\" failed!", expression);
+    WriteFailureLine(message, logFailure);
+    std::size_t position = 0;
+    WString variable;
+    while (!(variable = variableTrace.StrTok(L"\n", position)).IsEmpty())
+        WriteFailureLine(L"  " + variable, logFailure);
+    return Refuse(13, message);
+}
+
+void AssertCommand::WriteFailureLine(const WString& line, bool logFailure)
+{
+    GetPipe().DoWriteLine(line);
+    if (logFailure)
+        System::errorLog.DoWriteLine(line);
+}
+
+void AssertCommand::ShowUsage()
+{
+    WriteUsage(usage_lc, L"Supported operators:", L"Supported functions:");
+}

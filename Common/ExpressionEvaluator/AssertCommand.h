@@ -1,0 +1,21 @@
+#pragma once
+
+#include "Command.h"
+
+/// Fails unless an expression is true, on request after some retries.
+class AssertCommand : public Command
+{
+public:
+    WString GetName() override;
+    unsigned int GetCommandId() override;
+    ExitCode Main(ArgumentList& arguments, Options& options) override;
+    void ShowUsage() override;
+
+private:
+    bool LogsFailures() const;
+    ExitCode FailEvaluation(const EvaluationError& error, bool quiet, bool logFailure);
+    ExitCode FailAssertion(const WString& expression, const WString& variableTrace, bool logFailure);
+    void WriteFailureLine(const WString& line, bool logFailure);
+};
+
+EE_API CommandBase* CreateCommandAssertCommand();

@@ -1,0 +1,133 @@
+#include "Calc.h"
+
+#include "Commands/EmbeddedResource.h"
+#include "DllRegistryUtils.h"
+#include "ExpressionEvaluator.h"
+
+namespace {
+constexpr wchar_t errorMessageName_lc[] = L"ErrMsg";
+constexpr wchar_t errorPositionName_lc[] = L"ErrPos";
+
+constexpr UsageLine usage_lc[] = {
+    {L"Usage: Calc [<options>] <expression>"},
+    {L" Calculates the specified expression. Expresions can yield "},
+    {L" a numeric, boolean or string result. It may even contain"},
+    {L" functions. See list of supported functions below."},
+    {L" NOTE: Any options must preceede the expression"},
+    {L" Example: 2+3*4"},
+    {L"          Int(GetConfig(\"Detection\",\"MaxLight\",0.9)*100)"},
+    {L"          \"Current Date Is: \" & %%S{InfoDate}"},
+    {L"          Rand(1, 100)"},
+    {L"Arguments:"},
+    {L" <expression>   The expression to evaluate."},
+    {L"Options:"},
+    {L" -h[elp] Shows a description of all supported expression evaulator"},
+    {L"          functions. Must be used without command arguments."},
+    {L" -q     Quiet mode, do not display anything, just return the value"},
+    {L"         in the command return string."},
+    {L" -v     Verification mode, update the environment variables %s &", errorMessageName_lc},
+    {L"         %s with the error message and offending character position", errorPositionName_lc},
+    {L"         in the expression on failure. If successful %s=\"\" and", errorMessageName_lc},
+    {L"         %s=-1. Used for automatic testing.", errorPositionName_lc},
+    {L""},
+};
+
+const AddToCommandVector addCalc(CreateCommandCalc);
+
+void WriteResource(Pipe& pipe, const wchar_t* resourceName, const wchar_t* indent)
+{
+    EmbeddedResource resource(L"Calc", resourceName);
+    while (!resource.EndOfFile())
+        pipe.DoWriteLine(indent + resource.ReadLine());
+}
+} // namespace
+
+CommandBase* CreateCommandCalc()
+{
+    return new Calc;
+}
+
+WString Calc::GetName()
+{
+    return L"Calc";
+}
+
+unsigned int Calc::GetCommandId()
+{
+    return 1043;
+}
+
+ExitCode Calc::Main(ArgumentList& arguments, Options& options)
+{
+    const bool quiet = options.TryGetFlag(L"q", 3);
+    const bool help = options.TryGetFlag(L"help", 4) || options.TryGetFlag(L"h", 4);
+    const bool verify = options.TryGetFlag(L"v", 5);
+
+    if (help != (arguments.Count() == 0))
+        return ExitCode(1);
+    ExitCode refusal;
+    if (!TryStart(options, refusal))
+        return refusal;
+    return help ? ShowHelpTexts() : Evaluate(arguments.At(0), quiet, verify);
+}
+
+ExitCode Calc::ShowHelpTexts()
+{
+    WriteResource(GetPipe(), L"HELP.TXT", L"");
+    GetPipe().WriteLine(L"");
+    GetPipe().WriteLine(L"Expression evaluator functions:");
+    WriteResource(GetPipe(), L"FUNCTIONS.TXT", L" ");
+    GetPipe().WriteLine(L"Expression evaulator operators:");
+
+    WStringArray operators;
+    ExpressionEvaluator::GetSupportedOperators(operators);
+    WString line;
+    for (const WString& name : operators)
+        line.AppendWithSeparator(name, L", ");
+    GetPipe().DoWriteLine(L" " + line);
+    return ExitCode(0);
+}
+
+ExitCode Calc::Evaluate(const WString& expression, bool quiet, bool verify)
+{
+    if (verify) {
+        GetEnvironment().SetString(errorMessageName_lc, L"");
+        GetEnvironment().SetInt(errorPositionName_lc, -1);
+    }
+    EEToken result;
+    ExpressionEvaluator evaluator(this, 0);
+    if (!evaluator.TryEvaluate(expression, result))
+        return Fail(TakeError(evaluator, expression), quiet, verify);
+
+    GetReturnString() = result.ToString();
+    if (!quiet)
+        GetPipe().DoWriteLine(GetReturnString());
+    return ExitCode(0);
+}
+
+ExitCode Calc::Fail(EvaluationError error, bool quiet, bool verify)
+{
+    if (error.code.GetCommandId() == 0)
+        error.code.SetCommandId(static_cast<unsigned short>(GetCommandId()));
+    const int position = static_cast<int>(error.marker.Length());
+    if (verify) {
+        GetEnvironment().SetString(errorMessageName_lc, error.message);
+        GetEnvironment().SetInt(errorPositionName_lc, position);
+    }
+    if (!quiet) {
+        GetPipe().WriteLine(L"Error:");
+        WriteReport(GetPipe(), error, L"  ", L"  ");
+    }
+    if (!quiet && verify) {
+        GetPipe().WriteLine(L"Test code:");
+        GetPipe().WriteLine(L"AssertFail %s Calc -v %s", error.code.ToCString(), error.expression);
+        GetPipe().WriteLine(L"Assert ErrMsg=\"%s\" AND ErrPos=%d", error.message, position);
+        GetPipe().WriteLine(L"");
+    }
+    return error.code;
+}
+
+void Calc::ShowUsage()
+{
+    WriteUsage(usage_lc, L"Supported operators:", L"Supported functions:");
+}

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "Command.h"
+
+/// Evaluates an expression, prints its value and leaves it in the return string.
+class Calc : public Command
+{
+public:
+    WString GetName() override;
+    unsigned int GetCommandId() override;
+    ExitCode Main(ArgumentList& arguments, Options& options) override;
+    void ShowUsage() override;
+
+private:
+    ExitCode ShowHelpTexts();
+    ExitCode Evaluate(const WString& expression, bool quiet, bool verify);
+    ExitCode Fail(EvaluationError error, bool quiet, bool verify);
+};
+
+EE_API CommandBase* CreateCommandCalc();

@@ -1,0 +1,84 @@
+#include "Command.h"
+
+#include "ExpressionEvaluator.h"
+#include "Services/System.h"
+
+Command::Command()
+{
+    flags |= CommandFlags::noSubstitution | CommandFlags::singleArgument | CommandFlags::optionsFirst;
+}
+
+const char* Command::GetSourceCodeTimestamp()
+{
+    return "Fri Sep  8 16:51:25 2023";
+}
+
+void Command::OnExit(ExitCode&) {}
+
+ExitCode Command::Refuse(unsigned int exitNumber, const WString& message)
+{
+    SetFailureMessage(message);
+    return ExitCode(exitNumber);
+}
+
+bool Command::TryStart(const Options& options, ExitCode& refusal)
+{
+    if (options.ContainsUnusedOptions()) {
+        refusal = ExitCode(2);
+        return false;
+    }
+    SendSignalGoAheadIfRequested();
+    WaitForTimeControlPointIfRequested();
+    return true;
+}
+
+EvaluationError Command::TakeError(const ExpressionEvaluator& evaluator, const WString& expression)
+{
+    EvaluationError error;
+    error.expression = expression;
+    evaluator.TryGetErrorMessage(error.code, error.message, error.marker);
+    SetFailureMessage(error.message);
+    return error;
+}
+
+ExitCode Command::EvaluateCondition(const WString& condition, bool verbose, bool& result)
+{
+    ExpressionEvaluator evaluator(this, 0);
+    if (evaluator.TryEvaluateBool(condition, result))
+        return ExitCode(0);
+    const EvaluationError error = TakeError(evaluator, condition);
+    if (verbose)
+        WriteReport(System::errorLog, error, L"**IF Failure: ");
+    else
+        WriteReport(GetPipe(), error);
+    return error.code;
+}
+
+WStringArray Command::SplitCommandList(const WString& list, const WString& separator, unsigned int exitNumber)
+{
+    WStringArray commands;
+    try {
+        list.GetWStringArray(commands, 1, 100, exitNumber, 1, 4096, separator);
+    } catch (const ExitCode&) {
+        SetFailureMessage(L"Expected are 1 to 100 commands of up to 4096 characters");
+        throw;
+    }
+    return commands;
+}
+
+void Command::InheritRecordHeader(Options& options, const wchar_t* variable)
+{
+    WString id;
+    if (!options.TryGetString(L"R", 7, id, 1, 32))
+        return;
+    const WString header = L"-r" + id;
+    GetEnvironment().SetString(L"RecordHeader", header);
+    GetEnvironment().SetString(variable, header);
+}
+
+void Command::WriteUsage(std::span<const UsageLine> lines, const wchar_t* operatorsTitle, const wchar_t* functionsTitle)
+{
+    for (const UsageLine& line : lines)
+        GetPipe().WriteLine(line.format, line.argument);
+    ExpressionEvaluator::DisplaySupportedOperatorsAndFunctionsHelpText(GetPipe(), true, operatorsTitle, functionsTitle);
+}

@@ -1,0 +1,81 @@
+#include "EETokenMap.h"
+
+#include "Services/ObjectCounters.h"
+
+namespace {
+std::atomic<int> liveCount_lc{0};
+} // namespace
+
+int GetDebugObjectCountExpressionEvaluator_CTokenMap()
+{
+    return liveCount_lc.load(std::memory_order_relaxed);
+}
+
+namespace {
+const AddToDebugObjectCountVector liveCounterEntry_lc(
+    L"ExpressionEvaluator_CTokenMap", GetDebugObjectCountExpressionEvaluator_CTokenMap);
+
+template <typename Value>
+EEToken ValueToken(Value value)
+{
+    EEToken token;
+    token.SetValue(value);
+    return token;
+}
+} // namespace
+
+EETokenMap::EETokenMap(int bucketCount) : variables(static_cast<unsigned int>(bucketCount))
+{
+    defaultToken.SetNA();
+    liveCount_lc.fetch_add(1, std::memory_order_relaxed);
+}
+
+EETokenMap::~EETokenMap()
+{
+    liveCount_lc.fetch_sub(1, std::memory_order_relaxed);
+}
+
+void EETokenMap::SetVariable(const wchar_t* name, EEToken& token)
+{
+    const auto stored = std::make_shared<EEToken>(token);
+    stored->ClearError();
+    variables.Insert(name, stored);
+}
+
+void EETokenMap::SetVariable(const wchar_t* name, const wchar_t* value)
+{
+    EEToken token = ValueToken(value);
+    SetVariable(name, token);
+}
+
+void EETokenMap::SetVariable(const wchar_t* name, double value)
+{
+    EEToken token = ValueToken(value);
+    SetVariable(name, token);
+}
+
+void EETokenMap::SetVariable(const wchar_t* name, bool value)
+{
+    EEToken token = ValueToken(value);
+    SetVariable(name, token);
+}
+
+EEToken* EETokenMap::GetVariable(const wchar_t* name)
+{
+    Object* found = variables.GetObjectOrNull(name);
+    return found ? static_cast<EEToken*>(found) : &defaultToken;
+}
+
+bool EETokenMap::GetVariable(const wchar_t* name, WString& text, const wchar_t* defaultText)
+{
+    const EEToken* token = GetVariable(name);
+    const bool found = token != &defaultToken;
+    text = found || !defaultText ? token->ToString() : WString(defaultText);
+    return found;
+}
+
+void EETokenMap::AddVariables(EETokenMap& other)
+{
+    for (ObjectHashTableIterator entry = other.Begin(); !entry.IsAtEnd(); entry.MoveToNext())
+        variables.Insert(entry.GetKey(), entry.GetObject());
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Containers/ObjectHashTable.h"
+#include "EEToken.h"
+#include "ExpressionEvaluatorApi.h"
+
+#include <atomic>
+
+/// Named variables of an evaluator. Names compare in any case; a later value replaces an earlier one. Serves one
+/// thread at a time.
+class EE_API EETokenMap
+{
+public:
+    explicit EETokenMap(int bucketCount);
+    virtual ~EETokenMap();
+    EETokenMap(const EETokenMap&) = delete;
+    EETokenMap& operator=(const EETokenMap&) = delete;
+
+    /// Stores a copy of the token, without its error code and missing-variable mark.
+    void SetVariable(const wchar_t* name, EEToken* token) { SetVariable(name, *token); }
+    void SetVariable(const wchar_t* name, EEToken& token);
+    void SetVariable(const wchar_t* name, const wchar_t* value);
+    void SetVariable(const wchar_t* name, double value);
+    void SetVariable(const wchar_t* name, bool value);
+
+    /// The stored token, or the default token "#NA"; never null, owned by the map.
+    EEToken* GetVariable(const wchar_t* name);
+    /// True and the variable's text, else false and `defaultText`, or "#NA" when that is null.
+    bool GetVariable(const wchar_t* name, WString& text, const wchar_t* defaultText);
+
+    /// Takes over the other map's variables; both maps then share those tokens.
+    void AddVariables(EETokenMap& other);
+    ObjectHashTableIterator Begin() const { return ObjectHashTableIterator(variables); }
+    void Clear() { variables.Clear(); }
+
+private:
+    ObjectHashTable variables;
+    EEToken defaultToken;
+};
+
+/// How many maps are alive in the process.
+EE_API int GetDebugObjectCountExpressionEvaluator_CTokenMap();

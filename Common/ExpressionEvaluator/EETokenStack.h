@@ -1,0 +1,45 @@
+#pragma once
+
+#include "Containers/LinkedList.h"
+#include "EEToken.h"
+#include "ExpressionEvaluatorApi.h"
+
+/// A stack of token copies through which everything in the engine flows: postfix expressions are put at its bottom
+/// and popped from its top, and every function finds its arguments on one. Takes ownership of nothing. Adding is
+/// const because a stack is filled through const references too. Serves one thread at a time.
+class EE_API EETokenStack
+{
+public:
+    EETokenStack() = default;
+    /// A copy of the tokens of `other` and of its popped token.
+    explicit EETokenStack(EETokenStack* other);
+    virtual ~EETokenStack() = default;
+
+    void Push(EEToken& token) const; // on top
+    void Push(EEToken&& token) const;
+    void Push(EEToken* token) const { Push(*token); }
+    void Put(const EEToken& token) const; // at the bottom
+    void Put(EEToken&& token) const;
+    void Put(EEToken* token) const { Put(*token); }
+
+    /// Removes the top token and returns it, in a slot that the next Pop of this stack overwrites. Throws
+    /// ExpressionEvaluatorException 9 on an empty stack.
+    EEToken& Pop();
+    /// The top and the bottom token, left in place. Both throw ExitCode(0, 1, 22) on an empty stack.
+    EEToken& Peek() const;
+    EEToken& GetTail() const;
+
+    bool IsEmpty() const noexcept { return list.IsEmpty(); }
+    int Count() const noexcept { return static_cast<int>(list.Count()); }
+    void Clear() noexcept { list.Clear(); }
+
+    /// Each token's text and a blank, top to bottom; with `typed` marks of token and data type before it ("vn1 vn2 b+
+    /// ").
+    WString ToString(bool typed) const;
+    /// Each token's dump and a line feed, top to bottom.
+    WString GetDumpString() const;
+
+private:
+    mutable LinkedList<EEToken> list;
+    EEToken popped;
+};

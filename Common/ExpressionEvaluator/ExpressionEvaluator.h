@@ -1,0 +1,176 @@
+#pragma once
+
+#include "EEToken.h"
+#include "EETokenMap.h"
+#include "EETokenStack.h"
+#include "EvaluatorLog.h"
+#include "ExpressionEvaluatorApi.h"
+#include "Instrument/Environment.h"
+#include "Text/ExitCode.h"
+#include "Text/WString.h"
+#include "Text/WStringArray.h"
+
+#include <memory>
+
+class CommandBase;
+struct EvaluatorError;
+class ExpressionEvaluatorException;
+class NameCharacters;
+class Pipe;
+
+/// Options of an evaluator, given at construction.
+namespace EvaluatorFlags {
+constexpr unsigned int noConstantE = 1;    // the name "e" is not a built-in constant
+constexpr unsigned int traceVariables = 2; // every variable read and every function result goes to the variable trace
+} // namespace EvaluatorFlags
+
+/// Evaluates expressions: text in; a number, boolean or text out, or an error with exit code, message and position. The
+/// position of an error is a place in the expression: counted from 0 and behind what was read for an error of grammar,
+/// counted from 1 for one of a value, so that a caret under that column (1 for 0) shows it. An evaluator is re-usable,
+/// and serves one thread at a time.
+class EE_API ExpressionEvaluator
+{
+public:
+    /// An evaluator for a command, whose environment it reads; with a null command it reads none.
+    ExpressionEvaluator(CommandBase* command, unsigned int flags);
+    /// The map is not owned and may be null; it must outlive its use here.
+    ExpressionEvaluator(bool useEnvironment, const Environment& environment, EETokenMap* map, const WString& validChars,
+        unsigned int flags);
+    virtual ~ExpressionEvaluator();
+    ExpressionEvaluator(const ExpressionEvaluator&) = delete;
+    ExpressionEvaluator& operator=(const ExpressionEvaluator&) = delete;
+
+    /// Empties an owned variable map or lets go of a lent one, and restores the default name characters; empties the
+    /// trace.
+    void Clear();
+    /// The characters that names may consist of, in both cases; operators, parentheses and blanks among them are
+    /// skipped.
+    void SetValidChars(const wchar_t* chars);
+    void AddFlags(unsigned int moreFlags) noexcept { flags |= moreFlags; }
+
+    // Variables; the first one makes a map when there is none.
+
+    void SetVariable(const WString& name, EEToken& value);
+    void SetVariable(const WString& name, double value);
+    void SetVariable(const WString& name, bool value);
+    void SetVariable(const WString& name, const WString& value);
+    void SetVariable(const WString& name, const wchar_t* value) { SetVariable(name, WString(value)); }
+    void AddVariables(EETokenMap& map);
+    /// Uses the given map without owning it; null for none.
+    void SetVariableMap(EETokenMap* map);
+
+    // Evaluation. The Try forms never throw for a bad expression: they return false with the error recorded. The plain
+    // forms throw its exit code.
+
+    bool TryEvaluate(const WString& expression, EEToken& result);
+    bool TryEvaluateDouble(const WString& expression, double& result);
+    bool TryEvaluateInt(const WString& expression, int& result); // truncated toward zero, saturating
+    bool TryEvaluateBool(const WString& expression, bool& result);
+    bool TryEvaluateString(const WString& expression, WString& result);
+    EEToken Evaluate(const WString& expression);
+    double EvaluateDouble(const WString& expression);
+    int EvaluateInt(const WString& expression);
+    bool EvaluateBool(const WString& expression);
+    WString EvaluateString(const WString& expression);
+
+    /// The error of the last evaluation; false when there was none.
+    bool TryGetErrorMessage(ExitCode& code, WString& message, int* position) const;
+    /// The same with a line that points at the place under the expression: blanks and "^".
+    bool TryGetErrorMessage(ExitCode& code, WString& message, WString& marker) const;
+    /// The name of the last variable that could not be resolved; true when there is one.
+    bool TryGetMissingVariableName(WString& name) const;
+    /// One line "label:name=value" for each variable read and function called, with the flag traceVariables.
+    const WString& GetVariableTrace() const noexcept { return variableTrace; }
+    void ClearVariableTrace() noexcept { variableTrace.Clear(); }
+
+    // The error record. Only the first error of an evaluation is kept.
+
+    void ErrMsg(const ExitCode& code, int position, const wchar_t* message);
+    /// Places the error at `at`, a place in the expression.
+    void ErrMsg(unsigned int number, const wchar_t* at, const wchar_t* message);
+    void ErrMsg(const ExpressionEvaluatorException& exception);
+    /// Records the error at `at` and returns false.
+    bool Fail(const EvaluatorError& error, const wchar_t* at);
+
+    // The steps of an evaluation. All return false with the error recorded.
+
+    /// Reads one token at the cursor and moves behind it.
+    bool GetToken(EEToken& token, wchar_t** cursor);
+    bool Infix2Postfix(WString expression, EETokenStack& postfix);
+    /// Converts up to the end, a "," or an unmatched ")", which `terminator` receives as a token type.
+    bool InfixSubExpr2Postfix(const wchar_t* start, wchar_t*& cursor, int* terminator, EETokenStack& postfix);
+    /// Converts the arguments of a call whose name and "(" have been read.
+    bool InfixFunctionToPostfix(
+        const wchar_t* start, EEToken& function, wchar_t*& cursor, int* terminator, EETokenStack& postfix);
+    bool EvaluatePostfixExpr(EEToken& result, EETokenStack& postfix);
+    /// Evaluates one level; `terminator` receives what ended it: TT_END, TT_PRMSEP or TT_FUNCOP.
+    bool EvaluatePostfixSubExpr(EEToken& result, EETokenStack& postfix, int* terminator);
+    /// Discards the rest of the current argument.
+    bool OnErrorCleanupPostfixStack(EETokenStack& postfix, int* terminator);
+
+    // References to the instrument. A missing source is no error here: the token becomes a missing variable.
+
+    bool TryGetSystemVariable(EEToken& token, wchar_t** cursor);
+    bool TryGetSystemVariableName(wchar_t** cursor, WString& name);
+    bool TryGetStatusValue(EEToken& token, const WString& name, const wchar_t* at);
+    bool TryGetStatusValueNoLog(EEToken& token, const WString& name, const wchar_t* at);
+    bool TryGetConfigValue(EEToken& token, const WString& name, const wchar_t* at);
+    bool TryGetConfigValueNoLog(EEToken& token, const WString& name, const wchar_t* at);
+    bool TryGetUsageLogValue(EEToken& token, const WString& name, const wchar_t* at);
+    bool TryGetUsageLogValueNoLog(EEToken& token, const WString& name, const wchar_t* at);
+    /// `reference` tells %E{name} from a bare name.
+    bool TryGetEnvironmentVariableValue(EEToken& token, const WString& name, bool reference, const wchar_t* at);
+    bool TryGetEnvironmentVariableValueNoLog(EEToken& token, const WString& name, bool reference, const wchar_t* at);
+    /// The plain look-up: false, and the token as it was, when there is no such variable.
+    bool TryGetEnvironmentVariableValue(EEToken& token, const WString& name);
+    void LogVariable(const wchar_t* prefix, const WString& name, const EEToken& value);
+
+    // Help.
+
+    static void GetSupportedOperators(WStringArray& out);
+    static void GetSupportedFunctions(WStringArray& out); // sorted
+    /// Writes the block that ends every usage text. `environment` adds the forms that read environment variables.
+    static void DisplaySupportedOperatorsAndFunctionsHelpText(
+        Pipe& pipe, bool environment, const WString& operatorsTitle, const WString& functionsTitle);
+
+private:
+    WString errorMessage;
+    ExitCode errorCode;
+    int errorPosition = 0;
+    const wchar_t* expressionStart = nullptr;
+    std::shared_ptr<const NameCharacters> validChars;
+    EETokenMap* map = nullptr; // lent, or ownMap
+    std::unique_ptr<EETokenMap> ownMap;
+    Environment environment;
+    bool hasEnvironment = false;
+    WString missingVariable;
+    WString variableTrace;
+    unsigned int flags = 0;
+    int callDepth = 0; // how many calls enclose what this evaluator converts
+
+    /// An evaluator for the arguments of a call: the settings of the outer one, which it must not outlive, and an error
+    /// record of its own.
+    explicit ExpressionEvaluator(const ExpressionEvaluator* outer);
+
+    EETokenMap& GetOrMakeMap();
+    bool IsLogging() const noexcept;
+
+    bool ReadString(EEToken& token, wchar_t** cursor);
+    bool ReadNumber(EEToken& token, wchar_t** cursor);
+    bool ReadWord(EEToken& token, wchar_t** cursor);
+    void ReadVariable(EEToken& token, const WString& name, const wchar_t* at);
+    bool Logged(bool read, const wchar_t* prefix, const WString& name, const EEToken& token);
+
+    bool Convert(const wchar_t* expression, EETokenStack& postfix);
+    bool ReportArgument(const ExpressionEvaluator& nested);
+    void TakeTrace(ExpressionEvaluator& nested);
+    bool EvaluateTokens(EEToken& result, EETokenStack& postfix, int* terminator);
+    bool EvaluateCall(int position, EETokenStack& postfix, EETokenStack& operands);
+    int EvaluateArguments(EETokenStack& arguments, EETokenStack& postfix);
+    bool CallFunction(const EEToken& function, int position, EETokenStack& arguments, EETokenStack& operands);
+    void TakeRecordedError(EEToken& argument) const;
+    bool TakeResult(EEToken& result, EETokenStack& operands);
+};
+
+/// The next value of the host's generator, from 0 up to 1.
+EE_API double GetRandomNumber();

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "Containers/ObjectHashTable.h"
+#include "EEToken.h"
+#include "EETokenStack.h"
+#include "ExpressionEvaluatorApi.h"
+#include "Text/WStringArray.h"
+
+class ExpressionEvaluator;
+
+/// A function that expressions can call. It finds its evaluated arguments on the stack, the first on top and nothing
+/// else beneath the last, and writes its answer into the result token, which arrives with the position of the call. A
+/// wrong use is thrown as ExpressionEvaluatorException; a failed computation becomes an error value that the expression
+/// can test. Holds no state of a call, so that all threads share it.
+class EE_API EEFunction : public Object
+{
+public:
+    /// `parameterCount` is exact, or -1 for a number that the function checks itself.
+    EEFunction(const wchar_t* name, int parameterCount);
+    ~EEFunction() override;
+    EEFunction(const EEFunction&) = delete;
+    EEFunction& operator=(const EEFunction&) = delete;
+
+    /// For functions that need their arguments only. The base throws code 144.
+    virtual void Evaluate(EEToken& result, EETokenStack& arguments);
+    /// For functions that need the calling evaluator. The base forwards to the other overload.
+    virtual void Evaluate(EEToken& result, EETokenStack& arguments, ExpressionEvaluator* evaluator);
+
+    const WString& GetName() const noexcept { return name; }
+    int GetParameterCount() const noexcept { return parameterCount; }
+
+private:
+    const WString name;
+    const int parameterCount;
+};
+
+/// A routine of one number as a function. A NaN answer becomes the error value 504 "Invalid operation".
+class EEMathFunctionPointer : public EEFunction
+{
+public:
+    EEMathFunctionPointer(const wchar_t* name, double (*routine)(double));
+    using EEFunction::Evaluate;
+    void Evaluate(EEToken& result, EETokenStack& arguments) override;
+
+private:
+    double (*const routine)(double);
+    const WString routineName;
+};
+
+/// All functions by name, in any case. Built when the plug-in is loaded and only read afterwards, so it needs no lock.
+class EE_API EEFunctionTable
+{
+public:
+    EEFunctionTable();
+    virtual ~EEFunctionTable();
+    EEFunctionTable(const EEFunctionTable&) = delete;
+    EEFunctionTable& operator=(const EEFunctionTable&) = delete;
+
+    /// The function of that name, owned by the table, or null.
+    EEFunction* FindOrNull(const WString& name) const;
+    /// True for the name of a function; `parameterCount`, when given, receives its rule.
+    bool IsFunction(const wchar_t* name, int* parameterCount) const;
+    /// Calls the function; throws code 200 when there is none of that name.
+    void Evaluate(EEToken& result, const wchar_t* name, EETokenStack& arguments, ExpressionEvaluator* evaluator) const;
+    /// All names, in no particular order.
+    void GetSupportedFunctions(WStringArray& names) const;
+    /// Adds the function under its own name and takes ownership of it.
+    void AddFn(EEFunction* function);
+
+private:
+    ObjectHashTable functions;
+};
+
+extern EE_API EEFunctionTable fnTable_gb;
+
+/// How many function objects are alive in the process.
+EE_API int GetDebugObjectCountExpressionEvaluator_CExprFn();

@@ -1,0 +1,87 @@
+#include "ExpressionEvaluatorFunctionClasses.h"
+#include "FunctionArguments.h"
+#include "NumberFormat.h"
+#include "Services/DateTime.h"
+
+namespace {
+/// A count of digits or decimals as it was given, and where.
+struct DigitsArgument
+{
+    double value;
+    int position;
+
+    int Within(int min, int max, const EvaluatorError& error) const
+    {
+        if (value < min || value > max)
+            throw ExpressionEvaluatorException(error, position);
+        return static_cast<int>(value);
+    }
+};
+
+DigitsArgument PopDigits(EETokenStack& arguments)
+{
+    const EEToken& token = arguments.Pop();
+    return {token.GetNumber(), token.GetPosition()};
+}
+
+constexpr int minDigits = 2;
+constexpr int maxDigits = 15;
+
+void FormatDigits(EEToken& result, EETokenStack& arguments, wchar_t* (*formatter)(double, short, wchar_t*),
+    const EvaluatorError& wrongDigits)
+{
+    const double value = arguments.Pop().GetNumber();
+    const int digits = PopDigits(arguments).Within(minDigits, maxDigits, wrongDigits);
+    wchar_t text[numberTextSize];
+    result.SetValue(formatter(value, static_cast<short>(digits), text));
+}
+} // namespace
+
+void EEFtoa::Evaluate(EEToken& result, EETokenStack& arguments)
+{
+    FormatDigits(result, arguments, efFtoa, Errors::FtoaDigits);
+}
+
+void EEFcvt::Evaluate(EEToken& result, EETokenStack& arguments)
+{
+    FormatDigits(result, arguments, efFcvt, Errors::FcvtDigits);
+}
+
+void EEFmtEng::Evaluate(EEToken& result, EETokenStack& arguments)
+{
+    const double value = arguments.Pop().GetNumber();
+    const DigitsArgument digits = PopDigits(arguments);
+    const bool removeEndingZeros = arguments.Pop().GetBool();
+    wchar_t text[numberTextSize];
+    result.SetValue(
+        efFmtEng(value, digits.Within(minDigits, maxDigits, Errors::FmtEngDigits), text, removeEndingZeros));
+}
+
+void EERound::Evaluate(EEToken& result, EETokenStack& arguments)
+{
+    const double value = arguments.Pop().GetNumber();
+    const int decimals = PopDigits(arguments).Within(0, maxDigits, Errors::RoundDecimals);
+    const WString format = WString::Format(L"%%.%df", decimals);
+    result.SetValue(WString::Format(format.ToCString(), efAdjustDblForDisplay(value, decimals)));
+}
+
+double DateToDays(double date)
+{
+    const int dateInt = FunctionArguments::ToInt32(date);
+    DateTime dateTime;
+    if (dateInt == 0 || !dateTime.TrySetValue(dateInt, 0))
+        throw ExpressionEvaluatorException(
+            Errors::InvalidDate.number, WString::Format(Errors::InvalidDate.message, dateInt), -1);
+    return dateTime.ToDays();
+}
+
+double DaysToDate(double days)
+{
+    constexpr int floorDate = 16010101;
+    const int dayNumber = FunctionArguments::ToInt32(days);
+    if (!DateTime::IsDaysValid(dayNumber))
+        throw ExpressionEvaluatorException(
+            Errors::InvalidDays.number, WString::Format(Errors::InvalidDays.message, dayNumber), -1);
+    const int date = DateTime::FromDays(dayNumber).ToDateInt();
+    return date != 0 ? date : floorDate;
+}

@@ -1,0 +1,162 @@
+#include "ExpressionEvaluatorFunctionClasses.h"
+#include "FunctionArguments.h"
+#include "Services/System.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+using namespace FunctionArguments;
+
+namespace {
+double PopSum(EETokenStack& arguments)
+{
+    double sum = 0;
+    while (!arguments.IsEmpty())
+        sum += arguments.Pop().GetNumber();
+    return sum;
+}
+
+/// What the least-squares line through points depends on.
+struct PointSums
+{
+    double count = 0;
+    double x = 0;
+    double y = 0;
+    double xx = 0;
+    double xy = 0;
+
+    double Determinant() const { return count * xx - x * x; }
+};
+
+/// Takes all arguments as pairs of x and y; throws `error` at the last one for an odd number of arguments or fewer than
+/// two pairs.
+PointSums PopPoints(EETokenStack& arguments, const EvaluatorError& error)
+{
+    if (arguments.Count() < 4 || arguments.Count() % 2 != 0)
+        throw ExpressionEvaluatorException(error, arguments.GetTail().GetPosition());
+    PointSums sums;
+    for (; !arguments.IsEmpty(); ++sums.count) {
+        const double x = arguments.Pop().GetNumber();
+        const double y = arguments.Pop().GetNumber();
+        sums.x += x;
+        sums.y += y;
+        sums.xx += x * x;
+        sums.xy += x * y;
+    }
+    return sums;
+}
+} // namespace
+
+void EEAvg::Evaluate(EEToken& result, EETokenStack& arguments)
+{
+    const int count = arguments.Count();
+    result.SetValue(PopSum(arguments) / count);
+}
+
+void EEMax::Evaluate(EEToken& result, EETokenStack& arguments)
+{
+    double max = arguments.Pop().GetNumber();
+    while (!arguments.IsEmpty())
+        max = std::max(max, arguments.Pop().GetNumber());
+    result.SetValue(max);
+}
+
+void EEMin::Evaluate(EEToken& result, EETokenStack& arguments)
+{
+    double min = arguments.Pop().GetNumber();
+    while (!arguments.IsEmpty())
+        min = std::min(min, arguments.Pop().GetNumber());
+    result.SetValue(min);
+}
+
+void EESum::Evaluate(EEToken& result, EETokenStack& arguments)
+{
+    result.SetValue(PopSum(arguments));
+}
+
+void EEMedian::Evaluate(EEToken& result, EETokenStack& arguments)
+{
+    std::vector<double> numbers;
+    do {
+        numbers.push_back(arguments.Pop().GetNumber());
+    } while (!arguments.IsEmpty());
+    std::sort(numbers.begin(), numbers.end());
+    const std::size_t middle = numbers.size() / 2;
+    if (numbers.size() % 2 != 0)
+        result.SetValue(numbers[middle]);
+    else
+        result.SetValue((numbers[middle - 1] + numbers[middle]) * 0.5);
+}
+
+void EEMod::Evaluate(EEToken& result, EETokenStack& arguments)
+{
+    const int dividend = PopInt32(arguments);
+    const EEToken& argument = arguments.Pop();
+    const int divisor = ToInt32(argument.GetNumber());
+    if (divisor == 0)
+        throw ExpressionEvaluatorException(Errors::ModulusByZero, argument.GetPosition());
+    // The quotient of the smallest integer by -1 would overflow.
+    result.SetValue(divisor == -1 ? 0.0 : static_cast<double>(dividend % divisor));
+}
+
+// The deviation of a sample, in one pass. For equal numbers rounding may leave a variance just below zero; the result
+// is then NaN.
+void EEStDev::Evaluate(EEToken& result, EETokenStack& arguments)
+{
+    const int count = arguments.Count();
+    if (count < 2)
+        throw ExpressionEvaluatorException(Errors::StDevParameters, arguments.GetTail().GetPosition());
+    double sum = 0;
+    double squares = 0;
+    while (!arguments.IsEmpty()) {
+        const double number = arguments.Pop().GetNumber();
+        sum += number;
+        squares += number * number;
+    }
+    // A 32-bit product, which wraps for more than 46341 numbers.
+    const int divisor = static_cast<int>(static_cast<unsigned int>(count) * static_cast<unsigned int>(count - 1));
+    result.SetValue(std::sqrt((count * squares - sum * sum) / divisor));
+}
+
+void EESlope::Evaluate(EEToken& result, EETokenStack& arguments)
+{
+    const PointSums sums = PopPoints(arguments, Errors::SlopeParameters);
+    result.SetValue((sums.count * sums.xy - sums.x * sums.y) / sums.Determinant());
+}
+
+void EEIntercept::Evaluate(EEToken& result, EETokenStack& arguments)
+{
+    const PointSums sums = PopPoints(arguments, Errors::InterceptParameters);
+    result.SetValue((sums.y * sums.xx - sums.x * sums.xy) / sums.Determinant());
+}
+
+void EERand::Evaluate(EEToken& result, EETokenStack& arguments)
+{
+    CheckCount(arguments, 2, 3, Errors::RandParameters);
+    const bool rejects = arguments.Count() == 3;
+    const int first = PopInt32(arguments);
+    const EEToken& argument = arguments.Pop();
+    const int second = ToInt32(argument.GetNumber());
+    const int secondPosition = argument.GetPosition();
+    const int rejected = rejects ? PopInt32(arguments) : 0;
+    if (first == second)
+        throw ExpressionEvaluatorException(Errors::RandSameLimits, secondPosition);
+    // This ends: the range holds two values at least and one of them at most is rejected, so every draw serves with a
+    // chance of one half or better.
+    int drawn;
+    do {
+        drawn = System::random.Next32(std::min(first, second), std::max(first, second));
+    } while (rejects && drawn == rejected);
+    result.SetValue(static_cast<double>(drawn));
+}
+
+double sign(double value)
+{
+    return value < 0 ? -1 : 1;
+}
+
+double MyInt(double value)
+{
+    return value < 0 ? std::ceil(value) : std::floor(value);
+}

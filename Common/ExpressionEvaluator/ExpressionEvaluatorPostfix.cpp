@@ -1,0 +1,301 @@
+#include "ExpressionEvaluator.h"
+
+#include "EEMissingVariableException.h"
+#include "ExpressionEvaluatorFunctions.h"
+#include "OperatorTable.h"
+#include "Text/HostError.h"
+
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <utility>
+
+namespace {
+/// Numbers closer than this are equal, whatever their size.
+constexpr double equalityTolerance = 10 * std::numeric_limits<double>::epsilon();
+
+// An operation takes its operands off the stack and puts its value there; `result` brings the operator's position. The
+// right operand is on top and is read first, unless said otherwise.
+
+template <typename Value>
+void Give(Value value, EEToken& result, EETokenStack& operands)
+{
+    result.SetValue(value);
+    operands.Push(result);
+}
+
+template <typename Operation>
+void Calculate(EEToken& result, EETokenStack& operands)
+{
+    const double right = operands.Pop().GetNumber();
+    const double left = operands.Pop().GetNumber();
+    Give(Operation()(left, right), result, operands);
+}
+
+struct Power
+{
+    double operator()(double base, double exponent) const { return std::pow(base, exponent); }
+};
+
+void Divide(EEToken& result, EETokenStack& operands)
+{
+    const EEToken& divisor = operands.Pop();
+    const double right = divisor.GetNumber();
+    if (right == 0)
+        throw ExpressionEvaluatorException(Errors::DivideByZero, divisor.GetPosition());
+    Give(operands.Pop().GetNumber() / right, result, operands);
+}
+
+void Negate(EEToken& result, EETokenStack& operands)
+{
+    Give(-operands.Pop().GetNumber(), result, operands);
+}
+
+/// The right text is appended to the left one where it is, so that a chain of these costs no more than its texts.
+void Concatenate(EEToken& result, EETokenStack& operands)
+{
+    const WString right = operands.Pop().GetWString(true);
+    EEToken left = std::move(operands.Pop());
+    left.AppendText(right);
+    left.SetPosition(result.GetPosition());
+    operands.Push(std::move(left));
+}
+
+/// Ordering reads the left operand first.
+template <typename Operation>
+void Order(EEToken& result, EETokenStack& operands)
+{
+    const EEToken right = std::move(operands.Pop());
+    const double left = operands.Pop().GetNumber();
+    Give(Operation()(left, right.GetNumber()), result, operands);
+}
+
+template <typename Operation>
+void Combine(EEToken& result, EETokenStack& operands)
+{
+    const bool right = operands.Pop().GetBool();
+    const bool left = operands.Pop().GetBool();
+    Give(Operation()(left, right), result, operands);
+}
+
+/// Equality of two numbers, or else of two texts in any case. "=" takes only texts as texts, "<>" converts: so 5 <> "x"
+/// is true while 5 = "x" is a type mismatch.
+bool AreEqual(EETokenStack& operands, bool convert)
+{
+    const EEToken right = std::move(operands.Pop());
+    const EEToken& left = operands.Pop();
+    double rightNumber = 0;
+    double leftNumber = 0;
+    if (right.TryCast(rightNumber) && left.TryCast(leftNumber))
+        return std::fabs(leftNumber - rightNumber) < equalityTolerance;
+    const WString rightText = right.GetWString(convert);
+    return left.GetWString(convert).Equals(rightText.View(), true);
+}
+
+void Equal(EEToken& result, EETokenStack& operands)
+{
+    Give(AreEqual(operands, false), result, operands);
+}
+
+void Differ(EEToken& result, EETokenStack& operands)
+{
+    Give(!AreEqual(operands, true), result, operands);
+}
+
+struct OperationRow
+{
+    const wchar_t* name;
+    void (*apply)(EEToken& result, EETokenStack& operands);
+};
+
+constexpr wchar_t unaryMinusName_lc[] = {unaryMinus, 0};
+
+constexpr OperationRow operations_lc[] = {
+    {L"+", Calculate<std::plus<>>},
+    {L"-", Calculate<std::minus<>>},
+    {L"*", Calculate<std::multiplies<>>},
+    {L"/", Divide},
+    {L"^", Calculate<Power>},
+    {unaryMinusName_lc, Negate},
+    {L"&", Concatenate},
+    {L"=", Equal},
+    {L"<>", Differ},
+    {L"<", Order<std::less<>>},
+    {L">", Order<std::greater<>>},
+    {L"<=", Order<std::less_equal<>>},
+    {L">=", Order<std::greater_equal<>>},
+    {L"and", Combine<std::logical_and<>>},
+    {L"or", Combine<std::logical_or<>>},
+    {L"xor", Combine<std::not_equal_to<>>},
+};
+
+const OperationRow* FindOperation(const WString& name)
+{
+    for (const OperationRow& row : operations_lc)
+        if (name.Equals(row.name, true))
+            return &row;
+    return nullptr;
+}
+
+/// Replaces the operator's operands by its value. A longer text that is no operator's is skipped.
+void ApplyOperator(const EEToken& token, EEToken& result, EETokenStack& operands)
+{
+    const bool isCharacter = token.GetText().Length() == 1 && token.GetType() != TT_NONE;
+    if (!isCharacter && token.GetType() == TT_UNARYOP)
+        throw ExpressionEvaluatorException(Errors::InvalidUnaryOperator, 0);
+    if (!isCharacter && token.GetType() != TT_BINARYOP)
+        return;
+    const OperationRow* operation = FindOperation(token.GetText());
+    if (!operation)
+        throw ExpressionEvaluatorException(
+            isCharacter ? Errors::InvalidOperatorCharacter : Errors::InvalidBinaryOperator, token.GetPosition());
+    operation->apply(result, operands);
+}
+} // namespace
+
+bool ExpressionEvaluator::EvaluatePostfixExpr(EEToken& result, EETokenStack& postfix)
+{
+    int terminator = TT_END;
+    const bool succeeded = EvaluatePostfixSubExpr(result, postfix, &terminator);
+
+    ExitCode code;
+    WString message;
+    int position = 0;
+    if (result.TryGetErrorMessage(code, message, position)) {
+        ErrMsg(code, position, message.ToCString());
+        return false;
+    }
+    if (!succeeded)
+        return false;
+    if (terminator == TT_END && postfix.IsEmpty())
+        return true;
+    ErrMsg(ExpressionEvaluatorException(terminator == TT_END ? Errors::UnexpectedStackEnd : Errors::UnexpectedEnd, 0));
+    return false;
+}
+
+/// Every error of the level becomes an error value of its result, so that an enclosing call can test it.
+bool ExpressionEvaluator::EvaluatePostfixSubExpr(EEToken& result, EETokenStack& postfix, int* terminator)
+{
+    result.ClearError();
+    result.SetException(Errors::Unevaluated.number, Errors::Unevaluated.message);
+    *terminator = TT_END;
+    try {
+        return EvaluateTokens(result, postfix, terminator);
+    } catch (const EEMissingVariableException& exception) {
+        missingVariable = exception.GetVariableName();
+        result.SetMissingVariable(missingVariable);
+        result.SetException(exception);
+    } catch (const ExpressionEvaluatorException& exception) {
+        result.SetException(exception);
+    } catch (const HostException& exception) { // with a reason that its code cannot tell
+        result.SetException(Errors::HostExitCode.number, exception.GetMessage());
+    } catch (const ExitCode& code) {
+        result.SetException(Errors::HostExitCode.number, code.ToString());
+    }
+    OnErrorCleanupPostfixStack(postfix, terminator);
+    return false;
+}
+
+bool ExpressionEvaluator::EvaluateTokens(EEToken& result, EETokenStack& postfix, int* terminator)
+{
+    EETokenStack operands;
+    while (!postfix.IsEmpty()) {
+        EEToken& token = postfix.Pop();
+        result.SetPosition(token.GetPosition());
+        switch (token.GetType()) {
+        case TT_OPERAND: operands.Push(std::move(token)); break;
+        case TT_PRMLIST:
+            if (!EvaluateCall(result.GetPosition(), postfix, operands)) {
+                OnErrorCleanupPostfixStack(postfix, terminator);
+                return false;
+            }
+            break;
+        case TT_FUNCOP: postfix.Push(token); [[fallthrough]];
+        case TT_PRMSEP: *terminator = token.GetType(); return TakeResult(result, operands);
+        default: ApplyOperator(token, result, operands);
+        }
+    }
+    return TakeResult(result, operands);
+}
+
+/// Evaluates the arguments of the call at `position`, and then its function.
+bool ExpressionEvaluator::EvaluateCall(int position, EETokenStack& postfix, EETokenStack& operands)
+{
+    EETokenStack arguments;
+    if (EvaluateArguments(arguments, postfix) == TT_FUNCOP)
+        return CallFunction(postfix.Pop(), position, arguments, operands);
+    const EvaluatorError& error = Errors::FunctionTokenExpected;
+    ErrMsg(ExitCode(0, evaluatorModule, error.number), position, error.message);
+    return false;
+}
+
+/// Evaluates each argument as a level of its own and returns what ended the last one. A failed argument becomes an
+/// error value.
+int ExpressionEvaluator::EvaluateArguments(EETokenStack& arguments, EETokenStack& postfix)
+{
+    int ended = TT_PRMSEP;
+    while (ended == TT_PRMSEP) {
+        EEToken argument;
+        if (!EvaluatePostfixSubExpr(argument, postfix, &ended) && argument.IsValued())
+            TakeRecordedError(argument);
+        arguments.Put(std::move(argument));
+    }
+    return ended;
+}
+
+bool ExpressionEvaluator::CallFunction(
+    const EEToken& function, int position, EETokenStack& arguments, EETokenStack& operands)
+{
+    const WString& name = function.GetText();
+    EEFunction* implementation = fnTable_gb.FindOrNull(name);
+    if (!implementation) {
+        ErrMsg(ExpressionEvaluatorException(Errors::UnknownFunction.number,
+            WString::Format(Errors::UnknownFunction.message, name), function.GetPosition()));
+        return false;
+    }
+    EEToken value;
+    value.SetPosition(position);
+    implementation->Evaluate(value, arguments, this);
+    Logged(true, L"Function:", name, value);
+    operands.Push(std::move(value));
+    return true;
+}
+
+/// Turns an argument that had got a value before it failed into the recorded error.
+void ExpressionEvaluator::TakeRecordedError(EEToken& argument) const
+{
+    const bool ours = errorCode.GetModule() == evaluatorModule;
+    argument.SetException(ours ? errorCode.GetNumber() : Errors::ForeignArgumentError.number, errorMessage);
+    argument.SetPosition(errorPosition);
+}
+
+/// The level's value is its one operand.
+bool ExpressionEvaluator::TakeResult(EEToken& result, EETokenStack& operands)
+{
+    result = std::move(operands.Pop());
+    if (operands.IsEmpty())
+        return true;
+    while (operands.Count() > 1)
+        operands.Pop();
+    ErrMsg(ExpressionEvaluatorException(Errors::UnexpectedToken, operands.Pop().GetPosition()));
+    return false;
+}
+
+bool ExpressionEvaluator::OnErrorCleanupPostfixStack(EETokenStack& postfix, int* terminator)
+{
+    int calls = 0; // begun and not ended within what is discarded
+    while (!postfix.IsEmpty()) {
+        EEToken& token = postfix.Pop();
+        if (token.GetType() == TT_PRMLIST)
+            ++calls;
+        else if (token.GetType() == TT_FUNCOP && calls > 0)
+            --calls;
+        else if (token.GetType() == TT_FUNCOP || (token.GetType() == TT_PRMSEP && calls == 0)) {
+            *terminator = token.GetType();
+            if (*terminator == TT_FUNCOP)
+                postfix.Push(token);
+            return true;
+        }
+    }
+    return true;
+}

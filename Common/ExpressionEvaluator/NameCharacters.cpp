@@ -1,0 +1,39 @@
+#include "NameCharacters.h"
+
+#include "Text/CharacterCase.h"
+
+NameCharacters::NameCharacters(const WString& chars) : chars(chars)
+{
+    for (const wchar_t ch : chars) {
+        const auto code = static_cast<unsigned>(ch);
+        if (code != 0 && code < ascii.size())
+            ascii.set(code);
+    }
+}
+
+const std::shared_ptr<const NameCharacters>& NameCharacters::Default()
+{
+    static const auto characters = std::make_shared<const NameCharacters>(
+        WString(L"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_0123456789."));
+    return characters;
+}
+
+std::shared_ptr<const NameCharacters> NameCharacters::FromUserSet(const wchar_t* chars)
+{
+    constexpr std::wstring_view separators = L" ()*+,-/<=>";
+    WString set;
+    for (const wchar_t ch : WString(chars))
+        if (separators.find(ch) == std::wstring_view::npos) {
+            set.Append(ToUpper(ch));
+            set.Append(ToLower(ch));
+        }
+    return std::make_shared<const NameCharacters>(set);
+}
+
+std::size_t NameCharacters::RunLength(const wchar_t* text) const noexcept
+{
+    std::size_t length = 0;
+    while (Contains(text[length]))
+        ++length;
+    return length;
+}

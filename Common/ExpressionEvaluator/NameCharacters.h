@@ -1,0 +1,34 @@
+#pragma once
+
+#include "Text/WString.h"
+
+#include <bitset>
+#include <memory>
+
+/// The set of characters that names may consist of. Never changed once made, so that evaluators share it.
+class NameCharacters
+{
+public:
+    /// The characters as given.
+    explicit NameCharacters(const WString& chars);
+
+    /// Letters, digits, "_" and ".".
+    static const std::shared_ptr<const NameCharacters>& Default();
+    /// Both cases of the characters given, without those that an expression needs between names.
+    static std::shared_ptr<const NameCharacters> FromUserSet(const wchar_t* chars);
+
+    bool Contains(wchar_t ch) const noexcept
+    {
+        const auto code = static_cast<unsigned>(ch);
+        return code < ascii.size() ? ascii[code] : ContainsOther(ch);
+    }
+
+    /// The length of the run of name characters at `text`.
+    std::size_t RunLength(const wchar_t* text) const noexcept;
+
+private:
+    WString chars;
+    std::bitset<128> ascii;
+
+    bool ContainsOther(wchar_t ch) const noexcept { return chars.View().find(ch) != std::wstring_view::npos; }
+};

@@ -1,0 +1,97 @@
+#pragma once
+
+#include "Commands/ArgumentList.h"
+#include "Commands/Options.h"
+#include "Commands/Pipe.h"
+#include "Containers/Object.h"
+#include "HostApi.h"
+#include "Instrument/Environment.h"
+#include "Text/ExitCode.h"
+#include "Text/WString.h"
+
+/// Flags of a command, in one word: the upper ones are set by its constructor, the lower ones by the run.
+namespace CommandFlags {
+constexpr unsigned int noSubstitution = 1u << 31; // the argument text is taken as it stands
+constexpr unsigned int singleArgument = 1u << 30; // all that follows the options is one argument, trimmed
+constexpr unsigned int optionsFirst = 1u << 6;    // options come before the argument
+constexpr unsigned int inheritedOutput = 0x100;   // run by another command, on its output
+constexpr unsigned int toleratesFailure = 0x1;    // the caller deals with a failing code
+constexpr unsigned int noFailureLog = 0x800;      // failures are not written to the error log
+} // namespace CommandFlags
+
+enum class CommandType
+{
+    Normal
+};
+
+/// What a paused command is told.
+struct PauseArgument
+{
+    WString reason;
+};
+
+/// Names a command run, for signals between commands.
+struct CommandReference
+{
+    unsigned int commandId = 0;
+};
+
+/// Base of all commands. A command object serves one run: the runner gives it output, environment and flags, then calls
+/// OnStart, HandleStandardOptions, Main and OnExit.
+class HOST_API CommandBase
+{
+public:
+    virtual WString GetName() = 0;
+    virtual unsigned int GetCommandId() = 0;
+    virtual const char* GetSourceCodeTimestamp() = 0;
+    virtual CommandType GetCommandType();
+    /// Does the command's work; an ExitCode thrown out of it is its result as well.
+    virtual ExitCode Main(ArgumentList& arguments, Options& options) = 0;
+    virtual void ShowUsage() = 0;
+    virtual void OnStart(ArgumentList& arguments, Options& options);
+    virtual void OnExit(ExitCode& exitCode);
+    virtual void HandleStandardOptions(Options& options);
+    virtual void OnAbort(bool& handled);
+    virtual void OnPause(bool pause, PauseArgument& argument);
+    virtual void SignalHandler(const CommandReference& sender, unsigned int signal, Object* argument);
+    virtual ~CommandBase();
+
+    /// Runs a command line in this command's environment. The failure of that command is an exit code; what ends this
+    /// command as well (see CommandRunner::EndsCallers) is thrown as one, so that no loop or list of commands can pass
+    /// over it.
+    ExitCode Run(const WString& line, Pipe& output, unsigned int runFlags);
+
+    Pipe& GetPipe() noexcept { return *pipe; }
+    Environment& GetEnvironment() noexcept { return environment; }
+    unsigned int GetFlags() const noexcept { return flags; }
+    WString& GetReturnString() noexcept { return returnString; }
+    /// What a failing command knows of its failure, for the report of whoever ran it.
+    const WString& GetFailureMessage() const noexcept { return failureMessage; }
+
+protected:
+    CommandBase();
+    CommandBase(const CommandBase&) = delete;
+    CommandBase& operator=(const CommandBase&) = delete;
+
+    void SetFailureMessage(const WString& message) { failureMessage = message; }
+    /// Where a caller would be told that this command's arguments are accepted; in the bench shell nobody waits for
+    /// that.
+    void SendSignalGoAheadIfRequested();
+    /// A point where the command may be held or ended: throws HostException(HostError::Aborted) when an abort is
+    /// requested.
+    void WaitForTimeControlPointIfRequested();
+    /// Both wait for the given time and throw HostException(HostError::Aborted) within 50 ms of an abort request. The
+    /// second always takes the full time; the first may be shortened by `[Debug] SleepScale` (a factor from 0 to 1,
+    /// default 1) so that long scripts can be tried.
+    void SleepAbortable(int milliseconds);
+    void SleepWithoutSimulationMode(int milliseconds);
+
+    unsigned int flags = 0;
+
+private:
+    friend class CommandRunner;
+    Pipe* pipe;
+    Environment environment;
+    WString returnString;
+    WString failureMessage;
+};

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "Commands/AutomaticTestEntry.h"
+#include "Commands/CommandBase.h"
+#include "HostApi.h"
+#include "Text/WString.h"
+#include "Text/WStringArray.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+using CommandFactory = CommandBase* (*)();
+
+/// The commands and automatic tests that can be run, by name in any case. Filled at start; not locked.
+class HOST_API CommandRegistry
+{
+public:
+    struct Entry
+    {
+        WString name;
+        unsigned int commandId;
+        CommandFactory factory;
+        std::string file; // the file of the plug-in it came from; empty for the shell's own
+    };
+
+    /// Makes one command to ask for its name and id, and adds it. A name already taken is refused with false.
+    static bool Add(CommandFactory factory, const std::string& file);
+    static void AddTest(const AutomaticTestEntry& entry);
+    static const Entry* FindOrNull(const WString& name);
+    static const std::vector<Entry>& GetEntries();
+    static const std::vector<AutomaticTestEntry>& GetTests();
+};

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "HostApi.h"
+#include "Instrument/Environment.h"
+#include "Text/WString.h"
+
+/// References to the instrument's data inside a text: %S{status item}, %C{[section]key}, %U{usage counter} and
+/// %E{environment variable}. The letter may be of either case, and blanks around the name do not count.
+namespace Reference {
+/// The text with its references replaced by their values. Throws HostException(UnknownReference) with the first
+/// reference that names nothing or lacks its closing brace.
+HOST_API WString ReplaceAll(const WString& text, const Environment& environment);
+
+/// Splits "[section]key" or "section key"; false when the name is neither.
+HOST_API bool TrySplitConfigName(const WString& name, WString& section, WString& key);
+} // namespace Reference

@@ -1,0 +1,143 @@
+#pragma once
+
+#include "Services/CriticalSection.h"
+
+#include <cstddef>
+#include <new>
+#include <utility>
+
+/// A doubly linked list of values. The nodes that a thread gives back are kept for its next ones (up to `keptNodes`
+/// of each value type), so that lists which grow and shrink all the time do not allocate. Not locked; `section` is
+/// for owners that share a list.
+template <typename T>
+class LinkedList
+{
+public:
+    struct Node
+    {
+        T value;
+        Node* previous;
+        Node* next;
+    };
+
+    static constexpr std::size_t keptNodes = 512;
+
+    LinkedList() = default;
+    LinkedList(const LinkedList&) = delete;
+    LinkedList& operator=(const LinkedList&) = delete;
+    ~LinkedList() { Clear(); }
+
+    Node* GetHead() const noexcept { return head; }
+    Node* GetTail() const noexcept { return tail; }
+    std::size_t Count() const noexcept { return count; }
+    bool IsEmpty() const noexcept { return count == 0; }
+
+    void AddHead(const T& value) { LinkHead(MakeNode(value)); }
+    void AddHead(T&& value) { LinkHead(MakeNode(std::move(value))); }
+    void AddTail(const T& value) { LinkTail(MakeNode(value)); }
+    void AddTail(T&& value) { LinkTail(MakeNode(std::move(value))); }
+
+    /// The list must not be empty.
+    void RemoveHead() noexcept
+    {
+        Node* node = head;
+        head = node->next;
+        (head ? head->previous : tail) = nullptr;
+        --count;
+        node->~Node();
+        Spare::Give(node);
+    }
+
+    void Clear() noexcept
+    {
+        while (head)
+            RemoveHead();
+    }
+
+    CriticalSection section;
+
+private:
+    /// The thread's storage for nodes to come: a chain through the first word of each block.
+    class Spare
+    {
+    public:
+        static void* Take()
+        {
+            Block* block = chain.first;
+            if (!block)
+                return ::operator new(sizeof(Node));
+            chain.first = block->next;
+            --chain.count;
+            return block;
+        }
+
+        static void Give(void* memory) noexcept
+        {
+            static thread_local Closer closer;
+            if (chain.closed || chain.count == keptNodes) {
+                ::operator delete(memory);
+                return;
+            }
+            chain.first = new (memory) Block{chain.first};
+            ++chain.count;
+        }
+
+    private:
+        struct Block
+        {
+            Block* next;
+        };
+
+        /// Without a destructor, so that lists which outlive the thread's other objects still find it.
+        struct Chain
+        {
+            Block* first = nullptr;
+            std::size_t count = 0;
+            bool closed = false;
+        };
+
+        struct Closer
+        {
+            ~Closer()
+            {
+                chain.closed = true;
+                while (chain.first)
+                    ::operator delete(Take());
+            }
+        };
+
+        static inline thread_local constinit Chain chain;
+    };
+
+    template <typename Value>
+    static Node* MakeNode(Value&& value)
+    {
+        void* memory = Spare::Take();
+        try {
+            return new (memory) Node{std::forward<Value>(value), nullptr, nullptr};
+        } catch (...) {
+            Spare::Give(memory);
+            throw;
+        }
+    }
+
+    void LinkHead(Node* node) noexcept
+    {
+        node->next = head;
+        (head ? head->previous : tail) = node;
+        head = node;
+        ++count;
+    }
+
+    void LinkTail(Node* node) noexcept
+    {
+        node->previous = tail;
+        (tail ? tail->next : head) = node;
+        tail = node;
+        ++count;
+    }
+
+    Node* head = nullptr;
+    Node* tail = nullptr;
+    std::size_t count = 0;
+};

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "Containers/Object.h"
+#include "HostApi.h"
+#include "Text/WString.h"
+#include "Text/WStringArray.h"
+
+#include <memory>
+#include <string_view>
+#include <unordered_map>
+
+/// Objects by name. Names compare in any case and keep the spelling under which they were first inserted. The table
+/// shares ownership of its objects, so handing one to a second table is safe. Not locked.
+class HOST_API ObjectHashTable
+{
+    struct Hash
+    {
+        using is_transparent = void;
+        HOST_API std::size_t operator()(std::wstring_view key) const noexcept;
+        std::size_t operator()(const WString& key) const noexcept { return (*this)(key.View()); }
+    };
+    struct Equal
+    {
+        using is_transparent = void;
+        static std::wstring_view View(std::wstring_view key) noexcept { return key; }
+        static std::wstring_view View(const WString& key) noexcept { return key.View(); }
+        HOST_API static bool Same(std::wstring_view left, std::wstring_view right) noexcept;
+        bool operator()(const auto& left, const auto& right) const noexcept { return Same(View(left), View(right)); }
+    };
+    using Map = std::unordered_map<WString, std::shared_ptr<Object>, Hash, Equal>;
+
+public:
+    explicit ObjectHashTable(unsigned int bucketCount) : objects(bucketCount) {}
+
+    /// Adds the object unless the name is taken; returns whether it was added.
+    bool Add(const WString& name, std::shared_ptr<Object> object);
+    /// Adds the object or replaces the one of that name.
+    void Insert(const WString& name, std::shared_ptr<Object> object);
+    Object* GetObjectOrNull(std::wstring_view name) const noexcept;
+    std::size_t Count() const noexcept { return objects.size(); }
+    void Clear() noexcept { objects.clear(); }
+    /// Adds the names to `names`, in no particular order.
+    void GetKeys(WStringArray& names) const;
+
+private:
+    friend class ObjectHashTableIterator;
+    Map objects;
+};
+
+/// Walks a table in its own order. Valid while the table is not changed.
+class HOST_API ObjectHashTableIterator
+{
+public:
+    explicit ObjectHashTableIterator(const ObjectHashTable& table) : table(&table) { MoveToFirst(); }
+
+    void MoveToFirst() { position = table->objects.begin(); }
+    void MoveToNext() { ++position; }
+    bool IsAtEnd() const { return position == table->objects.end(); }
+    const WString& GetKey() const { return position->first; }
+    const std::shared_ptr<Object>& GetObject() const { return position->second; }
+
+private:
+    const ObjectHashTable* table;
+    ObjectHashTable::Map::const_iterator position;
+};

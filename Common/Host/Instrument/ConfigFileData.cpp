@@ -1,0 +1,168 @@
+#include "Instrument/ConfigFileData.h"
+
+#include "Instrument/IniFile.h"
+#include "Text/HostError.h"
+
+#include <cmath>
+#include <limits>
+#include <mutex>
+
+struct ConfigFileData::Data
+{
+    std::mutex lock;
+    IniFile file;
+    ConfigMetaData metaData;
+};
+
+/// A whole number in any decimal form: "12", "12.0" or "1.2e1".
+template <typename Integer>
+static bool TryReadWhole(const WString& text, Integer& value, Integer min, Integer max)
+{
+    double number = 0;
+    if (!text.TryParseDouble(number, min, max) || number != std::floor(number))
+        return false;
+    value = static_cast<Integer>(number);
+    return true;
+}
+
+ConfigFileData::ConfigFileData() : data(std::make_unique<Data>()) {}
+
+ConfigFileData::~ConfigFileData() = default;
+
+void ConfigFileData::Load(const std::string& path)
+{
+    const std::lock_guard guard(data->lock);
+    data->file.Load(path);
+}
+
+void ConfigFileData::Save() const
+{
+    const std::lock_guard guard(data->lock);
+    data->file.Save();
+}
+
+bool ConfigFileData::Contains(const WString& section, const WString& key) const
+{
+    WString value;
+    return TryGetString(section, key, value);
+}
+
+bool ConfigFileData::TryGetString(const WString& section, const WString& key, WString& value) const
+{
+    const std::lock_guard guard(data->lock);
+    return data->file.TryGet(section, key, value);
+}
+
+bool ConfigFileData::TryGetBool(const WString& section, const WString& key, bool& value) const
+{
+    WString text;
+    return TryGetString(section, key, text) && text.TryGetBool(value);
+}
+
+bool ConfigFileData::TryGetInt(const WString& section, const WString& key, int& value, int min, int max) const
+{
+    WString text;
+    return TryGetString(section, key, text) && TryReadWhole(text, value, min, max);
+}
+
+bool ConfigFileData::TryGetUInt(
+    const WString& section, const WString& key, unsigned int& value, unsigned int min, unsigned int max) const
+{
+    WString text;
+    return TryGetString(section, key, text) && TryReadWhole(text, value, min, max);
+}
+
+bool ConfigFileData::TryGetDouble(
+    const WString& section, const WString& key, double& value, double min, double max) const
+{
+    WString text;
+    return TryGetString(section, key, text) && text.TryParseDouble(value, min, max);
+}
+
+bool ConfigFileData::GetBoolOrUseDefault(
+    const WString& section, const WString& key, bool defaultValue, const ExitCode& failure) const
+{
+    data->metaData.Update(section, key, ConfigDataType::Bool, nullptr, 0, 1, defaultValue);
+    WString text;
+    bool value = defaultValue;
+    if (TryGetString(section, key, text) && !text.TryGetBool(value))
+        throw failure;
+    return value;
+}
+
+int ConfigFileData::GetIntOrUseDefault(
+    const WString& section, const WString& key, int defaultValue, const ExitCode& failure, int min, int max) const
+{
+    data->metaData.Update(section, key, ConfigDataType::Int, nullptr, min, max, defaultValue);
+    WString text;
+    int value = defaultValue;
+    if (TryGetString(section, key, text) && !TryReadWhole(text, value, min, max))
+        throw failure;
+    return value;
+}
+
+unsigned int ConfigFileData::GetUIntOrUseDefault(const WString& section, const WString& key, unsigned int defaultValue,
+    const ExitCode& failure, unsigned int min, unsigned int max) const
+{
+    data->metaData.Update(section, key, ConfigDataType::UInt, nullptr, min, max, defaultValue);
+    WString text;
+    unsigned int value = defaultValue;
+    if (TryGetString(section, key, text) && !TryReadWhole(text, value, min, max))
+        throw failure;
+    return value;
+}
+
+double ConfigFileData::GetDoubleOrUseDefault(const WString& section, const WString& key, double defaultValue,
+    const ExitCode& failure, double min, double max) const
+{
+    data->metaData.Update(section, key, ConfigDataType::Dbl, nullptr, min, max, defaultValue);
+    WString text;
+    double value = defaultValue;
+    if (TryGetString(section, key, text) && !text.TryParseDouble(value, min, max))
+        throw failure;
+    return value;
+}
+
+WString ConfigFileData::GetStringOrUseDefault(const WString& section, const WString& key, const WString& defaultValue,
+    const ExitCode& failure, int minLength, int maxLength) const
+{
+    data->metaData.UpdateStr(section, key, nullptr, minLength, maxLength, defaultValue.ToCString());
+    WString value;
+    if (!TryGetString(section, key, value))
+        return defaultValue;
+    const auto length = static_cast<long long>(value.Length());
+    if (length < minLength || (maxLength >= 0 && length > maxLength))
+        throw failure;
+    return value;
+}
+
+void ConfigFileData::SetString(const WString& section, const WString& key, const WString& value)
+{
+    if (!IniFile::CanHold(section, key, value))
+        throw HostException(HostError::WrongArguments, L"the settings file cannot hold [" + section + L"] " + key);
+    const std::lock_guard guard(data->lock);
+    data->file.Set(section, key, value);
+}
+
+bool ConfigFileData::TryDelete(const WString& section, const WString& key)
+{
+    const std::lock_guard guard(data->lock);
+    return data->file.TryDelete(section, key);
+}
+
+void ConfigFileData::GetSections(WStringArray& sections) const
+{
+    const std::lock_guard guard(data->lock);
+    data->file.GetSections(sections);
+}
+
+void ConfigFileData::GetKeys(const WString& section, WStringArray& keys) const
+{
+    const std::lock_guard guard(data->lock);
+    data->file.GetKeys(section, keys);
+}
+
+ConfigMetaData& ConfigFileData::GetMetaData() const
+{
+    return data->metaData;
+}

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "HostApi.h"
+#include "Instrument/ConfigMetaData.h"
+#include "Text/ExitCode.h"
+#include "Text/WString.h"
+#include "Text/WStringArray.h"
+
+#include <memory>
+#include <string>
+
+/// Settings by section and key, both in any case, kept in an INI file whose comments survive a save. Safe under
+/// threads. The Try operations return false, and write nothing, when the key is absent or its text is not of the type
+/// or out of range. The OrUseDefault operations register the default with its type in the metadata; they return the
+/// default for an absent key and throw the given exit code for a text that does not serve.
+class HOST_API ConfigFileData
+{
+public:
+    ConfigFileData();
+    ~ConfigFileData();
+    ConfigFileData(const ConfigFileData&) = delete;
+    ConfigFileData& operator=(const ConfigFileData&) = delete;
+
+    /// Replaces all settings by those of the file; an absent file gives none. Throws HostException(FileError) with name
+    /// and reason.
+    void Load(const std::string& path);
+    /// Writes the settings back to the file they were loaded from, in one step. Throws HostException(FileError).
+    void Save() const;
+
+    bool Contains(const WString& section, const WString& key) const;
+    bool TryGetString(const WString& section, const WString& key, WString& value) const;
+    bool TryGetBool(const WString& section, const WString& key, bool& value) const;
+    bool TryGetInt(const WString& section, const WString& key, int& value, int min, int max) const;
+    bool TryGetUInt(
+        const WString& section, const WString& key, unsigned int& value, unsigned int min, unsigned int max) const;
+    bool TryGetDouble(const WString& section, const WString& key, double& value, double min, double max) const;
+
+    bool GetBoolOrUseDefault(
+        const WString& section, const WString& key, bool defaultValue, const ExitCode& failure) const;
+    bool GetBoolOrUseDefault(
+        const WString& section, const WString& key, bool defaultValue, unsigned int exitNumber) const
+    {
+        return GetBoolOrUseDefault(section, key, defaultValue, ExitCode(exitNumber));
+    }
+    int GetIntOrUseDefault(
+        const WString& section, const WString& key, int defaultValue, const ExitCode& failure, int min, int max) const;
+    unsigned int GetUIntOrUseDefault(const WString& section, const WString& key, unsigned int defaultValue,
+        const ExitCode& failure, unsigned int min, unsigned int max) const;
+    double GetDoubleOrUseDefault(const WString& section, const WString& key, double defaultValue,
+        const ExitCode& failure, double min, double max) const;
+    /// The limits are those of the text's length.
+    WString GetStringOrUseDefault(const WString& section, const WString& key, const WString& defaultValue,
+        const ExitCode& failure, int minLength, int maxLength) const;
+
+    void SetString(const WString& section, const WString& key, const WString& value);
+    bool TryDelete(const WString& section, const WString& key);
+    void GetSections(WStringArray& sections) const;
+    void GetKeys(const WString& section, WStringArray& keys) const;
+
+    ConfigMetaData& GetMetaData() const;
+
+private:
+    struct Data;
+    std::unique_ptr<Data> data;
+};

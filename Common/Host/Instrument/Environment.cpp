@@ -1,0 +1,62 @@
+#include "Instrument/Environment.h"
+
+#include "Instrument/NameOrder.h"
+#include "Text/ExitCode.h"
+
+#include <map>
+
+struct Environment::Store
+{
+    std::map<WString, WString, NameOrder> variables;
+};
+
+Environment::Environment() : store(std::make_shared<Store>()) {}
+
+bool Environment::TryGetString(const WString& name, WString& value) const
+{
+    const auto found = store->variables.find(name);
+    if (found == store->variables.end())
+        return false;
+    value = found->second;
+    return true;
+}
+
+WString Environment::GetString(const WString& name, unsigned int exitNumber) const
+{
+    WString value;
+    if (!TryGetString(name, value))
+        throw ExitCode(exitNumber);
+    return value;
+}
+
+bool Environment::ContainsKey(const WString& name) const
+{
+    return store->variables.contains(name);
+}
+
+void Environment::SetString(const WString& name, const WString& value)
+{
+    store->variables.insert_or_assign(name, value); // keeps the key, and so its spelling, of an earlier assignment
+}
+
+void Environment::SetInt(const WString& name, int value)
+{
+    SetString(name, WString::Format(L"%d", value));
+}
+
+void Environment::SetUInt(const WString& name, unsigned int value)
+{
+    SetString(name, WString::Format(L"%u", value));
+}
+
+bool Environment::TryDelete(const WString& name)
+{
+    return store->variables.erase(name) != 0;
+}
+
+void Environment::GetKeys(WStringArray& names) const
+{
+    names.Clear();
+    for (const auto& [name, value] : store->variables)
+        names.Add(name);
+}

@@ -1,0 +1,168 @@
+#include "Instrument/IniFile.h"
+
+#include "Instrument/NameOrder.h"
+
+#include <SimpleIni.h>
+
+#include <cerrno>
+
+namespace {
+
+struct Utf8NameOrder
+{
+    bool operator()(const char* left, const char* right) const
+    {
+        return NameOrder()(WString::FromUtf8(left), WString::FromUtf8(right));
+    }
+};
+
+using Ini = CSimpleIniTempl<char, Utf8NameOrder, SI_ConvertA<char>>;
+
+struct Line
+{
+    std::string_view text; // without the blanks at its start
+    std::size_t end;       // where the next one starts
+};
+
+Line GetLine(std::string_view text, std::size_t start)
+{
+    const std::size_t end = std::min(text.find('\n', start), text.size() - 1) + 1;
+    std::string_view line = text.substr(start, end - start);
+    line.remove_prefix(std::min(line.find_first_not_of(" \t\r\n"), line.size()));
+    return {line, end};
+}
+
+/// The length of the text up to the end of its last line that is neither blank nor a comment.
+std::size_t GetContentLength(std::string_view text)
+{
+    std::size_t length = 0;
+    for (std::size_t start = 0; start < text.size();) {
+        const Line line = GetLine(text, start);
+        if (!line.text.empty() && line.text[0] != ';' && line.text[0] != '#')
+            length = line.end;
+        start = line.end;
+    }
+    return length;
+}
+
+/// The parser would put the keys that follow a broken section line into a section of its own making.
+void CheckText(const std::string& path, std::string_view text)
+{
+    if (text.find('\0') != text.npos)
+        WholeFile::Fail(path, L"not a text file");
+    int number = 0;
+    for (std::size_t start = 0; start < text.size();) {
+        const Line line = GetLine(text, start);
+        ++number;
+        if (line.text.starts_with('[') && line.text.find(']') == line.text.npos)
+            WholeFile::Fail(path, WString::Format(L"line %d: missing ]", number));
+        start = line.end;
+    }
+}
+
+bool HasAny(const WString& text, std::wstring_view characters)
+{
+    return text.View().find_first_of(characters) != std::wstring_view::npos;
+}
+
+void CopyNames(Ini::TNamesDepend& entries, WStringArray& names)
+{
+    entries.sort(Ini::Entry::LoadOrder());
+    names.Clear();
+    for (const Ini::Entry& entry : entries)
+        names.Add(WString::FromUtf8(entry.pItem));
+}
+
+} // namespace
+
+struct IniFile::Contents
+{
+    Ini ini;
+    std::string lastComment; // the parser drops what follows the last key
+
+    explicit Contents(const std::string& text)
+    {
+        ini.SetUnicode();
+        ini.SetSpaces(false);
+        const std::size_t length = GetContentLength(text);
+        if (ini.LoadData(text.data(), length) < 0)
+            throw std::bad_alloc();
+        lastComment = text.substr(length);
+    }
+    std::string GetText() const
+    {
+        std::string text;
+        ini.Save(text);
+        return text + lastComment;
+    }
+};
+
+IniFile::IniFile() : contents(std::make_unique<Contents>("")) {}
+
+IniFile::~IniFile() = default;
+
+void IniFile::Load(const std::string& name)
+{
+    const FileStamp current = WholeFile::GetStamp(name); // taken first: a change while reading is noticed afterwards
+    std::string text;
+    const int errorNumber = WholeFile::Read(name, text);
+    if (errorNumber != 0 && errorNumber != ENOENT)
+        WholeFile::Fail(name, errorNumber);
+    CheckText(name, text);
+    contents = std::make_unique<Contents>(text);
+    path = name;
+    stamp = current;
+}
+
+bool IniFile::IsOutdated() const
+{
+    return WholeFile::GetStamp(path) != stamp;
+}
+
+void IniFile::Save()
+{
+    const std::string text = contents->GetText();
+    stamp = WholeFile::Write(path, text);
+    contents = std::make_unique<Contents>(text); // the parser keeps replaced values until it is made anew
+}
+
+bool IniFile::TryGet(const WString& section, const WString& key, WString& value) const
+{
+    const char* found = contents->ini.GetValue(section.ToUtf8().c_str(), key.ToUtf8().c_str());
+    if (!found)
+        return false;
+    value = WString::FromUtf8(found);
+    return true;
+}
+
+bool IniFile::CanHold(const WString& section, const WString& key, const WString& value)
+{
+    using namespace std::literals;
+    const WString name = key.Trim();
+    return !HasAny(section.Trim(), L"]\r\n\0"sv) && !HasAny(name, L"=\r\n\0"sv) && !HasAny(value.Trim(), L"\r\n\0"sv) &&
+        !name.IsEmpty() && !HasAny(name.Left(1), L"[;#");
+}
+
+void IniFile::Set(const WString& section, const WString& key, const WString& value)
+{
+    contents->ini.SetValue(section.Trim().ToUtf8().c_str(), key.Trim().ToUtf8().c_str(), value.Trim().ToUtf8().c_str());
+}
+
+bool IniFile::TryDelete(const WString& section, const WString& key)
+{
+    return contents->ini.Delete(section.ToUtf8().c_str(), key.ToUtf8().c_str());
+}
+
+void IniFile::GetSections(WStringArray& sections) const
+{
+    Ini::TNamesDepend entries;
+    contents->ini.GetAllSections(entries);
+    CopyNames(entries, sections);
+}
+
+void IniFile::GetKeys(const WString& section, WStringArray& keys) const
+{
+    Ini::TNamesDepend entries;
+    contents->ini.GetAllKeys(section.ToUtf8().c_str(), entries);
+    CopyNames(entries, keys);
+}

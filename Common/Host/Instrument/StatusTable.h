@@ -1,0 +1,83 @@
+#pragma once
+
+#include "HostApi.h"
+#include "Text/ExitCode.h"
+#include "Text/WString.h"
+#include "Text/WStringArray.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+/// Item types of the status table, with the numbers that its readers see.
+enum StatusType : int
+{
+    ST_None = 0,
+    ST_Bool = 1,
+    ST_Double = 2,
+    ST_String = 3,
+    ST_ExitCode = 4,
+    ST_Formatted = 5, // a text made of other items: "%S{name}" in it stands for that item's value
+    ST_Int = 0x801,
+    ST_UInt = 0x802,
+    ST_UInt64 = 0x804 // counters; read as unsigned 32-bit by those who ask for that
+};
+
+/// The instrument's status values by name (any case). Safe under threads. Try operations return false, and write
+/// nothing, when the item is absent, of another type, or out of range; TryGetInt and TryGetUInt read all the integer
+/// types. Values are without blanks at both ends and hold no line break, as the file could not keep them.
+///
+/// Reading and setting operations first make delayed values that are due take effect, and take over what other
+/// processes changed in the file: an item whose text there is a new one gets it. They look at the file once in 50 ms of
+/// the host's clock, so that reading in a loop is cheap.
+class HOST_API StatusTable
+{
+public:
+    StatusTable();
+    ~StatusTable();
+    StatusTable(const StatusTable&) = delete;
+    StatusTable& operator=(const StatusTable&) = delete;
+
+    /// Replaces the items that are not live by those of an INI file, and forgets delayed values: a section "[Items]"
+    /// with lines "Name=type:value", type one of bool, double, string, exitcode, formatted, int, uint, uint64. An
+    /// absent file gives none. A line that does not fit throws HostException(FileError) naming the file, the item and
+    /// the reason, and changes nothing.
+    void Load(const std::string& path);
+    /// Looks at the file at once. A file that is faulty just then, perhaps half edited, changes nothing.
+    void Refresh() const;
+
+    bool ContainsItem(const WString& name) const;
+    /// The item's type, ST_None when there is no such item.
+    int GetItemType(const WString& name) const;
+    bool TryGetBool(const WString& name, bool& value) const;
+    bool TryGetDouble(const WString& name, double& value, double min, double max) const;
+    bool TryGetString(const WString& name, WString& value) const;
+    bool TryGetExitCode(const WString& name, ExitCode& value) const;
+    bool TryGetInt(const WString& name, int& value, int min, int max) const;
+    bool TryGetUInt(const WString& name, unsigned int& value, unsigned int min, unsigned int max) const;
+    /// The value of an item of any type as text. Refused for a formatted item that refers, directly or through others,
+    /// to itself or to an absent item, or that needs more than 100 items.
+    bool TryGetFormattedString(const WString& name, WString& value) const;
+
+    /// Gives an existing item a value of its type from text, or makes a new one whose type is read off the text
+    /// (true/false bool, whole number int, other number double, else string). False when the text does not fit the
+    /// item's type, or the item is live.
+    bool TrySet(const WString& name, const WString& value);
+    /// As TrySet, to take effect in this process after a delay (24 days at most); a value that does not fit by then is
+    /// dropped. Replaces an earlier delayed value.
+    void SetAfter(const WString& name, const WString& value, unsigned int milliseconds);
+    /// Adds or replaces an item of a type with its value as text; false when the text does not fit.
+    bool TryAdd(const WString& name, StatusType type, const WString& value);
+    /// A live item: its text is asked for at every reading, by the thread that reads. Outlives Load, and hides the
+    /// file's item of that name.
+    void AddLive(const WString& name, StatusType type, std::function<WString()> read);
+    /// Writes the items that are not live back to their file, in one step, on top of what others changed there. Throws
+    /// HostException(FileError).
+    void Save() const;
+    /// All names, sorted.
+    void GetNames(WStringArray& names) const;
+
+private:
+    struct Data;
+    std::unique_ptr<Data> data;
+};

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "HostApi.h"
+#include "Text/WString.h"
+#include "Text/WStringArray.h"
+
+#include <memory>
+#include <string>
+
+/// Named counters for several processes at once, in an SQLite file. Names compare in any case. Safe under threads.
+/// Without an open file all reads find nothing and increments are dropped: counting never fails a command.
+///
+/// Every change is a transaction of its own that survives the death of the process at any moment, and no change is lost
+/// to another process. A power failure may lose the last changes but never damages the file: it is not flushed to the
+/// disk at each, so that counting in a loop stays cheap.
+class HOST_API UsageLog
+{
+public:
+    UsageLog();
+    ~UsageLog();
+    UsageLog(const UsageLog&) = delete;
+    UsageLog& operator=(const UsageLog&) = delete;
+
+    /// Opens or creates the file in place of the one that was open; in a folder that cannot be written the file is used
+    /// for reading alone. Throws HostException(FileError) with name and reason, and then no file is open.
+    void Open(const std::string& path);
+    /// The counter, saturated to the signed 32-bit range.
+    bool TryGetUsageValue(const wchar_t* name, int& value) const;
+    /// Adds to the counter, which starts at 0; false when the file cannot be written. A sum beyond 64 bits leaves the
+    /// counter as it is.
+    bool Increment(const wchar_t* name, long long by = 1);
+    bool Set(const wchar_t* name, long long value);
+    /// False when there is no such counter, or when the file cannot be written.
+    bool TryDelete(const wchar_t* name);
+    /// All names, sorted.
+    void GetNames(WStringArray& names) const;
+
+private:
+    struct Database;
+    std::unique_ptr<Database> database;
+};

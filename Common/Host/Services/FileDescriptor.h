@@ -1,0 +1,23 @@
+#pragma once
+
+#include <unistd.h>
+
+/// Owns an open file descriptor; -1 owns nothing.
+class FileDescriptor
+{
+public:
+    explicit FileDescriptor(int descriptor) noexcept : descriptor(descriptor) {}
+    ~FileDescriptor()
+    {
+        if (descriptor >= 0)
+            close(descriptor);
+    }
+    FileDescriptor(const FileDescriptor&) = delete;
+    FileDescriptor& operator=(const FileDescriptor&) = delete;
+
+    bool IsOpen() const noexcept { return descriptor >= 0; }
+    int Get() const noexcept { return descriptor; }
+
+private:
+    int descriptor;
+};

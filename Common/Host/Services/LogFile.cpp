@@ -1,0 +1,117 @@
+#include "Services/LogFile.h"
+
+#include "Services/FileDescriptor.h"
+#include "Services/System.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <mutex>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+namespace {
+
+/// The logs of the process. Logs are static objects of libHost and of plug-ins, made in an order that nobody controls.
+struct Registry
+{
+    std::mutex lock;
+    std::vector<LogFile*> logs;
+
+    static Registry& Get()
+    {
+        static Registry registry;
+        return registry;
+    }
+};
+
+std::string GetFile(const std::string& folder, const WString& name, const char* ending)
+{
+    return folder + "/" + name.ToUtf8() + ending;
+}
+
+bool TryLock(int file)
+{
+    while (flock(file, LOCK_EX) != 0)
+        if (errno != EINTR)
+            return false;
+    return true;
+}
+
+/// True when the open file is still the one of that path; another process may have made it the older generation.
+bool IsCurrent(const struct stat& opened, const std::string& path)
+{
+    struct stat named = {};
+    return stat(path.c_str(), &named) == 0 && named.st_ino == opened.st_ino && named.st_dev == opened.st_dev;
+}
+
+} // namespace
+
+LogFile::LogFile(const wchar_t* firstText, const wchar_t* name, unsigned int sizeLimit)
+    : firstText(firstText), name(name), sizeLimit(sizeLimit)
+{
+    Registry& registry = Registry::Get();
+    const std::lock_guard guard(registry.lock);
+    registry.logs.push_back(this);
+    if (!System::GetDataFolder().empty())
+        Configure();
+}
+
+LogFile::~LogFile()
+{
+    Registry& registry = Registry::Get();
+    const std::lock_guard guard(registry.lock);
+    std::erase(registry.logs, this);
+}
+
+void LogFile::ConfigureAll()
+{
+    Registry& registry = Registry::Get();
+    const std::lock_guard guard(registry.lock);
+    for (LogFile* log : registry.logs)
+        log->Configure();
+}
+
+void LogFile::Configure()
+{
+    bool value = IsEnabled();
+    System::config.GetMetaData().Update(
+        L"Log", name, ConfigDataType::Bool, (L"Write " + name + L".txt").ToCString(), 0, 1, value);
+    System::config.TryGetBool(L"Log", name, value);
+    SetEnabled(value);
+}
+
+std::string LogFile::GetPath() const
+{
+    const std::string& folder = System::GetDataFolder();
+    return folder.empty() ? folder : GetFile(folder, name, ".txt");
+}
+
+void LogFile::DoWriteLine(const WString& line)
+{
+    const std::string path = GetPath();
+    if (!IsEnabled() || path.empty())
+        return;
+    std::string text = line.ToUtf8() + "\n";
+    for (;;) {
+        // The file lock ends with the descriptor. It orders threads as well, as each opens the file for itself.
+        const FileDescriptor file(open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666));
+        struct stat opened = {};
+        if (!file.IsOpen() || !TryLock(file.Get()) || fstat(file.Get(), &opened) != 0)
+            return;
+        if (!IsCurrent(opened, path))
+            continue;
+        const auto size = static_cast<std::uintmax_t>(opened.st_size);
+        if (size != 0 && size + text.size() > sizeLimit) {
+            if (std::rename(path.c_str(), GetFile(System::GetDataFolder(), name, ".old.txt").c_str()) != 0)
+                return;
+            continue;
+        }
+        if (size == 0 && !firstText.IsEmpty())
+            text.insert(0, firstText.ToUtf8() + "\n");
+        [[maybe_unused]] const ssize_t written = write(file.Get(), text.data(), text.size());
+        return;
+    }
+}

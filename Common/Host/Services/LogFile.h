@@ -1,0 +1,50 @@
+#pragma once
+
+#include "HostApi.h"
+#include "Text/WString.h"
+
+#include <atomic>
+#include <string>
+
+/// A text log in the data folder, "<name>.txt" in UTF-8, with one older generation, "<name>.old.txt", once it has
+/// reached its size limit. Safe under threads and between processes: lines are never mixed or cut, and the limit is
+/// kept by all of them together. A log that cannot be written is silent: logging never fails a command.
+class HOST_API LogFile
+{
+public:
+    /// `firstText` begins each new file when it is not empty; `sizeLimit` is in bytes. A log starts out disabled unless
+    /// the configuration names it: `[Log] <name>=true`, read when the host starts and when a log is made after that.
+    LogFile(const wchar_t* firstText, const wchar_t* name, unsigned int sizeLimit);
+    ~LogFile();
+    LogFile(const LogFile&) = delete;
+    LogFile& operator=(const LogFile&) = delete;
+
+    bool IsEnabled() const noexcept { return enabled.load(std::memory_order_relaxed); }
+    void SetEnabled(bool value) noexcept { enabled.store(value, std::memory_order_relaxed); }
+
+    /// Appends one line, as it stands; nothing when the log is disabled.
+    void DoWriteLine(const WString& line);
+    /// Appends one line made by WString::Format. Text from users goes into the arguments, never into the format.
+    template <typename... Arguments>
+    void WriteLine(const wchar_t* format, const Arguments&... arguments)
+    {
+        if (IsEnabled())
+            DoWriteLine(WString::Format(format, arguments...));
+    }
+
+    const WString& GetName() const noexcept { return name; }
+    /// The file's path; empty while the host has no data folder.
+    std::string GetPath() const;
+
+    /// Reads the `[Log]` settings for every log of the process; called when the host has its configuration. A log that
+    /// they do not name stays as it is.
+    static void ConfigureAll();
+
+private:
+    const WString firstText;
+    const WString name;
+    const unsigned int sizeLimit;
+    std::atomic<bool> enabled{false};
+
+    void Configure();
+};

@@ -1,0 +1,95 @@
+#include "Services/System.h"
+
+#include "Services/Clock.h"
+#include "Services/DateTime.h"
+#include "Services/WholeFile.h"
+#include "Text/HostError.h"
+
+#include <chrono>
+#include <filesystem>
+#include <limits>
+
+// The order of these matters: a log looks for the folder when it is made. Logs of plug-ins are made after all of them.
+static std::string dataFolder_lc;
+ConfigFileData System::config;
+StatusTable System::status;
+UsageLog System::usage;
+LogFile System::errorLog(L"", L"ErrorLog", 0x100000);
+Rand System::random;
+
+namespace {
+
+constexpr const char* profileFiles_lc[] = {"Config.ini", "Status.ini"};
+
+void MakeFolder(const std::string& folder)
+{
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (error)
+        WholeFile::Fail(folder, error.value());
+}
+
+void CopyIfMissing(const std::string& source, const std::string& target)
+{
+    std::error_code error;
+    if (std::filesystem::exists(target, error))
+        return;
+    std::string text;
+    if (const int errorNumber = WholeFile::Read(source, text); errorNumber != 0)
+        WholeFile::Fail(source, errorNumber);
+    WholeFile::Write(target, text);
+}
+
+void AddLiveItems(StatusTable& status)
+{
+    status.AddLive(L"InfoDate", ST_String, [] {
+        const int date = DateTime::Now().ToDateInt();
+        return WString::Format(L"%04d-%02d-%02d", date / 10000, date / 100 % 100, date % 100);
+    });
+    status.AddLive(L"InfoTime", ST_String, [] {
+        const int time = DateTime::Now().ToTimeInt();
+        return WString::Format(L"%02d:%02d:%02d", time / 10000, time / 100 % 100, time % 100);
+    });
+    const auto start = std::chrono::steady_clock::now();
+    status.AddLive(L"UpTime", ST_Double, [start] {
+        const std::chrono::duration<double> upTime = std::chrono::steady_clock::now() - start;
+        return WString::Format(L"%.3f", upTime.count());
+    });
+}
+
+void SeedRandom(const std::string& configFile)
+{
+    constexpr unsigned int highest = std::numeric_limits<unsigned int>::max();
+    System::config.GetMetaData().Update(L"Random", L"Seed", ConfigDataType::UInt,
+        L"Makes the random numbers repeatable; drawn by the system when absent", 0, highest, 0);
+    if (!System::config.Contains(L"Random", L"Seed"))
+        return;
+    unsigned int seed = 0;
+    if (!System::config.TryGetUInt(L"Random", L"Seed", seed, 0, highest))
+        WholeFile::Fail(configFile, L"[Random] Seed is no whole number from 0 to 4294967295");
+    System::random.Seed(seed);
+}
+
+} // namespace
+
+void System::Start(const std::string& dataFolder, const std::string& profileFolder)
+{
+    const std::string folder = std::filesystem::absolute(dataFolder).string();
+    MakeFolder(folder);
+    for (const char* name : profileFiles_lc)
+        CopyIfMissing(profileFolder + "/" + name, folder + "/" + name);
+
+    config.Load(folder + "/Config.ini");
+    status.Load(folder + "/Status.ini");
+    usage.Open(folder + "/Usage.db");
+    AddLiveItems(status);
+    SeedRandom(folder + "/Config.ini");
+    dataFolder_lc = folder;
+    errorLog.SetEnabled(true);
+    LogFile::ConfigureAll();
+}
+
+const std::string& System::GetDataFolder() noexcept
+{
+    return dataFolder_lc;
+}

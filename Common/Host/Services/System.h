@@ -1,0 +1,35 @@
+#pragma once
+
+#include "HostApi.h"
+#include "Instrument/ConfigFileData.h"
+#include "Instrument/StatusTable.h"
+#include "Instrument/UsageLog.h"
+#include "Services/LogFile.h"
+#include "Services/Rand.h"
+
+#include <string>
+
+/// The instrument: its data and services, made when libHost is loaded and filled by Start.
+class HOST_API System
+{
+public:
+    static ConfigFileData config;
+    static StatusTable status;
+    static UsageLog usage;
+    static LogFile errorLog; // "ErrorLog", enabled unless `[Log] ErrorLog=false`
+    static Rand random;
+
+    /// Opens the data folder with its files Config.ini, Status.ini and Usage.db. The folder is made when it is missing,
+    /// and so are the files, the first two as copies from `profileFolder`; a folder that cannot be written is used for
+    /// reading alone when it holds them all. Registers the live status items InfoDate, InfoTime and UpTime (seconds
+    /// since now), seeds `random` from `[Random] Seed` when that is set, and configures the logs. Throws
+    /// HostException(FileError).
+    static void Start(const std::string& dataFolder, const std::string& profileFolder);
+    /// The absolute path of the folder given to Start; empty before.
+    static const std::string& GetDataFolder() noexcept;
+
+    /// The id of a running process whose command name, and command line when one is given, match the patterns (`*`,
+    /// `?`, any case; the command line has its arguments joined by blanks); the lowest id when there are several, -1
+    /// when there is none. This process counts too.
+    static int GetMatchingProcess(const wchar_t* command, const wchar_t* commandLine);
+};

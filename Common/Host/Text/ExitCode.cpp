@@ -1,0 +1,40 @@
+#include "Text/ExitCode.h"
+
+#include "Text/NumberText.h"
+
+#include <array>
+
+WString ExitCode::ToString() const
+{
+    return WString::Format(L"%u:%u:%u", commandId, module, number);
+}
+
+const wchar_t* ExitCode::ToCString() const
+{
+    static thread_local std::array<WString, 8> slots;
+    static thread_local std::size_t next = 0;
+    WString& slot = slots[next];
+    next = (next + 1) % slots.size();
+    slot = ToString();
+    return slot.ToCString();
+}
+
+bool ExitCode::TryParse(const WString& text, ExitCode& code)
+{
+    const std::wstring_view view = text.View();
+    const std::size_t first = view.find(L':');
+    if (first == std::wstring_view::npos)
+        return false;
+    const std::size_t second = view.find(L':', first + 1);
+    if (second == std::wstring_view::npos)
+        return false;
+    unsigned int id = 0;
+    unsigned int moduleNumber = 0;
+    unsigned int errorNumber = 0;
+    if (!TryReadUnsigned(view.substr(0, first), 10, 0xFFFF, id) ||
+        !TryReadUnsigned(view.substr(first + 1, second - first - 1), 10, 0xFFFF, moduleNumber) ||
+        !TryReadUnsigned(view.substr(second + 1), 10, 0xFFFFFFFF, errorNumber))
+        return false;
+    code = ExitCode(static_cast<std::uint16_t>(id), static_cast<std::uint16_t>(moduleNumber), errorNumber);
+    return true;
+}

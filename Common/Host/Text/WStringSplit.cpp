@@ -1,0 +1,106 @@
+#include "Text/CharacterCase.h"
+#include "Text/ExitCode.h"
+#include "Text/WString.h"
+#include "Text/WStringArray.h"
+
+#include <algorithm>
+
+/// Tells the text outside double quotes from that inside, character by character. Inside, a backslash takes the
+/// character behind it along, so that a quote written \" ends nothing.
+class QuoteTracker
+{
+public:
+    bool IsOutside(wchar_t ch) noexcept
+    {
+        if (inside && !escaped && ch == L'\\') {
+            escaped = true;
+            return false;
+        }
+        if (ch == L'"' && !escaped) {
+            inside = !inside;
+            return false;
+        }
+        escaped = false;
+        return !inside;
+    }
+
+private:
+    bool inside = false;
+    bool escaped = false;
+};
+
+/// What names are made of, the dot included.
+static bool IsWordCharacter(wchar_t ch) noexcept
+{
+    return (ch >= L'0' && ch <= L'9') || ch == L'_' || ch == L'.' || ToLower(ch) != ToUpper(ch);
+}
+
+static bool IsWordAt(std::wstring_view text, std::size_t index, std::wstring_view word) noexcept
+{
+    const std::size_t behind = index + word.size();
+    return EqualsIgnoreCase(text.substr(index, word.size()), word) &&
+        (index == 0 || !IsWordCharacter(text[index - 1])) && (behind == text.size() || !IsWordCharacter(text[behind]));
+}
+
+bool WString::TrySplitAtKeyword(const wchar_t* keyword, WString& before, WString& after) const
+{
+    const std::wstring_view word(keyword);
+    QuoteTracker quotes;
+    for (std::size_t i = 0; i < length; ++i) {
+        if (!quotes.IsOutside(data[i]) || !IsWordAt(View(), i, word))
+            continue;
+        WString left = WString(View().substr(0, i)).Trim(); // either result may be this text
+        WString right = WString(View().substr(i + word.size())).Trim();
+        before = std::move(left);
+        after = std::move(right);
+        return true;
+    }
+    return false;
+}
+
+bool WString::TryGetListItem(WString& item, unsigned int index, wchar_t separator) const
+{
+    std::size_t start = 0;
+    for (; index > 0; --index) {
+        start = View().find(separator, start);
+        if (start == std::wstring_view::npos)
+            return false;
+        ++start;
+    }
+    const std::size_t end = std::min(View().find(separator, start), length);
+    item = WString(View().substr(start, end - start));
+    return true;
+}
+
+WString WString::StrTok(const wchar_t* separators, std::size_t& position) const
+{
+    const std::size_t start = std::min(position, length);
+    const std::size_t end = std::min(View().find_first_of(separators, start), length);
+    position = std::min(end + 1, length);
+    return WString(View().substr(start, end - start));
+}
+
+void WString::GetWStringArray(WStringArray& items, unsigned int minItems, unsigned int maxItems,
+    unsigned int exitNumber, unsigned int minLength, unsigned int maxLength, const WString& separators) const
+{
+    items.Clear();
+    const auto add = [&](std::size_t start, std::size_t end) {
+        WString piece = WString(View().substr(start, end - start)).Trim();
+        if (piece.IsEmpty())
+            return;
+        if (items.Count() == maxItems || piece.Length() < minLength || piece.Length() > maxLength)
+            throw ExitCode(exitNumber);
+        items.Add(std::move(piece));
+    };
+    QuoteTracker quotes;
+    std::size_t start = 0;
+    for (std::size_t i = 0; i < length; ++i) {
+        if (!quotes.IsOutside(data[i]) || separators.View().find(data[i]) == std::wstring_view::npos)
+            continue;
+        add(start, i);
+        start = i + 1;
+    }
+    add(start, length);
+    if (items.Count() < minItems && !Trim().IsEmpty())
+        throw ExitCode(exitNumber);
+}

@@ -1,0 +1,56 @@
+#include "Arguments.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+
+static constexpr const char* description_lc =
+    "The bench shell: runs the instrument's commands against an instrument on the desk.\n"
+    "With words it runs them as one line, with -f a script. Otherwise standard input is a script, or, on a terminal,\n"
+    "commands are asked for.";
+
+static constexpr const char* footer_lc =
+    "The options come before the first word. `labsh Help` lists the commands, `labsh Help Calc` explains one.\n"
+    "Exit status: 0; 1 when a command failed, with a line on standard error; 2 for wrong options.";
+
+/// The data folder where no option names one; empty where the environment gives none.
+static std::string GetDefaultDataFolder()
+{
+    const auto get = [](const char* name) { return std::string(std::getenv(name) ? std::getenv(name) : ""); };
+    if (std::string home = get("LABSH_HOME"); !home.empty())
+        return home;
+    if (const std::string data = get("XDG_DATA_HOME"); !data.empty())
+        return data + "/labsh";
+    const std::string home = get("HOME");
+    return home.empty() ? "" : home + "/.local/share/labsh";
+}
+
+std::optional<int> ReadArguments(int count, char** texts, Arguments& arguments)
+{
+    constexpr int wrongOptions = 2;
+    CLI::App app(description_lc, "labsh");
+    app.footer(footer_lc);
+    app.positionals_at_end();
+    app.set_version_flag("--version", "labsh 1.0", "Print the version and exit");
+    arguments.dataFolder = GetDefaultDataFolder();
+
+    std::vector<std::string> words;
+    app.add_option("line", words, "The line to run");
+    app.add_option("-f", arguments.script, "Run the commands of this file")->type_name("FILE")->take_last();
+    app.add_flag("-k", arguments.keepsGoing, "Go on with a script after a command failed");
+    app.add_option("--data", arguments.dataFolder, "The instrument's data folder")
+        ->type_name("DIR")
+        ->capture_default_str()
+        ->take_last();
+    app.add_option("--plugin", arguments.plugins, "Load this plug-in too")->type_name("FILE")->allow_extra_args(false);
+    try {
+        app.parse(count, texts);
+        if (!words.empty() && !arguments.script.empty())
+            throw CLI::ValidationError("-f", "there is a line to run already");
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? 0 : wrongOptions;
+    }
+    if (!words.empty())
+        arguments.line = CLI::detail::join(words, " ");
+    return std::nullopt;
+}

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+/// What labsh was started with.
+struct Arguments
+{
+    std::optional<std::string> line; // the words behind the options, joined by blanks
+    std::string script;              // empty: none
+    bool keepsGoing = false;
+    std::string dataFolder;
+    std::vector<std::string> plugins;
+};
+
+/// Reads the arguments. Yields an exit status when nothing remains to be done: help or version was printed, or the
+/// options are wrong.
+std::optional<int> ReadArguments(int count, char** texts, Arguments& arguments);

@@ -1,0 +1,71 @@
+#include "BuiltIns/ItemCommand.h"
+#include "Instrument/OS9EventManager.h"
+#include "Text/WholeNumber.h"
+
+#include <limits>
+#include <memory>
+
+namespace {
+constexpr const wchar_t* usage_lc[] = {
+    L"Usage: Event [<pattern>]",
+    L"       Event <name>[=<number>]",
+    L"       Event -z <name>",
+    L" Lists the events that match the pattern, or all; shows an event; sets one,",
+    L" making it when there is none of that name; or deletes one.",
+    L"Options:",
+    L" -z  Zap/Delete the event.",
+};
+constexpr BuiltInRecord record_lc = {L"Event", 2004, usage_lc};
+
+struct ReferenceEnder
+{
+    void operator()(OS9EventData* event) const noexcept { event->ReleaseReference(); }
+};
+using EventReference = std::unique_ptr<OS9EventData, ReferenceEnder>;
+
+class Event : public ItemCommand
+{
+public:
+    Event() : ItemCommand(record_lc) {}
+    ExitCode Main(ArgumentList& arguments, Options& options) override;
+
+protected:
+    void GetNames(WStringArray& names) override { OS9EventManager::GetNames(names); }
+    bool TryGet(const WString& name, WString& value) override;
+    void Set(const WString& name, const WString& value) override;
+};
+
+ExitCode Event::Main(ArgumentList& arguments, Options& options)
+{
+    if (!options.TryGetFlag(L"z", badOptionValue))
+        return ItemCommand::Main(arguments, options);
+    Accept(arguments, options, 1, 1);
+    if (!OS9EventManager::TryDelete(arguments.At(0)))
+        Fail(notFound, L"There is no " + arguments.At(0));
+    return ExitCode(0);
+}
+
+bool Event::TryGet(const WString& name, WString& value)
+{
+    const EventReference event(OS9EventManager::GetOS9Event(name));
+    if (event)
+        value = WString::Format(L"%d", event->Read());
+    return event != nullptr;
+}
+
+void Event::Set(const WString& name, const WString& value)
+{
+    int number = 0;
+    if (!TryParseWhole(value.View(), number, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()))
+        Fail(badValue, value + L" is no 32-bit whole number");
+    if (const EventReference event{OS9EventManager::GetOS9Event(name)})
+        event->Write(number);
+    else if (!OS9EventManager::TryCreate(name, number))
+        Fail(failed, L"The event cannot be made");
+}
+} // namespace
+
+CommandBase* CreateEvent()
+{
+    return new Event();
+}

@@ -1,0 +1,103 @@
+#include "BuiltIns/BuiltIn.h"
+#include "Commands/CommandRunner.h"
+#include "Commands/EmbeddedResource.h"
+#include "Text/CharacterCase.h"
+
+namespace {
+constexpr const wchar_t* usage_lc[] = {
+    L"Usage: Help [<command or function>]",
+    L" Lists the commands, shows the usage of a command, or describes a function",
+    L" of the expression evaluator.",
+};
+constexpr BuiltInRecord record_lc = {L"Help", 2006, usage_lc};
+constexpr const wchar_t* functionTexts_lc = L"FUNCTIONS.TXT";
+
+class Help : public BuiltIn
+{
+public:
+    Help() : BuiltIn(record_lc) {}
+    ExitCode Main(ArgumentList& arguments, Options& options) override;
+
+private:
+    void ListCommands();
+    bool TryDescribeFunction(EmbeddedResource& texts, const WString& name);
+    bool TryDescribeFunction(const WString& name);
+};
+
+/// True for the first line of an entry that has a call form of this name, as in "Avg(n1, ...) or Average(...) - ...".
+bool BeginsEntryOf(const WString& line, const WString& name)
+{
+    if (line.IsEmpty() || IsWhiteSpace(line[0]))
+        return false;
+    const WString forms = (L" " + line.Left(static_cast<unsigned int>(line.View().find(L" - ")))).ToLowerCase();
+    return forms.IndexOf(L" " + name.ToLowerCase() + L"(") >= 0;
+}
+
+ExitCode Help::Main(ArgumentList& arguments, Options& options)
+{
+    Accept(arguments, options, 0, 1);
+    if (arguments.Count() == 0) {
+        ListCommands();
+        return ExitCode(0);
+    }
+    const WString& topic = arguments.At(0);
+    if (const CommandRegistry::Entry* command = CommandRegistry::FindOrNull(topic))
+        CommandRunner::ShowUsage(*command, GetPipe());
+    else if (!TryDescribeFunction(topic))
+        Fail(notFound, L"There is no command or function " + topic);
+    return ExitCode(0);
+}
+
+void Help::ListCommands()
+{
+    WStringArray lines;
+    for (const CommandRegistry::Entry& command : CommandRegistry::GetEntries()) {
+        ArrayPipe usage;
+        CommandRunner::ShowUsage(command, usage);
+        WString line = usage.lines.IsEmpty() ? command.name : usage.lines[0];
+        line.Replace(L"Usage: ", L" ", false);
+        lines.Add(line);
+    }
+    lines.Sort();
+    GetPipe().DoWriteLine(L"Commands:");
+    for (const WString& line : lines)
+        GetPipe().DoWriteLine(line);
+    GetPipe().DoWriteLine(L"Help <command> shows its usage, Help <function> describes a function.");
+}
+
+/// Looks through the texts of all plug-ins.
+bool Help::TryDescribeFunction(const WString& name)
+{
+    std::string lastFile;
+    for (const CommandRegistry::Entry& command : CommandRegistry::GetEntries()) {
+        std::string contents;
+        if (command.file == lastFile || !EmbeddedResource::TryReadSection(command.file, ".ov.FUNCTIONS.TXT", contents))
+            continue;
+        lastFile = command.file;
+        EmbeddedResource texts(command.name.ToCString(), functionTexts_lc);
+        if (TryDescribeFunction(texts, name))
+            return true;
+    }
+    return false;
+}
+
+bool Help::TryDescribeFunction(EmbeddedResource& texts, const WString& name)
+{
+    bool found = false;
+    while (!texts.EndOfFile()) {
+        const WString line = texts.ReadLine();
+        const bool isEntryStart = !line.IsEmpty() && !IsWhiteSpace(line[0]);
+        if (found && isEntryStart)
+            break;
+        found = found || BeginsEntryOf(line, name);
+        if (found)
+            GetPipe().DoWriteLine(line);
+    }
+    return found;
+}
+} // namespace
+
+CommandBase* CreateHelp()
+{
+    return new Help();
+}

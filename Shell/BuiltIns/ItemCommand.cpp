@@ -1,0 +1,40 @@
+#include "BuiltIns/ItemCommand.h"
+
+#include "Commands/TableFormatter.h"
+
+ExitCode ItemCommand::Main(ArgumentList& arguments, Options& options)
+{
+    Accept(arguments, options, 0, 1);
+    const WString argument = arguments.Count() == 0 ? L"*" : arguments.At(0);
+    const auto equals = argument.View().find(L'=');
+    if (equals != std::wstring_view::npos)
+        Set(WString(argument.View().substr(0, equals)).Trim(), WString(argument.View().substr(equals + 1)).Trim());
+    else if (argument.View().find_first_of(L"*?") != std::wstring_view::npos)
+        List(argument);
+    else
+        Show(argument);
+    return ExitCode(0);
+}
+
+void ItemCommand::Show(const WString& name)
+{
+    WString value;
+    if (!TryGet(name, value))
+        Fail(notFound, L"There is no " + name);
+    GetPipe().DoWriteLine(name + L"=" + value);
+}
+
+void ItemCommand::List(const WString& pattern)
+{
+    WStringArray names;
+    GetNames(names);
+    names.Sort();
+    TableFormatter table;
+    table.AddRow(L"Name\tValue");
+    for (const WString& name : names) {
+        WString value;
+        if (name.IsWildcardMatch(pattern.ToCString(), true) && TryGet(name, value))
+            table.AddRow(name + L"\t" + value);
+    }
+    table.WriteTable(GetPipe());
+}

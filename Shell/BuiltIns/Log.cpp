@@ -1,0 +1,105 @@
+#include "BuiltIns/BuiltIn.h"
+#include "FileLines.h"
+#include "Services/File.h"
+#include "Services/System.h"
+#include "Text/CharacterCase.h"
+
+#include <algorithm>
+#include <deque>
+#include <filesystem>
+
+namespace {
+constexpr const wchar_t* usage_lc[] = {
+    L"Usage: Log [<options>] [<name>]",
+    L" Shows the end of a log, or clears it, or turns it on or off.",
+    L"Arguments:",
+    L" <name>  ErrorLog, the default, EELog (the expression evaluator's), or",
+    L"          another log of a plug-in.",
+    L"Options:",
+    L" -n<lines>  The number of lines to show, 20 by default.",
+    L" -c         Clear the log.",
+    L" -e         Enable the log from now on.",
+    L" -d         Disable the log from now on.",
+};
+constexpr BuiltInRecord record_lc = {L"Log", 2007, usage_lc};
+
+class Log : public BuiltIn
+{
+public:
+    Log() : BuiltIn(record_lc) {}
+    ExitCode Main(ArgumentList& arguments, Options& options) override;
+
+private:
+    void ShowEnd(const std::string& file, int lineCount);
+    void Clear(const std::string& file);
+    void Enable(const WString& name, bool enabled);
+};
+
+bool IsLogName(const WString& name)
+{
+    const auto isLetterOrDigit = [](wchar_t ch) {
+        return (ToLower(ch) >= L'a' && ToLower(ch) <= L'z') || (ch >= L'0' && ch <= L'9');
+    };
+    return !name.IsEmpty() && std::ranges::all_of(name.View(), isLetterOrDigit);
+}
+
+ExitCode Log::Main(ArgumentList& arguments, Options& options)
+{
+    int lineCount = 20;
+    options.TryGetInt(L"n", badOptionValue, lineCount, 1, 1000000);
+    const bool clears = options.TryGetFlag(L"c", badOptionValue);
+    const bool enables = options.TryGetFlag(L"e", badOptionValue);
+    const bool disables = options.TryGetFlag(L"d", badOptionValue);
+    Accept(arguments, options, 0, 1);
+    const WString name = arguments.Count() == 0 ? L"ErrorLog" : arguments.At(0);
+    if (!IsLogName(name))
+        Fail(badValue, name + L" is no name of a log");
+
+    const std::string file = System::GetDataFolder() + "/" + name.ToUtf8();
+    if (clears)
+        Clear(file);
+    if (enables || disables)
+        Enable(name, enables);
+    if (!clears && !enables && !disables)
+        ShowEnd(file + ".txt", lineCount);
+    return ExitCode(0);
+}
+
+void Log::ShowEnd(const std::string& file, int lineCount)
+{
+    if (!File::Exists(WString::FromUtf8(file)))
+        return;
+    FileLines lines(file);
+    std::deque<std::string> last;
+    for (std::string line; lines.TryReadLine(line);) {
+        last.push_back(line);
+        if (last.size() > static_cast<std::size_t>(lineCount))
+            last.pop_front();
+    }
+    for (const std::string& line : last)
+        GetPipe().DoWriteLine(WString::FromUtf8(line));
+}
+
+void Log::Clear(const std::string& file)
+{
+    for (const char* ending : {".txt", ".old.txt"}) {
+        std::error_code error;
+        std::filesystem::remove(file + ending, error);
+        if (error)
+            Fail(failed, WString::FromUtf8(file + ending + ": " + error.message()));
+    }
+}
+
+/// The setting is read again by every log of the process, and by every process when it starts.
+void Log::Enable(const WString& name, bool enabled)
+{
+    System::config.SetString(L"Log", name, enabled ? L"true" : L"false");
+    System::config.Save();
+    LogFile::ConfigureAll();
+}
+} // namespace
+
+CommandBase* CreateLog()
+{
+    return new Log();
+}

@@ -1,0 +1,51 @@
+#include "BuiltIns/BuiltIn.h"
+#include "Commands/EmbeddedResource.h"
+#include "Text/WStringArray.h"
+
+namespace {
+constexpr const wchar_t* usage_lc[] = {
+    L"Usage: Plugins",
+    L" Lists the loaded plug-ins with their version records.",
+};
+constexpr BuiltInRecord record_lc = {L"Plugins", 2008, usage_lc};
+
+class Plugins : public BuiltIn
+{
+public:
+    Plugins() : BuiltIn(record_lc) {}
+    ExitCode Main(ArgumentList& arguments, Options& options) override;
+
+private:
+    void Show(const CommandRegistry::Entry& command);
+};
+
+ExitCode Plugins::Main(ArgumentList& arguments, Options& options)
+{
+    Accept(arguments, options, 0, 0);
+    std::string lastFile; // the commands of a plug-in stand together
+    for (const CommandRegistry::Entry& command : CommandRegistry::GetEntries()) {
+        if (command.file != lastFile)
+            Show(command);
+        lastFile = command.file;
+    }
+    return ExitCode(0);
+}
+
+void Plugins::Show(const CommandRegistry::Entry& command)
+{
+    GetPipe().DoWriteLine(WString::FromUtf8(command.file));
+    std::string record;
+    if (!EmbeddedResource::TryReadSection(command.file, ".ov.version", record))
+        return;
+    for (EmbeddedResource lines(command.name.ToCString(), L"version"); !lines.EndOfFile();) {
+        const WString line = lines.ReadLine();
+        if (!line.IsEmpty())
+            GetPipe().DoWriteLine(L"  " + line);
+    }
+}
+} // namespace
+
+CommandBase* CreatePlugins()
+{
+    return new Plugins();
+}

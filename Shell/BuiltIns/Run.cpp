@@ -1,0 +1,45 @@
+#include "BuiltIns/BuiltIn.h"
+#include "FileLines.h"
+#include "ScriptRunner.h"
+
+namespace {
+constexpr const wchar_t* usage_lc[] = {
+    L"Usage: Run <file>",
+    L" Runs the commands of a script, one a line, up to the first that fails.",
+    L" The script shares the environment variables of the line that runs it.",
+    L" A final backslash continues a line; a line that begins with # is a comment.",
+};
+constexpr BuiltInRecord record_lc = {L"Run", 2009, usage_lc};
+
+class Run : public BuiltIn
+{
+public:
+    Run() : BuiltIn(record_lc) {}
+    ExitCode Main(ArgumentList& arguments, Options& options) override;
+};
+
+/// The message with its place in front, once: a script that runs itself fails at the same place on every level.
+WString AddPlace(const WString& place, const WString& message)
+{
+    return message.StartsWith(place, false) ? message : place + message;
+}
+
+ExitCode Run::Main(ArgumentList& arguments, Options& options)
+{
+    Accept(arguments, options, 1, 1);
+    const WString& file = arguments.At(0);
+    FileLines lines(file.ToUtf8());
+    ExitCode result;
+    RunScript(lines, GetPipe(), GetEnvironment(), [&](const ScriptFailure& failure) {
+        result = failure.outcome.code;
+        SetFailureMessage(AddPlace(FormatPlace(file, failure), failure.outcome.message));
+        return false;
+    });
+    return result;
+}
+} // namespace
+
+CommandBase* CreateRun()
+{
+    return new Run();
+}

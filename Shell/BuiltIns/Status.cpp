@@ -1,0 +1,65 @@
+#include "BuiltIns/ItemCommand.h"
+#include "DelayedStatus.h"
+#include "Instrument/StatusItemType.h"
+#include "Services/System.h"
+
+#include <optional>
+
+namespace {
+constexpr const wchar_t* usage_lc[] = {
+    L"Usage: Status [<pattern>]",
+    L"       Status [-d<seconds>] <name>[=<value>]",
+    L" Lists the status items that match the pattern, or all; shows an item; or",
+    L" sets one and saves it. A new item has the type of its value: bool, int,",
+    L" double or string. Put double quotes around blanks.",
+    L"Options:",
+    L" -d<seconds>  Set the item after this time, 0 to 86400, while the shell goes",
+    L"               on. A script, or the line of a command, ends when it is set.",
+    L"Example: Status -d2.5 TempOpticsStable=true",
+};
+constexpr BuiltInRecord record_lc = {L"Status", 2010, usage_lc};
+
+class Status : public ItemCommand
+{
+public:
+    Status() : ItemCommand(record_lc) {}
+    ExitCode Main(ArgumentList& arguments, Options& options) override;
+
+protected:
+    void GetNames(WStringArray& names) override { System::status.GetNames(names); }
+    bool TryGet(const WString& name, WString& value) override
+    {
+        return System::status.TryGetFormattedString(name, value);
+    }
+    void Set(const WString& name, const WString& value) override;
+
+private:
+    std::optional<double> delay; // seconds
+};
+
+ExitCode Status::Main(ArgumentList& arguments, Options& options)
+{
+    double seconds = 0;
+    if (options.TryGetDouble(L"d", badOptionValue, seconds, 0, 86400))
+        delay = seconds;
+    return ItemCommand::Main(arguments, options);
+}
+
+void Status::Set(const WString& name, const WString& value)
+{
+    const auto type = static_cast<StatusType>(System::status.GetItemType(name));
+    const StatusItemType* row = FindStatusItemType(type);
+    const bool fits = !row || row->fits(value);
+    if (!fits || (!delay && !System::status.TrySet(name, value)))
+        Fail(badValue, WString::Format(L"%s cannot be set to %s", name, value));
+    if (delay)
+        DelayedStatus::Set(name, value, static_cast<unsigned int>(*delay * 1000));
+    else
+        System::status.Save();
+}
+} // namespace
+
+CommandBase* CreateStatus()
+{
+    return new Status();
+}

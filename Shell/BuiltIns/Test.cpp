@@ -1,0 +1,79 @@
+#include "BuiltIns/BuiltIn.h"
+#include "BuiltIns/JUnitReport.h"
+#include "Commands/TestCommand.h"
+#include "Services/Abort.h"
+
+namespace {
+constexpr const wchar_t* usage_lc[] = {
+    L"Usage: Test [-junit<file>] [<pattern>]",
+    L" Runs the automatic tests of the plug-ins whose names match the pattern, or",
+    L" all, and writes a line for each.",
+    L"Options:",
+    L" -junit<file>  Write a JUnit report as well.",
+};
+constexpr BuiltInRecord record_lc = {L"Test", 2011, usage_lc};
+
+class Test : public BuiltIn
+{
+public:
+    Test() : BuiltIn(record_lc) {}
+    ExitCode Main(ArgumentList& arguments, Options& options) override;
+
+private:
+    void Show(const AutomaticTestEntry& entry, const TestCommand& test);
+};
+
+TestCommand RunTest(const AutomaticTestEntry& entry)
+{
+    TestCommand test{Environment()};
+    try {
+        entry.run(test);
+    } catch (const std::exception& exception) {
+        test.Fail(L"The test threw: " + WString::FromUtf8(exception.what()));
+    } catch (...) {
+        test.Fail(L"The test threw");
+    }
+    Abort::ThrowIfRequested();
+    return test;
+}
+
+ExitCode Test::Main(ArgumentList& arguments, Options& options)
+{
+    WString reportFile;
+    const bool writesReport = options.TryGetString(L"junit", badOptionValue, reportFile, 1, 4096);
+    Accept(arguments, options, 0, 1);
+    const WString pattern = arguments.Count() == 0 ? L"*" : arguments.At(0);
+
+    JUnitReport report;
+    unsigned int testCount = 0;
+    unsigned int failureCount = 0;
+    for (const AutomaticTestEntry& entry : CommandRegistry::GetTests()) {
+        if (!entry.name.IsWildcardMatch(pattern.ToCString(), true))
+            continue;
+        const TestCommand test = RunTest(entry);
+        Show(entry, test);
+        report.Add(entry, test.GetFailures());
+        ++testCount;
+        failureCount += !test.GetFailures().empty();
+    }
+    if (writesReport)
+        report.Write(reportFile);
+    if (testCount == 0)
+        Fail(notFound, L"There is no test " + pattern);
+    if (failureCount > 0)
+        Fail(failed, WString::Format(L"%u of %u tests failed", failureCount, testCount));
+    return ExitCode(0);
+}
+
+void Test::Show(const AutomaticTestEntry& entry, const TestCommand& test)
+{
+    GetPipe().WriteLine(L"%s: %u checks, %u failures", entry.name, test.GetCheckCount(), test.GetFailures().size());
+    for (const WString& failure : test.GetFailures())
+        GetPipe().DoWriteLine(L"  " + failure);
+}
+} // namespace
+
+CommandBase* CreateTest()
+{
+    return new Test();
+}

@@ -1,0 +1,31 @@
+#include "DelayedStatus.h"
+
+#include "Services/Abort.h"
+#include "Services/Clock.h"
+#include "Services/System.h"
+
+#include <algorithm>
+#include <optional>
+
+static std::optional<unsigned int> lastDue_lc; // ticks of the clock
+
+void DelayedStatus::Set(const WString& name, const WString& value, unsigned int milliseconds)
+{
+    const unsigned int now = GetTickCount();
+    const unsigned int wait = lastDue_lc ? *lastDue_lc - now : 0;
+    const bool isPast = static_cast<int>(wait) < 0; // the clock wraps
+    System::status.SetAfter(name, value, milliseconds);
+    lastDue_lc = now + std::max(isPast ? 0 : wait, milliseconds);
+}
+
+void DelayedStatus::Finish()
+{
+    if (!lastDue_lc)
+        return;
+    const int wait = static_cast<int>(*lastDue_lc - GetTickCount());
+    Clock::Get().Sleep(static_cast<unsigned int>(std::max(wait, 0)));
+    Abort::ThrowIfRequested();
+    System::status.Refresh();
+    System::status.Save();
+    lastDue_lc.reset();
+}

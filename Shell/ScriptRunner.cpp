@@ -1,0 +1,92 @@
+#include "ScriptRunner.h"
+
+#include "Services/System.h"
+#include "Text/HostError.h"
+
+#include <algorithm>
+
+namespace {
+bool IsBlankOrComment(const std::string& line)
+{
+    const auto first = line.find_first_not_of(" \t");
+    return first == std::string::npos || line[first] == '#';
+}
+
+/// The commands of a source, with their continuation lines joined.
+class CommandReader
+{
+public:
+    explicit CommandReader(LineSource& source) : source(source) {}
+
+    bool TryRead(std::string& command);
+    unsigned int GetLine() const noexcept { return commandLine; }
+
+private:
+    LineSource& source;
+    unsigned int linesRead = 0;
+    unsigned int commandLine = 0;
+
+    bool TryReadLine(std::string& line)
+    {
+        const bool isRead = source.TryReadLine(line);
+        linesRead += isRead;
+        return isRead;
+    }
+};
+
+bool CommandReader::TryRead(std::string& command)
+{
+    do {
+        if (!TryReadLine(command))
+            return false;
+    } while (IsBlankOrComment(command));
+    commandLine = linesRead;
+    constexpr std::size_t limit = CommandRunner::maxLineLength;
+    std::string line;
+    while (command.ends_with('\\')) {
+        command.pop_back();
+        if (!TryReadLine(line))
+            break;
+        command += line;
+        if (command.size() > 2 * limit) // stays too long, in bounded memory
+            command.erase(0, limit);
+    }
+    return true;
+}
+
+CommandRunner::Outcome RunCommand(std::string& command, Pipe& output, const Environment& environment)
+{
+    if (command.size() > CommandRunner::maxLineLength) {
+        const HostException failure(HostError::CommandTooLong);
+        return {failure, L"labsh", failure.GetMessage(), {}};
+    }
+    // A NUL must not cut the line off: as a byte that is not UTF-8 it becomes U+FFFD.
+    std::ranges::replace(command, '\0', '\xFF');
+    return CommandRunner::Run(WString::FromUtf8(command), output, environment, 0);
+}
+
+void CountCommand(const WString& name)
+{
+    if (CommandRegistry::FindOrNull(name))
+        System::usage.Increment((L"Command." + name).ToCString());
+}
+} // namespace
+
+void RunScript(LineSource& source, Pipe& output, const Environment& environment,
+    const std::function<bool(const ScriptFailure&)>& goesOn)
+{
+    CommandReader reader(source);
+    std::string command;
+    while (reader.TryRead(command)) {
+        const CommandRunner::Outcome outcome = RunCommand(command, output, environment);
+        CountCommand(outcome.command);
+        if (outcome.code.IsError() && !goesOn({outcome, reader.GetLine()}))
+            return;
+    }
+}
+
+WString FormatPlace(const WString& scriptName, const ScriptFailure& failure)
+{
+    const WString command = failure.outcome.command + L": ";
+    return scriptName.IsEmpty() ? command : WString::Format(L"%s:%u: %s", scriptName, failure.line, command);
+}

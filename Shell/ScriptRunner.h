@@ -1,0 +1,22 @@
+#pragma once
+
+#include "Commands/CommandRunner.h"
+#include "LineSource.h"
+
+#include <functional>
+
+/// A command of a script that failed.
+struct ScriptFailure
+{
+    CommandRunner::Outcome outcome;
+    unsigned int line; // where the command begins, from 1
+};
+
+/// Runs the commands of a script in one environment: one a line, a final backslash continuing it; a line that begins
+/// with "#" is a comment. A failure is handed to `goesOn`, which says whether the script goes on. Counts each command
+/// in the usage counter "Command.<name>". Throws what the source throws.
+void RunScript(LineSource& source, Pipe& output, const Environment& environment,
+    const std::function<bool(const ScriptFailure&)>& goesOn);
+
+/// "name:line: command: ", which names the place of a failure; without a name "command: ".
+WString FormatPlace(const WString& scriptName, const ScriptFailure& failure);

@@ -1,0 +1,112 @@
+#include "Arguments.h"
+#include "BuiltIns/BuiltIn.h"
+#include "Commands/PluginLoader.h"
+#include "DelayedStatus.h"
+#include "FileLines.h"
+#include "Report.h"
+#include "ScriptRunner.h"
+#include "Services/Abort.h"
+#include "Services/Clock.h"
+#include "Services/System.h"
+#include "Terminal.h"
+#include "Text/HostError.h"
+
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <unistd.h>
+
+/// Makes Ctrl-C an abort request. Without SA_RESTART it also ends the wait for input.
+static void CatchInterrupt()
+{
+    struct sigaction action = {};
+    action.sa_handler = [](int) { Abort::Request(); };
+    sigemptyset(&action.sa_mask);
+    sigaction(SIGINT, &action, nullptr);
+}
+
+static void Start(const Arguments& arguments)
+{
+    const std::string shellFolder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+    if (arguments.dataFolder.empty())
+        throw HostException(HostError::FileError, L"no data folder: give --data, or set LABSH_HOME or HOME");
+    System::Start(arguments.dataFolder, shellFolder + "/Profile");
+    AddBuiltIns();
+    PluginLoader::Load(shellFolder + "/ExpressionEvaluator.dll");
+    for (const std::string& plugin : arguments.plugins)
+        PluginLoader::Load(plugin);
+}
+
+/// Runs the commands of a source and reports each failure; `goesOn` says whether the source is read on after one.
+/// Yields whether all succeeded.
+static bool RunCommands(LineSource& source, const WString& name, const std::function<bool(const ExitCode&)>& goesOn)
+{
+    StreamPipe output(stdout);
+    bool succeeded = true;
+    RunScript(source, output, Environment(), [&](const ScriptFailure& failure) {
+        const CommandRunner::Outcome& outcome = failure.outcome;
+        if (IsHostError(outcome.code, HostError::ExitRequested))
+            return false;
+        Report(FormatPlace(name, failure), outcome.code, outcome.message);
+        succeeded = false;
+        return goesOn(outcome.code);
+    });
+    return succeeded;
+}
+
+/// Whatever fails at the terminal is no failure of the shell, and an abort ends the command alone.
+static bool RunTerminal()
+{
+    Terminal terminal(System::GetDataFolder() + "/history");
+    RunCommands(terminal, WString(), [](const ExitCode&) { return true; });
+    return true;
+}
+
+static bool RunScriptFile(std::unique_ptr<LineSource> source, const std::string& name, bool keepsGoing)
+{
+    const bool succeeded = RunCommands(*source, WString::FromUtf8(name),
+        [&](const ExitCode& code) { return keepsGoing && !IsHostError(code, HostError::Aborted); });
+    DelayedStatus::Finish();
+    return succeeded;
+}
+
+static bool Run(const Arguments& arguments)
+{
+    if (arguments.line)
+        return RunScriptFile(std::make_unique<OneLine>(*arguments.line), "", false);
+    if (!arguments.script.empty())
+        return RunScriptFile(std::make_unique<FileLines>(arguments.script), arguments.script, arguments.keepsGoing);
+    if (isatty(STDIN_FILENO))
+        return RunTerminal();
+    return RunScriptFile(std::make_unique<FileLines>(STDIN_FILENO, "stdin"), "stdin", arguments.keepsGoing);
+}
+
+static void CheckOutput()
+{
+    if (std::fflush(stdout) != 0 || std::ferror(stdout))
+        throw HostException(HostError::FileError, L"standard output cannot be written");
+}
+
+int main(int count, char** texts)
+{
+    Arguments arguments;
+    if (const auto exitStatus = ReadArguments(count, texts, arguments))
+        return *exitStatus;
+    CatchInterrupt();
+    try {
+        const unsigned int start = GetTickCount();
+        Start(arguments);
+        const bool succeeded = Run(arguments);
+        System::usage.Increment(L"System.OnTime", (GetTickCount() - start) / 1000);
+        CheckOutput();
+        return succeeded ? 0 : 1;
+    } catch (const HostException& failure) {
+        Report(L"labsh: ", failure, failure.GetMessage());
+    } catch (const std::exception& exception) {
+        const HostException failure(HostError::UnexpectedException, WString::FromUtf8(exception.what()));
+        Report(L"labsh: ", failure, failure.GetMessage());
+    }
+    return 1;
+}

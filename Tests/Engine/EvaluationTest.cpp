@@ -1,0 +1,44 @@
+#include "Support/Expressions.h"
+
+namespace {
+EEToken Operand(double value, int position)
+{
+    EEToken token;
+    token.SetValue(value);
+    token.SetPosition(position);
+    return token;
+}
+
+std::string EvaluateTokens(std::initializer_list<EEToken> tokens)
+{
+    EETokenStack postfix;
+    for (const EEToken& token : tokens)
+        postfix.Put(token);
+    ExpressionEvaluator evaluator(nullptr, 0);
+    EEToken result;
+    return evaluator.EvaluatePostfixExpr(result, postfix) ? DescribeValue(result) : DescribeError(evaluator);
+}
+} // namespace
+
+TEST(Evaluation, PostfixThatNoExpressionGives)
+{
+    const EEToken one = Operand(1, 3);
+    const EEToken two = Operand(2, 5);
+    const EEToken separator(TT_PRMSEP, L',', 0);
+    const EEToken call(TT_PRMLIST, L'|', 4);
+    EEToken function(TT_FUNCOP, L"max");
+    function.SetPosition(7);
+
+    EXPECT_EQ(EvaluateTokens({}), "9 Stack empty @0");
+    EXPECT_EQ(EvaluateTokens({one, EEToken(TT_BINARYOP, L'+', 2)}), "9 Stack empty @0");
+    EXPECT_EQ(EvaluateTokens({one, two}), "126 Unexpected token encountered @3");
+    EXPECT_EQ(EvaluateTokens({one, separator}), "127 Unexpected end of sub expression @0");
+    EXPECT_EQ(EvaluateTokens({one, function}), "127 Unexpected end of sub expression @0");
+    EXPECT_EQ(EvaluateTokens({one, EEToken(TT_BINARYOP, L'$', 2)}), "10 Invalid character @2");
+    EXPECT_EQ(EvaluateTokens({one, EEToken(TT_BINARYOP, L"<<")}), "11 Invalid binary operator @0");
+    EXPECT_EQ(EvaluateTokens({one, EEToken(TT_UNARYOP, L"++")}), "12 Invalid function @0");
+    EXPECT_EQ(EvaluateTokens({one, EEToken(TT_END, L"")}), "1")
+        << "a token of another type and no single character is skipped";
+    EXPECT_EQ(EvaluateTokens({call, one}), "14 Internal Error, EvaluatePostfixSubExpr expected TT_FUNCOP @4");
+    EXPECT_EQ(EvaluateTokens({call, one, two, function}), "126 Unexpected token encountered @3");
+}

@@ -1,0 +1,264 @@
+#include "Commands/CommandRunner.h"
+#include "Commands/EmbeddedResource.h"
+#include "Commands/PluginLoader.h"
+#include "Commands/TestCommand.h"
+#include "Services/Abort.h"
+#include "Services/System.h"
+#include "Support/HostTexts.h"
+#include "Support/ManualClock.h"
+#include "Support/TemporaryFolder.h"
+#include "Text/HostError.h"
+
+#include <functional>
+#include <gtest/gtest.h>
+
+namespace {
+/// A command whose work is given by the test.
+class Probe : public CommandBase
+{
+public:
+    Probe() { flags = CommandFlags::singleArgument; }
+    WString GetName() override { return L"Probe"; }
+    unsigned int GetCommandId() override { return 4711; }
+    const char* GetSourceCodeTimestamp() override { return ""; }
+    ExitCode Main(ArgumentList& arguments, Options& options) override
+    {
+        calls += "main ";
+        return work(*this, arguments, options);
+    }
+    void ShowUsage() override { GetPipe().DoWriteLine(L"Usage: Probe 100%s"); }
+    void OnStart(ArgumentList&, Options&) override { calls += "start "; }
+    void HandleStandardOptions(Options&) override { calls += "options "; }
+    void OnExit(ExitCode& code) override { calls += "exit " + code.ToString().ToUtf8(); }
+
+    using CommandBase::SetFailureMessage;
+    using CommandBase::SleepAbortable;
+    using CommandBase::SleepWithoutSimulationMode;
+    using CommandBase::WaitForTimeControlPointIfRequested;
+
+    static std::string calls;
+    static std::function<ExitCode(Probe&, ArgumentList&, Options&)> work;
+};
+std::string Probe::calls;
+std::function<ExitCode(Probe&, ArgumentList&, Options&)> Probe::work;
+
+class CommandRunnerTest : public testing::Test
+{
+protected:
+    CommandRunnerTest()
+    {
+        CommandRegistry::Add([]() -> CommandBase* { return new Probe(); }, "no such file");
+        Probe::calls.clear();
+    }
+    ~CommandRunnerTest() override { Abort::Clear(); }
+
+    /// The outcome as "command: code message".
+    std::string Run(const WString& line)
+    {
+        const CommandRunner::Outcome outcome = CommandRunner::Run(line, pipe, environment, 0x800);
+        return (outcome.command + L": " + outcome.code.ToString() + L" " + outcome.message).ToUtf8();
+    }
+    std::string RunProbe(std::function<ExitCode(Probe&, ArgumentList&, Options&)> work)
+    {
+        Probe::work = std::move(work);
+        return Run(L"probe");
+    }
+
+    ArrayPipe pipe;
+    Environment environment;
+    ManualClock clock;
+};
+} // namespace
+
+TEST_F(CommandRunnerTest, CommandGetsLinePipeEnvironmentAndFlags)
+{
+    environment.SetString(L"x", L"a  b");
+    Probe::work = [](Probe& probe, ArgumentList& arguments, Options& options) {
+        EXPECT_TRUE(options.TryGetFlag(L"q", 3));
+        probe.GetPipe().DoWriteLine(arguments.At(0));
+        probe.GetEnvironment().SetString(L"y", L"set");
+        EXPECT_EQ(probe.GetFlags(), 0x800u | CommandFlags::singleArgument);
+        probe.GetReturnString() = L"returned";
+        return ExitCode(0);
+    };
+    const auto outcome = CommandRunner::Run(L" PROBE -q %E{x} \"c\"", pipe, environment, 0x800);
+    EXPECT_EQ(outcome.code, ExitCode(0));
+    EXPECT_EQ(outcome.returnString, L"returned");
+    EXPECT_EQ(Join(pipe.lines), "a  b \"c\"");
+    EXPECT_TRUE(environment.ContainsKey(L"Y"));
+    EXPECT_EQ(Probe::calls, "start options main exit 0:0:0");
+}
+
+TEST_F(CommandRunnerTest, FailuresAreStampedAndDescribed)
+{
+    using Work = std::function<ExitCode(Probe&, ArgumentList&, Options&)>;
+    const struct
+    {
+        Work work;
+        const char* outcome;
+    } cases[] = {
+        {[](auto&...) { return ExitCode(13); }, "Probe: 4711:0:13 "},
+        {[](auto&...) { return ExitCode(1, 505, 133); }, "Probe: 1:505:133 "},
+        {[](auto&...) { return ExitCode(0, 505, 133); }, "Probe: 4711:505:133 "},
+        {[](auto&...) { return ExitCode(1); }, "Probe: 4711:0:1 Wrong number of arguments"},
+        {[](auto&...) -> ExitCode { throw ExitCode(8); }, "Probe: 4711:0:8 "},
+        {[](auto&...) -> ExitCode { throw HostException(HostError::FileError, L"%s"); },
+            "Probe: 4711:1:10 File error: %s"},
+        {[](auto&...) -> ExitCode { throw std::runtime_error("%n"); }, "Probe: 4711:1:1 Unexpected exception: %n"},
+        {[](auto&...) -> ExitCode { throw 1; }, "Probe: 4711:1:1 Unexpected exception"},
+        {[](Probe& probe, auto&...) {
+             probe.SetFailureMessage(L"100%s");
+             return ExitCode(2);
+         },
+            "Probe: 4711:0:2 100%s"},
+        {[](Probe& probe, auto&...) {
+             probe.SetFailureMessage(L"ignored");
+             return ExitCode(0);
+         },
+            "Probe: 0:0:0 "},
+    };
+    for (const auto& test : cases)
+        EXPECT_EQ(RunProbe(test.work), test.outcome);
+    EXPECT_EQ(Probe::calls.substr(0, 28), "start options main exit 4711");
+
+    Probe::work = [](auto&...) { return ExitCode(2); };
+    EXPECT_EQ(Run(L"Probe -x1 a"), "Probe: 4711:0:2 Unknown option: -x1");
+}
+
+TEST_F(CommandRunnerTest, LinesThatReachNoCommand)
+{
+    EXPECT_EQ(Run(L""), ": 0:0:0 ");
+    EXPECT_EQ(Run(L" \t"), ": 0:0:0 ");
+    EXPECT_EQ(Run(L"%s%n x"), "%s%n: 0:1:2 Unknown command: %s%n");
+    EXPECT_EQ(Run(L"Probe %E{none}"), "Probe: 0:1:5 Unknown reference: %E{none}");
+    EXPECT_EQ(Run(L"Probe -x\""), "Probe: 0:1:6 Missing closing quote");
+    EXPECT_EQ(Run(L"Probe " + WString(CommandRunner::maxLineLength, L'x')), "Probe: 0:1:7 Command is too long");
+    const std::string name = std::string(60, '(') + "...";
+    EXPECT_EQ(Run(WString(100000, L'(')), name + ": 0:1:2 Unknown command: " + name);
+    EXPECT_EQ(Probe::calls, "");
+}
+
+TEST_F(CommandRunnerTest, NestingIsLimited)
+{
+    int level = 0;
+    int levels = 0;
+    Probe::work = [&](Probe& probe, auto&...) {
+        ++levels;
+        if (++level == CommandRunner::maxNesting + 1)
+            return ExitCode(0);
+        probe.Run(L"Probe", probe.GetPipe(), 0); // its failure is passed over, the nesting is not
+        return ExitCode(0);
+    };
+    EXPECT_EQ(Run(L"Probe"), "Probe: 4711:1:3 Commands are nested too deeply");
+    EXPECT_EQ(levels, CommandRunner::maxNesting);
+    level = 1;
+    EXPECT_EQ(Run(L"Probe"), "Probe: 0:0:0 ");
+}
+
+TEST_F(CommandRunnerTest, AbortEndsAllRunningCommands)
+{
+    // A loop that passes over every failure, as While does with -er*.
+    int runs = 0;
+    EXPECT_EQ(RunProbe([&](Probe& probe, auto&...) {
+        for (; runs < 100; ++runs) {
+            if (runs == 3)
+                Abort::Request();
+            probe.Run(L"Nothing", probe.GetPipe(), 0);
+        }
+        return ExitCode(0);
+    }),
+        "Probe: 4711:1:4 Aborted");
+    EXPECT_EQ(runs, 3);
+    EXPECT_EQ(Run(L"Probe"), "Probe: 0:1:4 Aborted");
+
+    EXPECT_EQ(RunProbe([](auto&...) { return ExitCode(0); }), "Probe: 0:1:4 Aborted");
+    Abort::Clear();
+    EXPECT_EQ(RunProbe([](auto&...) { return ExitCode(0); }), "Probe: 0:0:0 ");
+}
+
+TEST_F(CommandRunnerTest, SleepsTakeTheirTimeAndEndAtAnAbort)
+{
+    const auto sleep = [&](void (Probe::*operation)(int), int milliseconds) {
+        const unsigned int start = clock.GetTickCount();
+        const std::string outcome = RunProbe([&](Probe& probe, auto&...) {
+            (probe.*operation)(milliseconds);
+            return ExitCode(0);
+        });
+        return std::to_string(clock.GetTickCount() - start) + " ms, " + outcome;
+    };
+    EXPECT_EQ(sleep(&Probe::SleepAbortable, 1000), "1000 ms, Probe: 0:0:0 ");
+    EXPECT_EQ(sleep(&Probe::SleepAbortable, -5), "0 ms, Probe: 0:0:0 ");
+    System::config.SetString(L"Debug", L"SleepScale", L"0.25");
+    EXPECT_EQ(sleep(&Probe::SleepAbortable, 1000), "250 ms, Probe: 0:0:0 ");
+    EXPECT_EQ(sleep(&Probe::SleepWithoutSimulationMode, 1000), "1000 ms, Probe: 0:0:0 ");
+    System::config.SetString(L"Debug", L"SleepScale", L"2");
+    EXPECT_EQ(sleep(&Probe::SleepAbortable, 1000), "0 ms, Probe: 4711:1:8 Wrong arguments");
+    System::config.TryDelete(L"Debug", L"SleepScale");
+
+    for (const auto operation : {&Probe::SleepAbortable, &Probe::SleepWithoutSimulationMode}) {
+        EXPECT_EQ(RunProbe([&](Probe& probe, auto&...) {
+            Abort::Request();
+            (probe.*operation)(10);
+            return ExitCode(0);
+        }),
+            "Probe: 4711:1:4 Aborted");
+        Abort::Clear();
+    }
+}
+
+TEST_F(CommandRunnerTest, RegistryTakesANameOnce)
+{
+    EXPECT_FALSE(CommandRegistry::Add([]() -> CommandBase* { return new Probe(); }, "other"));
+    ASSERT_TRUE(CommandRegistry::FindOrNull(L"PROBE"));
+    EXPECT_EQ(CommandRegistry::FindOrNull(L"PROBE")->file, "no such file");
+    EXPECT_FALSE(CommandRegistry::FindOrNull(L"Prob"));
+    CommandRunner::ShowUsage(*CommandRegistry::FindOrNull(L"Probe"), pipe);
+    EXPECT_EQ(Join(pipe.lines), "Usage: Probe 100%s");
+}
+
+TEST_F(CommandRunnerTest, TestCommandCountsChecks)
+{
+    Probe::work = [](Probe& probe, auto&...) {
+        probe.GetPipe().DoWriteLine(L"line");
+        return ExitCode(probe.GetFlags() & CommandFlags::noFailureLog);
+    };
+    TestCommand test(environment);
+    WStringArray output;
+    EXPECT_EQ(test.Run(L"Probe", output).ToString(), L"4711:0:2048");
+    EXPECT_EQ(Join(output), "line");
+
+    Assertion::AreEqual(test, L"a", L"a", L"same");
+    Assertion::AreEqual(test, L"a", L"%s", L"texts");
+    Assertion::AreEqual(test, 0.5, 0.25, L"numbers");
+    Assertion::IsTrue(test, false, L"truth");
+    EXPECT_EQ(test.GetCheckCount(), 4u);
+    ASSERT_EQ(test.GetFailures().size(), 3u);
+    EXPECT_EQ(test.GetFailures()[0], L"texts: expected \"a\", got \"%s\"");
+    EXPECT_EQ(test.GetFailures()[1], L"numbers: expected 0.5, got 0.25");
+    EXPECT_EQ(test.GetFailures()[2], L"truth");
+}
+
+TEST_F(CommandRunnerTest, ResourcesComeFromElfFilesOnly)
+{
+    EXPECT_EQ(GetThrown([] { EmbeddedResource(L"Nothing", L"HELP.TXT"); }), "0:1:10 File error: no command Nothing");
+    EXPECT_EQ(GetThrown([] { EmbeddedResource(L"Probe", L"HELP.TXT"); }),
+        "0:1:10 File error: no such file: no section .ov.HELP.TXT");
+    const TemporaryFolder folder;
+    std::string contents;
+    for (const char* bytes : {"", "text", "\177ELF", "\177ELF\2\1\1"})
+        EXPECT_FALSE(EmbeddedResource::TryReadSection(folder.Write("file", bytes), ".text", contents)) << bytes;
+    // A file that ends before its table of sections.
+    const std::string cut = TemporaryFolder::ReadFile(PLUGIN_FILE).substr(0, 5000);
+    EXPECT_FALSE(EmbeddedResource::TryReadSection(folder.Write("file", cut), ".ov.version", contents));
+    EXPECT_TRUE(EmbeddedResource::TryReadSection(PLUGIN_FILE, ".ov.version", contents));
+    EXPECT_FALSE(EmbeddedResource::TryReadSection(PLUGIN_FILE, ".ov.", contents));
+}
+
+TEST_F(CommandRunnerTest, FilesThatAreNoPluginsAreRefused)
+{
+    const TemporaryFolder folder;
+    const std::string text = folder.Write("text.dll", "text");
+    EXPECT_EQ(GetThrown([&] { PluginLoader::Load(text); }), "0:1:10 File error: " + text + ": file too short");
+    EXPECT_EQ(GetThrown([] { PluginLoader::Load("no-such.dll"); }),
+        "0:1:10 File error: ./no-such.dll: cannot open shared object file: No such file or directory");
+}

@@ -1,0 +1,169 @@
+#include "Instrument/UsageLog.h"
+#include "Support/ChildProcess.h"
+#include "Support/HostTexts.h"
+#include "Support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <thread>
+
+class UsageCounters : public testing::Test
+{
+protected:
+    TemporaryFolder folder;
+    UsageLog usage;
+    const std::string path = folder.Path("Usage.db");
+
+    /// The counter, -1 when there is none.
+    int Get(const wchar_t* name) const
+    {
+        int value = -1;
+        usage.TryGetUsageValue(name, value);
+        return value;
+    }
+    /// Increments as a process of its own does.
+    bool IncrementOften(int times) const
+    {
+        UsageLog mine;
+        mine.Open(path);
+        for (int i = 0; i < times; ++i)
+            if (!mine.Increment(L"Shared"))
+                return false;
+        return true;
+    }
+};
+
+TEST_F(UsageCounters, AreFoundInAnyCaseAndKeepTheirFirstSpelling)
+{
+    usage.Open(path);
+    EXPECT_FALSE(usage.TryDelete(L"Türen"));
+    EXPECT_TRUE(usage.Increment(L"Türen"));
+    EXPECT_TRUE(usage.Increment(L"TÜREN", 5));
+    EXPECT_TRUE(usage.Increment(L"a'b\"; --", -3));
+    EXPECT_TRUE(usage.Set(L"Lamp", 7));
+    EXPECT_TRUE(usage.Set(L"LAMP", 8));
+    usage.Open(path);
+    WStringArray names;
+    usage.GetNames(names);
+    EXPECT_EQ(Join(names), "a'b\"; --\nLamp\nTüren");
+    EXPECT_EQ(Get(L"türen"), 6);
+    EXPECT_EQ(Get(L"A'B\"; --"), -3);
+    EXPECT_EQ(Get(L"lamp"), 8);
+    EXPECT_TRUE(usage.TryDelete(L"lamp"));
+    EXPECT_EQ(Get(L"Lamp"), -1);
+}
+
+TEST_F(UsageCounters, SaturateForReadersAndNeverWrap)
+{
+    usage.Open(path);
+    usage.Set(L"High", 2147483648LL);
+    usage.Set(L"Low", -2147483649LL);
+    EXPECT_EQ(Get(L"High"), INT_MAX);
+    EXPECT_EQ(Get(L"Low"), INT_MIN);
+    EXPECT_TRUE(usage.Increment(L"High", -1));
+    EXPECT_EQ(Get(L"High"), 2147483647);
+    EXPECT_TRUE(usage.Increment(L"High", -2147483646));
+    EXPECT_EQ(Get(L"High"), 1) << "the full count is kept";
+
+    usage.Set(L"Full", LLONG_MAX);
+    usage.Increment(L"Full");
+    usage.Increment(L"Full", -LLONG_MAX);
+    EXPECT_EQ(Get(L"Full"), 0) << "a sum beyond 64 bits changes nothing";
+}
+
+TEST_F(UsageCounters, WithoutAFileNothingIsCounted)
+{
+    EXPECT_FALSE(usage.Increment(L"X"));
+    EXPECT_FALSE(usage.Set(L"X", 1));
+    EXPECT_FALSE(usage.TryDelete(L"X"));
+    EXPECT_EQ(Get(L"X"), -1);
+    WStringArray names = {L"old"};
+    usage.GetNames(names);
+    EXPECT_TRUE(names.IsEmpty());
+}
+
+TEST_F(UsageCounters, FilesThatDoNotServeAreReported)
+{
+    folder.Write("text", "This is no database, however long the text of this file may be.\n");
+    const struct
+    {
+        const char* name;
+        const char* reason;
+    } rows[] = {
+        {"text", "file is not a database"},
+        {"absent/Usage.db", "unable to open database file"},
+        {".", "unable to open database file"},
+    };
+    for (const auto& row : rows) {
+        usage.Open(path);
+        EXPECT_EQ(GetThrown([&] { usage.Open(folder.Path(row.name)); }),
+            "0:1:10 File error: " + folder.Path(row.name) + ": " + row.reason);
+        EXPECT_FALSE(usage.Increment(L"X"));
+    }
+}
+
+TEST_F(UsageCounters, SurviveTheEndOfTheProcess)
+{
+    ChildProcess child([&] {
+        UsageLog mine;
+        mine.Open(path);
+        for (int i = 0; i < 5; ++i)
+            mine.Increment(L"Shared");
+        raise(SIGKILL); // as the file is, with the lock and the journal of a process that is gone
+        return true;
+    });
+    EXPECT_FALSE(child.Wait());
+    usage.Open(path);
+    EXPECT_EQ(Get(L"Shared"), 5);
+    EXPECT_TRUE(usage.Increment(L"Shared"));
+    EXPECT_EQ(Get(L"Shared"), 6);
+}
+
+TEST_F(UsageCounters, ProcessesThatCountAtOnceLoseNothing)
+{
+    ChildProcess first([&] { return IncrementOften(400); }); // both make the file, too
+    ChildProcess second([&] { return IncrementOften(400); });
+    EXPECT_TRUE(first.Wait());
+    EXPECT_TRUE(second.Wait());
+    usage.Open(path);
+    EXPECT_EQ(Get(L"Shared"), 800);
+}
+
+TEST_F(UsageCounters, ThreadsThatCountAtOnceLoseNothing)
+{
+    usage.Open(path);
+    const auto run = [&] {
+        for (int i = 0; i < 200; ++i)
+            usage.Increment(L"Shared");
+    };
+    std::thread first(run);
+    std::thread second(run);
+    first.join();
+    second.join();
+    EXPECT_EQ(Get(L"Shared"), 400);
+}
+
+TEST_F(UsageCounters, AFolderThatCannotBeWrittenIsReadAlone)
+{
+    namespace fs = std::filesystem;
+    const std::string inner = folder.Path("a%20b?#");
+    fs::create_directory(inner);
+    usage.Open(inner + "/Usage.db");
+    usage.Set(L"X", 7);
+    usage.Open(path); // a file in use has others beside it
+    fs::permissions(inner, fs::perms(0555));
+    fs::permissions(folder.GetPath(), fs::perms(0755));
+    EXPECT_TRUE(RunUnprivileged([&] {
+        UsageLog mine;
+        mine.Open(inner + "/Usage.db");
+        int value = 0;
+        return mine.TryGetUsageValue(L"X", value) && value == 7 && !mine.Increment(L"X") && !mine.Set(L"X", 1);
+    }));
+    EXPECT_TRUE(RunUnprivileged([&] {
+        UsageLog mine;
+        return GetThrown([&] { mine.Open(inner + "/None.db"); }) ==
+            "0:1:10 File error: " + inner + "/None.db: unable to open database file";
+    }));
+    fs::permissions(inner, fs::perms(0755));
+}

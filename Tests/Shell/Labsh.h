@@ -1,0 +1,81 @@
+#pragma once
+
+#include "Support/TemporaryFolder.h"
+
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <csignal>
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+/// A run of labsh in a new working folder, with the data folder "data" in it.
+class Labsh
+{
+public:
+    explicit Labsh(std::vector<std::string> arguments, const std::string& input = "") { Start(arguments, input); }
+    /// For files that are to be there at the start.
+    Labsh() = default;
+    ~Labsh()
+    {
+        if (id > 0) {
+            kill(id, SIGKILL);
+            Wait();
+        }
+    }
+    Labsh(const Labsh&) = delete;
+    Labsh& operator=(const Labsh&) = delete;
+
+    void Start(std::vector<std::string> arguments, const std::string& input = "");
+    void Interrupt() const { kill(id, SIGINT); }
+    /// The exit status; 128 and the number of a signal that ended the process.
+    int Wait();
+    int Run(std::vector<std::string> arguments, const std::string& input = "")
+    {
+        Start(std::move(arguments), input);
+        return Wait();
+    }
+
+    std::string GetOutput() const { return folder.Read("output"); }
+    std::string GetErrors() const { return folder.Read("errors"); }
+    /// Output, errors and exit status together.
+    std::string Finish() { return Describe(Wait()); }
+    std::string Describe(int status) const { return GetOutput() + GetErrors() + "exit " + std::to_string(status); }
+
+    const TemporaryFolder folder;
+
+private:
+    pid_t id = 0;
+};
+
+inline void Labsh::Start(std::vector<std::string> arguments, const std::string& input)
+{
+    folder.Write("input", input);
+    arguments.insert(arguments.begin(), {LABSH_FILE, "--data", "data"});
+    std::vector<char*> pointers;
+    for (std::string& argument : arguments)
+        pointers.push_back(argument.data());
+    pointers.push_back(nullptr);
+
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addchdir_np(&actions, folder.GetPath().c_str());
+    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "input", O_RDONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "output", O_WRONLY | O_CREAT | O_TRUNC, 0666);
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "errors", O_WRONLY | O_CREAT | O_TRUNC, 0666);
+    const int error = posix_spawn(&id, LABSH_FILE, &actions, nullptr, pointers.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    if (error != 0)
+        throw std::runtime_error("labsh cannot be started");
+}
+
+inline int Labsh::Wait()
+{
+    int status = 0;
+    waitpid(std::exchange(id, 0), &status, 0);
+    return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+}

@@ -1,0 +1,151 @@
+#include "Shell/Labsh.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <thread>
+
+namespace {
+std::string RunLabsh(std::vector<std::string> arguments, const std::string& input = "")
+{
+    return Labsh(std::move(arguments), input).Finish();
+}
+
+/// Waits until the file is there, which a command of the shell makes.
+void WaitForFile(const Labsh& labsh, const std::string& name)
+{
+    while (!std::filesystem::exists(labsh.folder.Path(name)))
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+}
+} // namespace
+
+TEST(ShellTest, WordsAreOneLine)
+{
+    EXPECT_EQ(RunLabsh({"Echo", "-- -x", "--help", "%d%n"}), "-x --help %d%n\nexit 0");
+    EXPECT_EQ(RunLabsh({"Echo é € \xFF"}), "é € \uFFFD\nexit 0");
+    EXPECT_EQ(RunLabsh({""}), "exit 0");
+    EXPECT_EQ(RunLabsh({"Nope 1"}), "Nope: 0:1:2 Unknown command: Nope\nexit 1");
+    EXPECT_EQ(RunLabsh({"Wait"}), "Wait: 2013:0:1 Wrong number of arguments\nexit 1");
+    EXPECT_EQ(RunLabsh({"Exit"}), "exit 0");
+    EXPECT_EQ(RunLabsh({"Help", "Wait"}),
+        "Usage: Wait <seconds>\n Waits for 0 to 86400 seconds. Milliseconds count.\nexit 0");
+}
+
+TEST(ShellTest, WrongStartsAreReported)
+{
+    EXPECT_EQ(RunLabsh({"-x", "Echo"}),
+        "The following argument was not expected: -x\nRun with --help for more information.\nexit 2");
+    EXPECT_EQ(RunLabsh({"-f", "input", "Echo"}),
+        "-f: there is a line to run already\nRun with --help for more information.\nexit 2");
+    EXPECT_EQ(RunLabsh({"-f", "no%s.txt"}), "labsh: 0:1:10 File error: no%s.txt: No such file or directory\nexit 1");
+    EXPECT_EQ(RunLabsh({"-f", "."}), "labsh: 0:1:10 File error: .: Is a directory\nexit 1");
+    EXPECT_EQ(
+        RunLabsh({"--plugin", "input", "Echo"}, "text"), "labsh: 0:1:10 File error: ./input: file too short\nexit 1");
+    EXPECT_EQ(RunLabsh({"--plugin", PLUGIN_FILE, "Echo"}),
+        "labsh: 0:1:10 File error: " PLUGIN_FILE ": it offers a command that is already there\nexit 1");
+    EXPECT_EQ(
+        RunLabsh({"--data", "/dev/null/x", "Echo"}), "labsh: 0:1:10 File error: /dev/null/x: Not a directory\nexit 1");
+}
+
+TEST(ShellTest, StandardInputIsAScript)
+{
+    EXPECT_EQ(RunLabsh({}, "\xEF\xBB\xBF# comment\r\nEcho a\\\r\n b \\\n\r\n\r\nEcho last"), "a b\nlast\nexit 0");
+    EXPECT_EQ(RunLabsh({}, "Echo a\n\n\nNope\nEcho b\n"), "a\nstdin:4: Nope: 0:1:2 Unknown command: Nope\nexit 1");
+    EXPECT_EQ(RunLabsh({}, std::string("Echo a\0b\xC3|\n", 11)), "a\uFFFDb\uFFFD|\nexit 0");
+    EXPECT_EQ(RunLabsh({}, "Echo end\\"), "end\nexit 0");
+}
+
+TEST(ShellTest, LineLengthsAreLimited)
+{
+    const std::string command = "Echo " + std::string(4092, 'x');
+    ASSERT_EQ(command.size(), 4097u);
+    EXPECT_EQ(RunLabsh({}, command), command.substr(5) + "\nexit 0");
+
+    constexpr std::size_t limit = 0x100000;
+    const std::string full = "Echo -fx " + std::string(limit - 9, '(');
+    const auto report = [](int line) {
+        return "stdin:" + std::to_string(line) + ": labsh: 0:1:7 Command is too long\n";
+    };
+    EXPECT_EQ(RunLabsh({"-k"}, full + "\r\n" + full + "-\nEcho a\n" + full + "\\\n" + full + "\\\n-\\\n-\nEcho b\n"),
+        "a\nb\n" + report(2) + report(4) + "exit 1");
+}
+
+TEST(ShellTest, OutputThatCannotBeWrittenIsAnError)
+{
+    Labsh labsh;
+    std::filesystem::create_symlink("/dev/full", labsh.folder.Path("output"));
+    EXPECT_EQ(labsh.Run({"Echo", "x"}), 1);
+    EXPECT_EQ(labsh.GetErrors(), "labsh: 0:1:10 File error: standard output cannot be written\n");
+}
+
+TEST(ShellTest, CommandsAreCounted)
+{
+    Labsh labsh;
+    EXPECT_EQ(labsh.Run({}, "Echo a\nECHO b\nAssertFail * Nope\nWait x\n"), 1);
+    EXPECT_EQ(labsh.Run({"Usage", "C*"}), 0);
+    EXPECT_EQ(labsh.GetOutput(),
+        "Name                Value\n"
+        "Command.AssertFail  1\n"
+        "Command.Echo        2\n"
+        "Command.Wait        1\n");
+}
+
+TEST(ShellTest, SeveralPlugins)
+{
+    Labsh labsh;
+    EXPECT_EQ(labsh.Describe(labsh.Run({"--plugin", SECOND_PLUGIN_FILE, "Second"})), "second\nexit 0");
+    EXPECT_EQ(labsh.Describe(labsh.Run({"--plugin", SECOND_PLUGIN_FILE, "Second", "x"})),
+        "x\nSecond: 5000:0:1 Failed on purpose\nexit 1");
+    labsh.Run({"--plugin", SECOND_PLUGIN_FILE, "Plugins"});
+    EXPECT_THAT(labsh.GetOutput(),
+        testing::MatchesRegex("[^\n]*/ExpressionEvaluator.dll\n"
+                              "  Version: 6.0.6.5480\n(  [A-Z][A-Za-z]*: [^\n]+\n){5}" SECOND_PLUGIN_FILE "\n"));
+    EXPECT_EQ(labsh.Describe(labsh.Run({"--plugin", SECOND_PLUGIN_FILE, "Test -junit\"the report.xml\" sec*"})),
+        "Second: 3 checks, 2 failures\n"
+        "  second: expected \"<&>\", got \"\"\x01\"\"\n"
+        "  The test threw: on purpose\n"
+        "Test: 2011:0:6 1 of 1 tests failed\nexit 1");
+    EXPECT_EQ(labsh.folder.Read("the report.xml"), R"(<?xml version="1.0" encoding="UTF-8"?>
+<testsuite name="labsh" tests="1" failures="1">
+  <testcase classname="Second" name="Second plug-in">
+    <failure message="second: expected &quot;&lt;&amp;&gt;&quot;, got &quot;&quot;?&quot;&quot;"/>
+    <failure message="The test threw: on purpose"/>
+  </testcase>
+</testsuite>
+)");
+    EXPECT_EQ(labsh.Describe(labsh.Run({"Test", "Second"})), "Test: 2011:0:5 There is no test Second\nexit 1");
+}
+
+TEST(ShellTest, DelayedStatusIsSetBeforeTheEnd)
+{
+    Labsh labsh;
+    EXPECT_EQ(labsh.Run({}, "Status -d0.05 ShellTest=7\nStatus -d0.01 Other=true\n"), 0);
+    EXPECT_EQ(labsh.Run({}, "Status ShellTest\nStatus Other\n"), 0);
+    EXPECT_EQ(labsh.GetOutput(), "ShellTest=7\nOther=true\n");
+}
+
+TEST(ShellTest, InterruptEndsTheScript)
+{
+    // Which of the commands notices the interrupt, and so the id in the code, is a matter of chance.
+    const struct
+    {
+        const char* line;
+        const char* place;
+    } cases[] = {
+        {"Wait 86400", "stdin:2: Wait"},
+        {"Status -d86400 HotelDoorOpen=true", "(stdin:2: Status|(behind\n)?labsh)"},
+        {"AssertFail * Wait 86400", "stdin:2: AssertFail"},
+        {"If 1=1 THEN Wait 86400; Wait 86400", "stdin:2: If"},
+        {"While -er* 1=1 DO If 1=1 THEN Wait 86400", "stdin:2: While"},
+        {"While -er* 1=1 DO Nope", "stdin:2: While"},
+        {"Run forever", "stdin:2: Run"},
+    };
+    for (const auto& test : cases) {
+        Labsh labsh;
+        labsh.folder.Write("forever", "Wait 86400");
+        labsh.Start({"-k"}, std::string("Echo -fstarted\n") + test.line + "\nEcho behind");
+        WaitForFile(labsh, "started");
+        labsh.Interrupt();
+        EXPECT_THAT(labsh.Finish(),
+            testing::MatchesRegex(test.place + std::string(": [0-9]+:1:4 (forever:1: Wait: )?Aborted\nexit 1")));
+    }
+}

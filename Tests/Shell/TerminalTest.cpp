@@ -1,0 +1,92 @@
+#include "Support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <pty.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+/// labsh at a terminal, whose other end is ours.
+class Session
+{
+public:
+    explicit Session(const std::string& dataFolder) : id(forkpty(&terminal, nullptr, nullptr, nullptr))
+    {
+        if (id == 0) {
+            setenv("TERM", "xterm", 1);
+            execl(LABSH_FILE, LABSH_FILE, "--data", dataFolder.c_str(), nullptr);
+            _exit(127);
+        }
+        ReadTo(prompt);
+    }
+    ~Session()
+    {
+        kill(id, SIGKILL);
+        Wait();
+        close(terminal);
+    }
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    /// Types the keys and reads up to the mark; what the terminal showed up to there, "" when it closed before.
+    std::string Type(const std::string& keys, const std::string& mark = prompt)
+    {
+        if (write(terminal, keys.data(), keys.size()) < 0)
+            return "";
+        return ReadTo(mark);
+    }
+    int Wait()
+    {
+        int status = -1;
+        waitpid(id, &status, 0);
+        return status;
+    }
+
+    static constexpr const char* prompt = "labsh> ";
+
+private:
+    int terminal = -1;
+    pid_t id;
+
+    std::string ReadTo(const std::string& mark)
+    {
+        std::string text;
+        for (char byte = 0; !text.ends_with(mark); text += byte) {
+            if (read(terminal, &byte, 1) != 1)
+                return "";
+        }
+        return text;
+    }
+};
+} // namespace
+
+TEST(TerminalTest, FailuresAndInterruptsEndTheCommandAlone)
+{
+    const TemporaryFolder folder;
+    Session session(folder.GetPath());
+    EXPECT_NE(session.Type("Echo h\u00E9\u20ACllo\r").find("\nh\u00E9\u20ACllo\r\n"), std::string::npos);
+    EXPECT_NE(session.Type("Nope\r").find("\nNope: 0:1:2 Unknown command: Nope\r\n"), std::string::npos);
+    EXPECT_NE(session.Type("While 1=1 DO Echo %C{[Detection]Filter}; Wait 86400\r", "Green 530\r\n"), "");
+    EXPECT_NE(session.Type("\x03").find(":1:4 Aborted\r\n"), std::string::npos);
+    EXPECT_NE(session.Type("Echo no", "Echo no"), "");
+    EXPECT_EQ(session.Type("\x03").find("no\r\n"), std::string::npos);
+    EXPECT_NE(session.Type("Echo a\\\r"), "");
+    EXPECT_NE(session.Type("b\r").find("\nab\r\n"), std::string::npos);
+    EXPECT_NE(session.Type("\x04", "\n"), "");
+    EXPECT_EQ(session.Wait(), 0);
+}
+
+TEST(TerminalTest, HistoryIsKept)
+{
+    constexpr const char* up = "\x1b[A";
+    const TemporaryFolder folder;
+    {
+        Session session(folder.GetPath());
+        session.Type("Echo 100%s\r");
+        session.Type("Exit\r", "\n");
+        EXPECT_EQ(session.Wait(), 0);
+    }
+    Session session(folder.GetPath());
+    EXPECT_NE(session.Type(std::string(up) + up + "\r").find("\n100%s\r\n"), std::string::npos);
+}
