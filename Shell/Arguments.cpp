@@ -30,12 +30,11 @@ std::optional<int> ReadArguments(int count, char** texts, Arguments& arguments)
     constexpr int wrongOptions = 2;
     CLI::App app(description_lc, "labsh");
     app.footer(footer_lc);
-    app.positionals_at_end();
     app.set_version_flag("--version", "labsh 1.0", "Print the version and exit");
     arguments.dataFolder = GetDefaultDataFolder();
 
-    std::vector<std::string> words;
-    app.add_option("line", words, "The line to run");
+    app.prefix_command(); // the first word ends the options, and all words stay as they are
+
     app.add_option("-f", arguments.script, "Run the commands of this file")->type_name("FILE")->take_last();
     app.add_flag("-k", arguments.keepsGoing, "Go on with a script after a command failed");
     app.add_option("--data", arguments.dataFolder, "The instrument's data folder")
@@ -43,9 +42,15 @@ std::optional<int> ReadArguments(int count, char** texts, Arguments& arguments)
         ->capture_default_str()
         ->take_last();
     app.add_option("--plugin", arguments.plugins, "Load this plug-in too")->type_name("FILE")->allow_extra_args(false);
+    std::vector<std::string> words;
     try {
         app.parse(count, texts);
-        if (!words.empty() && !arguments.script.empty())
+        words = app.remaining();
+        if (!words.empty() && words[0] == "--")
+            words.erase(words.begin());
+        else if (!words.empty() && words[0].starts_with('-'))
+            throw CLI::ExtrasError(std::vector<std::string>{words[0]});
+        if (!words.empty() && arguments.script)
             throw CLI::ValidationError("-f", "there is a line to run already");
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : wrongOptions;

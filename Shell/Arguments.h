@@ -8,7 +8,7 @@
 struct Arguments
 {
     std::optional<std::string> line; // the words behind the options, joined by blanks
-    std::string script;              // empty: none
+    std::optional<std::string> script;
     bool keepsGoing = false;
     std::string dataFolder;
     std::vector<std::string> plugins;

@@ -1,13 +1,22 @@
 #include "Report.h"
 
-#include <algorithm>
 #include <cstdio>
+
+/// One line for the terminal: without control characters, and cut where it would fill the screen.
+static WString AsOneLine(const WString& text)
+{
+    constexpr std::size_t maxLength = 500;
+    WString line;
+    for (const wchar_t ch : text.Left(maxLength))
+        line += ch < L' ' || ch == 0x7F ? L' ' : ch;
+    if (text.Length() > maxLength)
+        line += L" ...";
+    return line;
+}
 
 void Report(const WString& place, const ExitCode& code, const WString& message)
 {
-    std::string line = (place + code.ToString() + (message.IsEmpty() ? L"" : L" ") + message).ToUtf8();
-    std::ranges::replace(line, '\n', ' ');
-    std::ranges::replace(line, '\r', ' ');
+    const WString line = place + code.ToString() + (message.IsEmpty() ? L"" : L" ") + AsOneLine(message);
     std::fflush(stdout); // the report stands behind what the command wrote
-    std::fprintf(stderr, "%s\n", line.c_str());
+    std::fprintf(stderr, "%s\n", line.ToUtf8().c_str());
 }

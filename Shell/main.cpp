@@ -76,8 +76,8 @@ static bool Run(const Arguments& arguments)
 {
     if (arguments.line)
         return RunScriptFile(std::make_unique<OneLine>(*arguments.line), "", false);
-    if (!arguments.script.empty())
-        return RunScriptFile(std::make_unique<FileLines>(arguments.script), arguments.script, arguments.keepsGoing);
+    if (arguments.script)
+        return RunScriptFile(std::make_unique<FileLines>(*arguments.script), *arguments.script, arguments.keepsGoing);
     if (isatty(STDIN_FILENO))
         return RunTerminal();
     return RunScriptFile(std::make_unique<FileLines>(STDIN_FILENO, "stdin"), "stdin", arguments.keepsGoing);

@@ -22,6 +22,7 @@ TEST(ShellTest, WordsAreOneLine)
 {
     EXPECT_EQ(RunLabsh({"Echo", "-- -x", "--help", "%d%n"}), "-x --help %d%n\nexit 0");
     EXPECT_EQ(RunLabsh({"Echo é € \xFF"}), "é € \uFFFD\nexit 0");
+    EXPECT_EQ(RunLabsh({"Echo", "[a,b]"}), "[a,b]\nexit 0");
     EXPECT_EQ(RunLabsh({""}), "exit 0");
     EXPECT_EQ(RunLabsh({"Nope 1"}), "Nope: 0:1:2 Unknown command: Nope\nexit 1");
     EXPECT_EQ(RunLabsh({"Wait"}), "Wait: 2013:0:1 Wrong number of arguments\nexit 1");
@@ -32,6 +33,7 @@ TEST(ShellTest, WordsAreOneLine)
 
 TEST(ShellTest, WrongStartsAreReported)
 {
+    EXPECT_EQ(RunLabsh({"-f", ""}), "labsh: 0:1:10 File error: : No such file or directory\nexit 1");
     EXPECT_EQ(RunLabsh({"-x", "Echo"}),
         "The following argument was not expected: -x\nRun with --help for more information.\nexit 2");
     EXPECT_EQ(RunLabsh({"-f", "input", "Echo"}),

@@ -43,11 +43,14 @@ void PluginLoader::Load(const std::string& path)
 
     if (const int error = selectDll(file.c_str()))
         Fail(file, std::string("its registry cannot name its file: ") + std::strerror(error));
-    for (unsigned int index = 0; const CommandFactory factory = getNextCommand(index); ++index) {
+    unsigned int commands = 0;
+    for (; const CommandFactory factory = getNextCommand(commands); ++commands) {
         if (!CommandRegistry::Add(factory, file))
             Fail(file, "it offers a command that is already there");
     }
-    AutomaticTestEntry entry;
-    for (int index = 0; tryGetNextTest(index, entry); ++index)
+    int tests = 0;
+    for (AutomaticTestEntry entry; tryGetNextTest(tests, entry); ++tests)
         CommandRegistry::AddTest(entry);
+    if (commands == 0 && tests == 0)
+        Fail(file, "it offers nothing under this file name");
 }
