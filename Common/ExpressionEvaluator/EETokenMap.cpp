@@ -2,6 +2,8 @@
 
 #include "Services/ObjectCounters.h"
 
+#include <algorithm>
+
 namespace {
 std::atomic<int> liveCount_lc{0};
 } // namespace
@@ -24,7 +26,7 @@ EEToken ValueToken(Value value)
 }
 } // namespace
 
-EETokenMap::EETokenMap(int bucketCount) : variables(static_cast<unsigned int>(bucketCount))
+EETokenMap::EETokenMap(int bucketCount) : variables(static_cast<unsigned int>(std::max(bucketCount, 1)))
 {
     defaultToken.SetNA();
     liveCount_lc.fetch_add(1, std::memory_order_relaxed);

@@ -126,40 +126,36 @@ bool ExpressionEvaluator::TryEvaluate(const WString& expression, EEToken& result
     return converted && EvaluatePostfixExpr(result, postfix);
 }
 
-bool ExpressionEvaluator::TryEvaluateDouble(const WString& expression, double& result)
+/// A number or boolean; the given error when the value cannot be cast to it.
+template <typename Value>
+bool ExpressionEvaluator::TryEvaluateAs(const WString& expression, Value& result, const EvaluatorError& error)
 {
     EEToken token;
     if (!TryEvaluate(expression, token))
         return false;
     if (token.TryCast(result))
         return true;
-    ErrMsg(ExpressionEvaluatorException(Errors::NoDouble, 0));
+    ErrMsg(ExpressionEvaluatorException(error, 0));
     return false;
+}
+
+bool ExpressionEvaluator::TryEvaluateDouble(const WString& expression, double& result)
+{
+    return TryEvaluateAs(expression, result, Errors::NoDouble);
 }
 
 bool ExpressionEvaluator::TryEvaluateInt(const WString& expression, int& result)
 {
-    EEToken token;
     double number = 0;
-    if (!TryEvaluate(expression, token))
+    if (!TryEvaluateAs(expression, number, Errors::NoInt))
         return false;
-    if (!token.TryCast(number)) {
-        ErrMsg(ExpressionEvaluatorException(Errors::NoInt, 0));
-        return false;
-    }
     result = FunctionArguments::ToInt32(number);
     return true;
 }
 
 bool ExpressionEvaluator::TryEvaluateBool(const WString& expression, bool& result)
 {
-    EEToken token;
-    if (!TryEvaluate(expression, token))
-        return false;
-    if (token.TryCast(result))
-        return true;
-    ErrMsg(ExpressionEvaluatorException(Errors::NoBool, 0));
-    return false;
+    return TryEvaluateAs(expression, result, Errors::NoBool);
 }
 
 bool ExpressionEvaluator::TryEvaluateString(const WString& expression, WString& result)

@@ -155,6 +155,9 @@ private:
     EETokenMap& GetOrMakeMap();
     bool IsLogging() const noexcept;
 
+    template <typename Value>
+    bool TryEvaluateAs(const WString& expression, Value& result, const EvaluatorError& error);
+
     bool ReadString(EEToken& token, wchar_t** cursor);
     bool ReadNumber(EEToken& token, wchar_t** cursor);
     bool ReadWord(EEToken& token, wchar_t** cursor);

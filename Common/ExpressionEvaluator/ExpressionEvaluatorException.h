@@ -27,7 +27,7 @@ public:
 
     unsigned int GetCode() const noexcept { return code; }
     const WString& GetMessage() const noexcept { return message; }
-    int GetPosition() const noexcept { return position; } // 1-based; -1 when unknown
+    int GetPosition() const noexcept { return position; } // a token's, from 1; 0 or -1 where there is none
 
 private:
     unsigned int code;

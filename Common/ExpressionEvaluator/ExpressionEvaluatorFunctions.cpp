@@ -18,7 +18,7 @@ int GetDebugObjectCountExpressionEvaluator_CExprFn()
     return liveFunctions_lc;
 }
 
-static const AddToDebugObjectCountVector addFunctionCount(
+static const AddToDebugObjectCountVector liveCounterEntry_lc(
     L"ExpressionEvaluator_CExprFn", GetDebugObjectCountExpressionEvaluator_CExprFn);
 
 EEFunctionTable fnTable_gb;
@@ -198,14 +198,14 @@ EEFunctionTable::~EEFunctionTable()
     functions.Clear();
 }
 
-EEFunction* EEFunctionTable::FindOrNull(const WString& name) const
+EEFunction* EEFunctionTable::FindOrNull(std::wstring_view name) const
 {
-    return static_cast<EEFunction*>(functions.GetObjectOrNull(name.View()));
+    return static_cast<EEFunction*>(functions.GetObjectOrNull(name));
 }
 
 bool EEFunctionTable::IsFunction(const wchar_t* name, int* parameterCount) const
 {
-    const auto* function = static_cast<const EEFunction*>(functions.GetObjectOrNull(name));
+    const EEFunction* function = FindOrNull(name);
     if (function && parameterCount)
         *parameterCount = function->GetParameterCount();
     return function != nullptr;

@@ -6,6 +6,8 @@
 #include "ExpressionEvaluatorApi.h"
 #include "Text/WStringArray.h"
 
+#include <string_view>
+
 class ExpressionEvaluator;
 
 /// A function that expressions can call. It finds its evaluated arguments on the stack, the first on top and nothing
@@ -57,7 +59,7 @@ public:
     EEFunctionTable& operator=(const EEFunctionTable&) = delete;
 
     /// The function of that name, owned by the table, or null.
-    EEFunction* FindOrNull(const WString& name) const;
+    EEFunction* FindOrNull(std::wstring_view name) const;
     /// True for the name of a function; `parameterCount`, when given, receives its rule.
     bool IsFunction(const wchar_t* name, int* parameterCount) const;
     /// Calls the function; throws code 200 when there is none of that name.

@@ -83,5 +83,5 @@ double DaysToDate(double days)
         throw ExpressionEvaluatorException(
             Errors::InvalidDays.number, WString::Format(Errors::InvalidDays.message, dayNumber), -1);
     const int date = DateTime::FromDays(dayNumber).ToDateInt();
-    return date != 0 ? date : floorDate;
+    return date != 0 ? date : floorDate; // a host may answer 0 for its first day
 }

@@ -16,7 +16,7 @@ bool TryReadBool(const WString& text, bool& value)
     double number;
     if (!text.TryParseDouble(number, Limits::lowest(), Limits::max()))
         return false;
-    value = std::fabs(number) >= 2.220446049250313e-13; // 1000 times the double epsilon
+    value = std::fabs(number) >= 1000 * Limits::epsilon();
     return true;
 }
 } // namespace

@@ -158,5 +158,5 @@ double sign(double value)
 
 double MyInt(double value)
 {
-    return value < 0 ? std::ceil(value) : std::floor(value);
+    return std::trunc(value);
 }

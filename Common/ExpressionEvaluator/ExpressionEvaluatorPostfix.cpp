@@ -247,7 +247,7 @@ bool ExpressionEvaluator::CallFunction(
     const EEToken& function, int position, EETokenStack& arguments, EETokenStack& operands)
 {
     const WString& name = function.GetText();
-    EEFunction* implementation = fnTable_gb.FindOrNull(name);
+    EEFunction* implementation = fnTable_gb.FindOrNull(name.View());
     if (!implementation) {
         ErrMsg(ExpressionEvaluatorException(Errors::UnknownFunction.number,
             WString::Format(Errors::UnknownFunction.message, name), function.GetPosition()));

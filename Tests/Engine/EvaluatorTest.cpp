@@ -2,6 +2,7 @@
 
 #include "ExpressionEvaluatorException.h"
 #include "Services/ObjectCounters.h"
+#include "Services/System.h"
 
 #include <map>
 
@@ -225,4 +226,36 @@ TEST(Evaluator, LeavesNoObjectBehind)
             Outcome(evaluator, expression);
     }
     EXPECT_EQ(counts(), before);
+}
+
+TEST(Evaluator, ReadsTheInstrumentByType)
+{
+    const struct
+    {
+        const wchar_t* name;
+        StatusType type;
+        const wchar_t* text;
+        const char* outcome;
+    } rows[] = {
+        {L"Engine.Bool", ST_Bool, L"true", "TRUE"},
+        {L"Engine.Double", ST_Double, L"2.5", "2.5"},
+        {L"Engine.String", ST_String, L"12", "'12'"},
+        {L"Engine.ExitCode", ST_ExitCode, L"1:2:3", "'1:2:3'"},
+        {L"Engine.Int", ST_Int, L"-12", "-12"},
+        {L"Engine.UInt", ST_UInt, L"4294967295", "4294967295"},
+        {L"Engine.UInt64", ST_UInt64, L"7", "7"},
+        {L"Engine.TooLarge", ST_UInt64, L"4294967296", "40 Cannot access status value (ST_*=2052) @4"},
+        {L"Engine.Formatted", ST_Formatted, L"text", "40 Cannot access status value (ST_*=5) @4"},
+    };
+    for (const auto& row : rows) {
+        ASSERT_TRUE(System::status.TryAdd(row.name, row.type, row.text));
+        EXPECT_EQ(Outcome("%s{ " + WString(row.name).ToUtf8() + " }"), row.outcome);
+    }
+
+    for (const auto& [text, outcome] :
+        {std::pair{L"12.50", "12.5"}, {L"TRUE", "TRUE"}, {L"12 apples", "'12 apples'"}, {L"0x10", "'0x10'"}}) {
+        System::config.SetString(L"Engine", L"A Key", text);
+        EXPECT_EQ(Outcome("%C{[ Engine ] A Key}"), outcome);
+        EXPECT_EQ(Outcome("%c{engine a key}"), outcome);
+    }
 }
