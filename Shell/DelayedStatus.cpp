@@ -9,13 +9,15 @@
 
 static std::optional<unsigned int> lastDue_lc; // ticks of the clock
 
-void DelayedStatus::Set(const WString& name, const WString& value, unsigned int milliseconds)
+bool DelayedStatus::TrySet(const WString& name, const WString& value, unsigned int milliseconds)
 {
+    if (!System::status.SetAfter(name, value, milliseconds))
+        return false;
     const unsigned int now = GetTickCount();
     const unsigned int wait = lastDue_lc ? *lastDue_lc - now : 0;
     const bool isPast = static_cast<int>(wait) < 0; // the clock wraps
-    System::status.SetAfter(name, value, milliseconds);
     lastDue_lc = now + std::max(isPast ? 0 : wait, milliseconds);
+    return true;
 }
 
 void DelayedStatus::Finish()

@@ -1,6 +1,5 @@
 #include "BuiltIns/ItemCommand.h"
 #include "DelayedStatus.h"
-#include "Instrument/StatusItemType.h"
 #include "Services/System.h"
 
 #include <optional>
@@ -47,14 +46,11 @@ ExitCode Status::Main(ArgumentList& arguments, Options& options)
 
 void Status::Set(const WString& name, const WString& value)
 {
-    const auto type = static_cast<StatusType>(System::status.GetItemType(name));
-    const StatusItemType* row = FindStatusItemType(type);
-    const bool fits = !row || row->fits(value);
-    if (!fits || (!delay && !System::status.TrySet(name, value)))
+    const bool isSet = delay ? DelayedStatus::TrySet(name, value, static_cast<unsigned int>(*delay * 1000))
+                             : System::status.TrySet(name, value);
+    if (!isSet)
         Fail(badValue, WString::Format(L"%s cannot be set to %s", name, value));
-    if (delay)
-        DelayedStatus::Set(name, value, static_cast<unsigned int>(*delay * 1000));
-    else
+    if (!delay)
         System::status.Save();
 }
 } // namespace

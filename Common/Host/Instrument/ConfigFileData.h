@@ -24,7 +24,8 @@ public:
     /// Replaces all settings by those of the file; an absent file gives none. Throws HostException(FileError) with name
     /// and reason.
     void Load(const std::string& path);
-    /// Writes the settings back to the file they were loaded from, in one step. Throws HostException(FileError).
+    /// Writes what was set or deleted to the file, on top of what others saved there, which is taken over. Throws
+    /// HostException (FileError, or Aborted while another process saves), and the changes stay to be saved.
     void Save() const;
 
     bool Contains(const WString& section, const WString& key) const;

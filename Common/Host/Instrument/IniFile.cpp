@@ -116,7 +116,8 @@ void IniFile::Load(const std::string& name)
 
 bool IniFile::IsOutdated() const
 {
-    return WholeFile::GetStamp(path) != stamp;
+    const FileStamp current = WholeFile::GetStamp(path);
+    return current != FileStamp() && current != stamp;
 }
 
 void IniFile::Save()

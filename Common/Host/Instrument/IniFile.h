@@ -18,9 +18,10 @@ public:
     /// Replaces everything by the contents of the file, in UTF-8; an absent file gives none. Throws
     /// HostException(FileError), and keeps what was there.
     void Load(const std::string& path);
-    /// True when the file is no longer the one that was loaded or saved.
+    /// True when there is a file other than the one that was loaded or saved.
     bool IsOutdated() const;
-    /// Writes the file that was loaded, in one step. Throws HostException(FileError).
+    /// Writes the file that was loaded, in one step. Throws HostException(FileError). To keep what others saved, hold
+    /// its WholeFile::Lock and load it again first if it is outdated.
     void Save();
     const std::string& GetPath() const noexcept { return path; }
 

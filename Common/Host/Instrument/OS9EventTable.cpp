@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <mutex>
 #include <string>
 
 #include <fcntl.h>
@@ -15,6 +16,8 @@ namespace {
 
 // A process of another word size would see another table: its size tells it apart.
 constexpr std::uint32_t layout_lc = 0x05900000 + sizeof(OS9EventTable);
+
+constexpr int longestWait = 1000; // ms until another process has looked
 
 std::string GetSegmentName()
 {
@@ -50,15 +53,15 @@ void MakeMutex(OS9EventTable& table)
 class SegmentLock
 {
 public:
-    explicit SegmentLock(int segment) : segment(segment), held(flock(segment, LOCK_EX) == 0) {}
-    ~SegmentLock() { flock(segment, LOCK_UN); }
+    explicit SegmentLock(const FileDescriptor& segment) : segment(segment), held(segment.TryLock(longestWait)) {}
+    ~SegmentLock() { flock(segment.Get(), LOCK_UN); }
     SegmentLock(const SegmentLock&) = delete;
     SegmentLock& operator=(const SegmentLock&) = delete;
 
     bool IsHeld() const { return held; }
 
 private:
-    const int segment;
+    const FileDescriptor& segment;
     const bool held;
 };
 
@@ -67,7 +70,7 @@ OS9EventTable* Map()
     const FileDescriptor segment(shm_open(GetSegmentName().c_str(), O_RDWR | O_CREAT, 0600));
     if (!segment.IsOpen())
         return nullptr;
-    const SegmentLock lock(segment.Get());
+    const SegmentLock lock(segment);
     if (!lock.IsHeld() || !TryPrepareSize(segment.Get()))
         return nullptr;
     void* memory = mmap(nullptr, sizeof(OS9EventTable), PROT_READ | PROT_WRITE, MAP_SHARED, segment.Get(), 0);
@@ -76,14 +79,21 @@ OS9EventTable* Map()
     auto* table = static_cast<OS9EventTable*>(memory);
     if (table->layout == 0)
         MakeMutex(*table);
-    return table->layout == layout_lc ? table : nullptr;
+    if (table->layout == layout_lc)
+        return table;
+    munmap(memory, sizeof(OS9EventTable));
+    return nullptr;
 }
 
 } // namespace
 
 OS9EventTable* OS9EventTable::Get()
 {
-    static OS9EventTable* const table = Map();
+    static std::mutex lock;
+    static OS9EventTable* table = nullptr;
+    const std::lock_guard guard(lock);
+    if (!table)
+        table = Map();
     return table;
 }
 

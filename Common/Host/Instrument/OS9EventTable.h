@@ -34,8 +34,8 @@ struct OS9EventTable
     pthread_mutex_t mutex;
     OS9EventSlot slots[capacity];
 
-    /// The table of this process's user, made by the first process that asks for it; null when there is no shared
-    /// memory.
+    /// The table of this process's user, made by the first process that asks for it; null while there is no shared
+    /// memory, and then looked for again the next time.
     static OS9EventTable* Get();
 };
 

@@ -54,9 +54,19 @@ bool TryFindReference(std::wstring_view text, std::size_t& start, std::size_t& e
     return false;
 }
 
-/// Sets the items whose text in `current` differs from that in `former`.
+bool IsInFile(const IniFile& file, const WString& name)
+{
+    WString text;
+    return file.TryGet(section_lc, name, text);
+}
+
+/// Sets the items whose text in `current` differs from that in `former`, and drops those that only `former` has.
 void TakeOver(Items& items, const IniFile& current, const IniFile& former)
 {
+    std::erase_if(items, [&](const auto& entry) {
+        const auto& [name, item] = entry;
+        return !item.IsLive() && IsInFile(former, name) && !IsInFile(current, name);
+    });
     WStringArray names;
     current.GetKeys(section_lc, names);
     for (const WString& name : names) {
@@ -74,6 +84,13 @@ void TakeOver(Items& items, const IniFile& current, const IniFile& former)
     }
 }
 
+/// True when the text is of the type, and the file can hold it.
+bool Fits(const WString& name, StatusType type, const WString& text)
+{
+    const StatusItemType* row = FindStatusItemType(type);
+    return row && row->fits(text) && IniFile::CanHold(section_lc, name, text);
+}
+
 } // namespace
 
 struct StatusTable::Data
@@ -88,6 +105,7 @@ struct StatusTable::Data
     void Load(const std::string& path);
     void ReadChanges();
     void Refresh(unsigned int interval);
+    StatusType GetTypeToSet(const WString& name, const WString& value) const;
     bool TrySet(const WString& name, const WString& value);
     bool TryAdd(const WString& name, StatusType type, const WString& value);
     void Save();
@@ -149,24 +167,30 @@ void StatusTable::Data::Refresh(unsigned int interval)
 
 bool StatusTable::Data::TryAdd(const WString& name, StatusType type, const WString& value)
 {
-    const StatusItemType* row = FindStatusItemType(type);
     const WString text = value.Trim();
-    if (!row || !row->fits(text) || !IniFile::CanHold(section_lc, name, text))
+    if (!Fits(name, type, text))
         return false;
     items[name.Trim()] = {type, text, nullptr};
     return true;
 }
 
-bool StatusTable::Data::TrySet(const WString& name, const WString& value)
+/// The type of the item, or the one that a new item would get from the value; ST_None for a live item.
+StatusType StatusTable::Data::GetTypeToSet(const WString& name, const WString& value) const
 {
     const auto known = items.find(name.Trim());
     if (known == items.end())
-        return TryAdd(name, GuessStatusType(value.Trim()), value);
-    return !known->second.IsLive() && TryAdd(name, known->second.type, value);
+        return GuessStatusType(value.Trim());
+    return known->second.IsLive() ? ST_None : known->second.type;
+}
+
+bool StatusTable::Data::TrySet(const WString& name, const WString& value)
+{
+    return TryAdd(name, GetTypeToSet(name, value), value);
 }
 
 void StatusTable::Data::Save()
 {
+    const WholeFile::Lock fileLock(file->GetPath());
     ReadChanges();
     for (const auto& [name, item] : items)
         if (!item.IsLive())
@@ -303,11 +327,15 @@ bool StatusTable::TrySet(const WString& name, const WString& value)
     return data->TrySet(name, value);
 }
 
-void StatusTable::SetAfter(const WString& name, const WString& value, unsigned int milliseconds)
+bool StatusTable::SetAfter(const WString& name, const WString& value, unsigned int milliseconds)
 {
     constexpr unsigned int longest = std::numeric_limits<int>::max(); // the clock wraps
     const std::lock_guard guard(data->lock);
+    data->Refresh(fileCheckInterval);
+    if (!Fits(name, data->GetTypeToSet(name, value), value.Trim()))
+        return false;
     data->delayed[name] = {value, GetTickCount() + std::min(milliseconds, longest)};
+    return true;
 }
 
 bool StatusTable::TryAdd(const WString& name, StatusType type, const WString& value)

@@ -28,7 +28,8 @@ enum StatusType : int
 /// types. Values are without blanks at both ends and hold no line break, as the file could not keep them.
 ///
 /// Reading and setting operations first make delayed values that are due take effect, and take over what other
-/// processes changed in the file: an item whose text there is a new one gets it. They look at the file once in 50 ms of
+/// processes changed in the file: an item whose text there is a new one gets it, and one that was removed there is
+/// dropped; a file that is gone altogether changes nothing. They look at the file once in 50 ms of
 /// the host's clock, so that reading in a loop is cheap.
 class HOST_API StatusTable
 {
@@ -63,16 +64,16 @@ public:
     /// (true/false bool, whole number int, other number double, else string). False when the text does not fit the
     /// item's type, or the item is live.
     bool TrySet(const WString& name, const WString& value);
-    /// As TrySet, to take effect in this process after a delay (24 days at most); a value that does not fit by then is
-    /// dropped. Replaces an earlier delayed value.
-    void SetAfter(const WString& name, const WString& value, unsigned int milliseconds);
+    /// As TrySet, to take effect in this process after a delay (24 days at most). False when TrySet would fail now; a
+    /// value that no longer fits when it is due is dropped. Replaces an earlier delayed value.
+    bool SetAfter(const WString& name, const WString& value, unsigned int milliseconds);
     /// Adds or replaces an item of a type with its value as text; false when the text does not fit.
     bool TryAdd(const WString& name, StatusType type, const WString& value);
     /// A live item: its text is asked for at every reading, by the thread that reads. Outlives Load, and hides the
     /// file's item of that name.
     void AddLive(const WString& name, StatusType type, std::function<WString()> read);
     /// Writes the items that are not live back to their file, in one step, on top of what others changed there. Throws
-    /// HostException(FileError).
+    /// HostException (FileError, or Aborted while another process saves).
     void Save() const;
     /// All names, sorted.
     void GetNames(WStringArray& names) const;

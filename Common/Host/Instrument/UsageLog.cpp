@@ -1,20 +1,21 @@
 #include "Instrument/UsageLog.h"
 
+#include "Services/Abort.h"
 #include "Services/WholeFile.h"
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <filesystem>
 #include <limits>
 #include <mutex>
+#include <thread>
 
 #include <fcntl.h>
 #include <sqlite3.h>
 #include <unistd.h>
 
 namespace {
-
-constexpr int busyTimeout = 10000; // ms to wait while other processes write
 
 constexpr char setup_lc[] = "PRAGMA journal_mode = WAL;"
                             "PRAGMA synchronous = NORMAL;"
@@ -43,6 +44,16 @@ constexpr const char* queries_lc[] = {
     "SELECT name FROM counters",
 };
 static_assert(std::size(queries_lc) == queryCount);
+
+/// Waits for other processes to write: up to 1 s, unless an abort is requested.
+int WaitWhileBusy(void*, int timesBefore)
+{
+    constexpr int step = 5; // ms
+    if (timesBefore * step >= 1000 || Abort::IsRequested())
+        return 0;
+    std::this_thread::sleep_for(std::chrono::milliseconds(step));
+    return 1;
+}
 
 struct Closer
 {
@@ -133,7 +144,7 @@ bool UsageLog::Database::TryConnect(const std::string& name, int flags)
     connection.reset(opened); // holds the reason when opening failed
     if (result != SQLITE_OK)
         return false;
-    sqlite3_busy_timeout(connection.get(), busyTimeout);
+    sqlite3_busy_handler(connection.get(), WaitWhileBusy, nullptr);
     return true;
 }
 

@@ -30,33 +30,20 @@ static int OpenFlags(FileOpenMode openMode, FileAccessMode accessMode)
     return access | create | place | O_CLOEXEC | O_NOCTTY | O_NONBLOCK; // a FIFO is opened without waiting
 }
 
-// Delegates, so that the destructor closes the file when one of the checks throws.
+// Delegates, so that the destructor closes the file when what follows throws.
 File::File(const WString& name, FileOpenMode openMode, FileAccessMode accessMode) : File(name)
 {
     const int flags = OpenFlags(openMode, accessMode);
-    descriptor = Retry([&] { return open(path.c_str(), flags, 0666); });
-    if (descriptor == -1)
-        WholeFile::Fail(path, errno);
-    if (accessMode == FileAccessMode::Read)
-        RequireRegular();
-    else if (fcntl(descriptor, F_SETFL, flags & ~O_NONBLOCK) == -1)
+    const bool isReading = accessMode == FileAccessMode::Read;
+    descriptor =
+        Retry([&] { return isReading ? WholeFile::OpenRegular(path, flags) : open(path.c_str(), flags, 0666); });
+    if (descriptor == -1 || fcntl(descriptor, F_SETFL, flags & ~O_NONBLOCK) == -1)
         WholeFile::Fail(path, errno);
 }
 
 File::~File()
 {
     Close();
-}
-
-void File::RequireRegular() const
-{
-    struct stat status;
-    if (fstat(descriptor, &status) == -1)
-        WholeFile::Fail(path, errno);
-    if (S_ISDIR(status.st_mode))
-        WholeFile::Fail(path, EISDIR);
-    if (!S_ISREG(status.st_mode))
-        WholeFile::Fail(path, L"Not a regular file");
 }
 
 bool File::Exists(const WString& name)

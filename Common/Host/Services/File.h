@@ -22,7 +22,7 @@ enum class FileAccessMode
 
 /// A file named by a path in UTF-8 once encoded; a relative name is relative to the working folder. Operations throw
 /// HostException(HostError::FileError) with the name and the system's reason. Reading is for regular files: a folder
-/// or a device is refused with that reason, without waiting for one. Closed by the destructor.
+/// or a device is refused with that reason, without opening it. Closed by the destructor.
 class HOST_API File
 {
 public:
@@ -51,5 +51,4 @@ private:
     int descriptor = -1;
 
     explicit File(const WString& name) : path(name.ToUtf8()) {}
-    void RequireRegular() const;
 };

@@ -18,6 +18,10 @@ public:
     bool IsOpen() const noexcept { return descriptor >= 0; }
     int Get() const noexcept { return descriptor; }
 
+    /// Takes the lock of the open file, which stands between processes and between descriptors, and ends with this one.
+    /// False when another still holds it after `limit` ms, or when an abort is requested while waiting.
+    bool TryLock(int limit) const;
+
 private:
     int descriptor;
 };

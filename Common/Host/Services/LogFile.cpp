@@ -3,16 +3,16 @@
 #include "Services/FileDescriptor.h"
 #include "Services/System.h"
 
-#include <cerrno>
 #include <cstdio>
 #include <mutex>
 #include <vector>
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 
 namespace {
+
+constexpr int longestWait = 100; // ms; a line is not worth more
 
 /// The logs of the process. Logs are static objects of libHost and of plug-ins, made in an order that nobody controls.
 struct Registry
@@ -30,14 +30,6 @@ struct Registry
 std::string GetFile(const std::string& folder, const WString& name, const char* ending)
 {
     return folder + "/" + name.ToUtf8() + ending;
-}
-
-bool TryLock(int file)
-{
-    while (flock(file, LOCK_EX) != 0)
-        if (errno != EINTR)
-            return false;
-    return true;
 }
 
 /// True when the open file is still the one of that path; another process may have made it the older generation.
@@ -95,11 +87,12 @@ void LogFile::DoWriteLine(const WString& line)
     if (!IsEnabled() || path.empty())
         return;
     std::string text = line.ToUtf8() + "\n";
+    constexpr int flags = O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
     for (;;) {
         // The file lock ends with the descriptor. It orders threads as well, as each opens the file for itself.
-        const FileDescriptor file(open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666));
+        const FileDescriptor file(open(path.c_str(), flags, 0666));
         struct stat opened = {};
-        if (!file.IsOpen() || !TryLock(file.Get()) || fstat(file.Get(), &opened) != 0)
+        if (!file.IsOpen() || !file.TryLock(longestWait) || fstat(file.Get(), &opened) != 0 || !S_ISREG(opened.st_mode))
             return;
         if (!IsCurrent(opened, path))
             continue;

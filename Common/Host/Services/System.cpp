@@ -34,6 +34,9 @@ void CopyIfMissing(const std::string& source, const std::string& target)
     std::error_code error;
     if (std::filesystem::exists(target, error))
         return;
+    const WholeFile::Lock lock(target);
+    if (std::filesystem::exists(target, error)) // another process was faster
+        return;
     std::string text;
     if (const int errorNumber = WholeFile::Read(source, text); errorNumber != 0)
         WholeFile::Fail(source, errorNumber);

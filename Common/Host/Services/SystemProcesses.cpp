@@ -7,33 +7,51 @@
 
 namespace {
 
-struct Process
+/// A file of a process's folder; empty when the process has ended meanwhile.
+std::string Read(const std::filesystem::path& file)
 {
-    WString name;
-    WString commandLine; // arguments joined by blanks
-};
-
-/// The kernel cuts names at 15 characters; the rest stands in the first argument, for those who left that as it was.
-std::string Complete(const std::string& name, const std::string& arguments)
-{
-    const std::string path = arguments.substr(0, arguments.find('\0'));
-    const std::string file = path.substr(path.rfind('/') + 1);
-    return name.size() == 15 && file.starts_with(name) ? file : name;
+    std::string text;
+    return WholeFile::Read(file, text) == 0 ? text : std::string();
 }
 
-/// False for a process that has ended meanwhile.
-bool TryRead(const std::filesystem::path& folder, Process& process)
+/// The command name. The kernel cuts it at 15 characters; the rest stands in the first argument, for those who left
+/// that as it was.
+WString GetName(const std::filesystem::path& folder)
 {
-    std::string name;
-    std::string arguments;
-    if (WholeFile::Read(folder / "comm", name) != 0 || WholeFile::Read(folder / "cmdline", arguments) != 0)
-        return false;
+    std::string name = Read(folder / "comm");
     name.erase(name.find_last_not_of('\n') + 1);
-    process.name = WString::FromUtf8(Complete(name, arguments));
+    if (name.size() == 15) {
+        const std::string arguments = Read(folder / "cmdline");
+        const std::string path = arguments.substr(0, arguments.find('\0'));
+        const std::string file = path.substr(path.rfind('/') + 1);
+        if (file.starts_with(name))
+            name = file;
+    }
+    return WString::FromUtf8(name);
+}
+
+/// The arguments joined by blanks.
+WString GetCommandLine(const std::filesystem::path& folder)
+{
+    std::string arguments = Read(folder / "cmdline");
     arguments.erase(arguments.find_last_not_of('\0') + 1);
     std::ranges::replace(arguments, '\0', ' ');
-    process.commandLine = WString::FromUtf8(arguments);
-    return true;
+    return WString::FromUtf8(arguments);
+}
+
+/// False for a process that has ended, also while its parent has not yet taken note.
+bool IsRunning(const std::filesystem::path& folder)
+{
+    const std::string text = Read(folder / "stat"); // "id (name) state ...", and the name may hold anything
+    const std::size_t end = text.rfind(") ");
+    return end != text.npos && text[end + 2] != 'Z' && text[end + 2] != 'X';
+}
+
+/// Reads the command line only when it matters: that waits for a process that is stuck in the kernel.
+bool IsMatch(const std::filesystem::path& folder, const wchar_t* command, const wchar_t* commandLine)
+{
+    return GetName(folder).IsWildcardMatch(command, true) &&
+        (!commandLine || GetCommandLine(folder).IsWildcardMatch(commandLine, true)) && IsRunning(folder);
 }
 
 /// The process id that a folder of the process table is named by, or -1 for its other folders.
@@ -54,11 +72,7 @@ int System::GetMatchingProcess(const wchar_t* command, const wchar_t* commandLin
     for (std::filesystem::directory_iterator entry("/proc", error), end; !error && entry != end;
          entry.increment(error)) {
         const int id = GetId(entry->path());
-        Process process;
-        if (id < 0 || (lowest >= 0 && id > lowest) || !TryRead(entry->path(), process))
-            continue;
-        if (process.name.IsWildcardMatch(command, true) &&
-            (!commandLine || process.commandLine.IsWildcardMatch(commandLine, true)))
+        if (id >= 0 && (lowest < 0 || id < lowest) && IsMatch(entry->path(), command, commandLine))
             lowest = id;
     }
     return lowest;

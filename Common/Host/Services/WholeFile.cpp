@@ -1,18 +1,21 @@
 #include "Services/WholeFile.h"
 
-#include "Services/FileDescriptor.h"
+#include "Services/Abort.h"
 #include "Text/HostError.h"
 #include "Text/WString.h"
 
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <random>
 #include <system_error>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 
 namespace {
+
+constexpr int longestWait = 10000; // ms for the lock of a file
 
 /// The file behind symbolic links, so that replacing it keeps the link.
 std::string Resolve(const std::string& path)
@@ -40,6 +43,20 @@ bool TryWriteAll(int descriptor, std::string_view text)
     return true;
 }
 
+[[noreturn]] void RefuseSpecial(const std::string& path, const struct stat& status)
+{
+    if (S_ISDIR(status.st_mode))
+        WholeFile::Fail(path, EISDIR);
+    WholeFile::Fail(path, L"Not a regular file");
+}
+
+/// A name that no other process or thread has, in whatever container or machine it shares the folder from.
+std::string GetTemporaryName(const std::string& target)
+{
+    std::random_device random;
+    return target + "." + std::to_string(random()) + std::to_string(random()) + ".tmp";
+}
+
 /// Writes the text to what is to become the file `target`, with the permissions that `target` has.
 bool TryFill(int descriptor, std::string_view text, const std::string& target, FileStamp& stamp)
 {
@@ -60,9 +77,21 @@ FileStamp WholeFile::GetStamp(const std::string& path)
     return stat(path.c_str(), &status) == 0 ? ToStamp(status) : FileStamp();
 }
 
+int WholeFile::OpenRegular(const std::string& path, int flags)
+{
+    struct stat status = {};
+    if (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode))
+        RefuseSpecial(path, status);
+    const int descriptor = open(path.c_str(), flags | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0666);
+    if (descriptor < 0 || fstat(descriptor, &status) != 0 || S_ISREG(status.st_mode))
+        return descriptor;
+    close(descriptor); // it has taken the place of what was there before
+    RefuseSpecial(path, status);
+}
+
 int WholeFile::Read(const std::string& path, std::string& text)
 {
-    const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    const FileDescriptor file(OpenRegular(path, O_RDONLY));
     if (!file.IsOpen())
         return errno;
     text.clear();
@@ -81,8 +110,8 @@ int WholeFile::Read(const std::string& path, std::string& text)
 FileStamp WholeFile::Write(const std::string& path, std::string_view text)
 {
     const std::string target = Resolve(path);
-    const std::string temporary = target + "." + std::to_string(gettid()) + ".tmp"; // no other thread's
-    const FileDescriptor file(open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
+    const std::string temporary = GetTemporaryName(target);
+    const FileDescriptor file(open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
     if (!file.IsOpen())
         Fail(path, errno);
     FileStamp stamp;
@@ -92,6 +121,17 @@ FileStamp WholeFile::Write(const std::string& path, std::string_view text)
         Fail(path, errorNumber);
     }
     return stamp;
+}
+
+WholeFile::Lock::Lock(const std::string& path)
+    : file(open((Resolve(path) + ".lock").c_str(), O_RDONLY | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0666))
+{
+    if (!file.IsOpen())
+        Fail(path, errno);
+    if (file.TryLock(longestWait))
+        return;
+    Abort::ThrowIfRequested();
+    Fail(path, L"locked by another process");
 }
 
 void WholeFile::Fail(const std::string& path, const WString& reason)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Services/FileDescriptor.h"
+
 #include <cstdint>
 #include <ctime>
 #include <string>
@@ -25,13 +27,30 @@ namespace WholeFile {
 
 FileStamp GetStamp(const std::string& path);
 
-/// Reads the file; returns 0, or the system's error number.
+/// Opens a regular file and returns its descriptor, or -1 with errno. Anything else is refused without opening it,
+/// which might wait or do something to a device: throws HostException(FileError).
+int OpenRegular(const std::string& path, int flags);
+
+/// Reads a regular file; returns 0, or the system's error number. Throws HostException(FileError) for anything else.
 int Read(const std::string& path, std::string& text);
 
 /// Replaces the file, or makes it, in one step: whoever opens it meanwhile, and who finds it after a power failure,
 /// sees the old contents or the new, never a part. Keeps the permissions and follows a symbolic link. Returns the new
 /// file's stamp, also when another process has replaced the file again by then. Throws HostException(FileError).
 FileStamp Write(const std::string& path, std::string_view text);
+
+/// Keeps others who take the lock from the file for the length of a scope, so that reading, changing and replacing it
+/// become one step. The lock is that of a file beside it, "<name>.lock", which stays: the file itself gives way to
+/// another when it is replaced. Throws HostException: FileError when the folder cannot be written or when another holds
+/// the lock for 10 s, Aborted when an abort is requested while waiting.
+class Lock
+{
+public:
+    explicit Lock(const std::string& path);
+
+private:
+    const FileDescriptor file;
+};
 
 /// Throws HostException(FileError) with the path and the reason.
 [[noreturn]] void Fail(const std::string& path, const WString& reason);
