@@ -36,22 +36,21 @@ private:
 
 bool CommandReader::TryRead(std::string& command)
 {
-    do {
-        if (!TryReadLine(command))
-            return false;
-    } while (IsBlankOrComment(command));
-    commandLine = linesRead;
     constexpr std::size_t limit = CommandRunner::maxLineLength;
     std::string line;
-    while (command.ends_with('\\')) {
-        command.pop_back();
+    do {
         if (!TryReadLine(line))
-            break;
-        command += line;
-        if (command.size() > 2 * limit) // stays too long, in bounded memory
-            command.erase(0, limit);
+            return false;
+    } while (IsBlankOrComment(line));
+    commandLine = linesRead;
+    command.clear();
+    for (;;) {
+        const bool isContinued = line.ends_with('\\') && line.size() <= limit; // a longer line comes cut
+        command.append(line, 0, line.size() - isContinued);
+        command.resize(std::min(command.size(), limit + 1)); // one too many is enough to be refused
+        if (!isContinued || !TryReadLine(line))
+            return true;
     }
-    return true;
 }
 
 CommandRunner::Outcome RunCommand(std::string& command, Pipe& output, const Environment& environment)

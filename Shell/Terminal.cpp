@@ -69,6 +69,7 @@ bool Terminal::TryReadLine(std::string& line)
     std::fflush(stdout);
     for (;;) {
         Abort::Clear();
+        el_wset(editor->line, EL_PREP_TERM, 1); // before the prompt, which a program may answer at once
         int count = 0;
         const wchar_t* text = el_wgets(editor->line, &count);
         if (!text && !Abort::IsRequested()) {

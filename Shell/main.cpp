@@ -39,21 +39,29 @@ static void Start(const Arguments& arguments)
         PluginLoader::Load(plugin);
 }
 
+enum class Ending
+{
+    Completed,
+    Exited, // told to exit, before any failure
+    Failed
+};
+
 /// Runs the commands of a source and reports each failure; `goesOn` says whether the source is read on after one.
-/// Yields whether all succeeded.
-static bool RunCommands(LineSource& source, const WString& name, const std::function<bool(const ExitCode&)>& goesOn)
+static Ending RunCommands(LineSource& source, const WString& name, const std::function<bool(const ExitCode&)>& goesOn)
 {
     StreamPipe output(stdout);
-    bool succeeded = true;
+    Ending ending = Ending::Completed;
     RunScript(source, output, Environment(), [&](const ScriptFailure& failure) {
         const CommandRunner::Outcome& outcome = failure.outcome;
-        if (IsHostError(outcome.code, HostError::ExitRequested))
+        if (IsHostError(outcome.code, HostError::ExitRequested)) {
+            ending = ending == Ending::Failed ? ending : Ending::Exited;
             return false;
+        }
         Report(FormatPlace(name, failure), outcome.code, outcome.message);
-        succeeded = false;
+        ending = Ending::Failed;
         return goesOn(outcome.code);
     });
-    return succeeded;
+    return ending;
 }
 
 /// Whatever fails at the terminal is no failure of the shell, and an abort ends the command alone.
@@ -66,10 +74,11 @@ static bool RunTerminal()
 
 static bool RunScriptFile(std::unique_ptr<LineSource> source, const std::string& name, bool keepsGoing)
 {
-    const bool succeeded = RunCommands(*source, WString::FromUtf8(name),
+    const Ending ending = RunCommands(*source, WString::FromUtf8(name),
         [&](const ExitCode& code) { return keepsGoing && !IsHostError(code, HostError::Aborted); });
-    DelayedStatus::Finish();
-    return succeeded;
+    if (ending == Ending::Completed)
+        DelayedStatus::Finish();
+    return ending != Ending::Failed;
 }
 
 static bool Run(const Arguments& arguments)

@@ -54,16 +54,22 @@ ExitCode Command::EvaluateCondition(const WString& condition, bool verbose, bool
     return error.code;
 }
 
-WStringArray Command::SplitCommandList(const WString& list, const WString& separator, unsigned int exitNumber)
+WStringArray Command::SplitList(const WString& list, unsigned int exitNumber, unsigned int maxLength,
+    const WString& separators, const WString& refusal)
 {
-    WStringArray commands;
+    WStringArray items;
     try {
-        list.GetWStringArray(commands, 1, 100, exitNumber, 1, 4096, separator);
+        list.GetWStringArray(items, 1, 100, exitNumber, 1, maxLength, separators);
     } catch (const ExitCode&) {
-        SetFailureMessage(L"Expected are 1 to 100 commands of up to 4096 characters");
+        SetFailureMessage(refusal);
         throw;
     }
-    return commands;
+    return items;
+}
+
+WStringArray Command::SplitCommandList(const WString& list, const WString& separator, unsigned int exitNumber)
+{
+    return SplitList(list, exitNumber, 4096, separator, L"More than 100 commands, or one of more than 4096 characters");
 }
 
 void Command::InheritRecordHeader(Options& options, const wchar_t* variable)

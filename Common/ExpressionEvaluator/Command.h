@@ -55,8 +55,11 @@ protected:
     /// Evaluates the condition of a statement. An error is its exit code, reported on the output or, when verbose, in
     /// the error log.
     ExitCode EvaluateCondition(const WString& condition, bool verbose, bool& result);
-    /// The commands of a list. Throws ExitCode(exitNumber) when it holds too many, one that is too long, or nothing but
-    /// separators.
+    /// The pieces of a list, at most 100. Throws ExitCode(exitNumber), with `refusal` as the message, when there are
+    /// more or one is longer than `maxLength`.
+    WStringArray SplitList(const WString& list, unsigned int exitNumber, unsigned int maxLength,
+        const WString& separators, const WString& refusal);
+    /// The commands of a list, as SplitList.
     WStringArray SplitCommandList(const WString& list, const WString& separator, unsigned int exitNumber);
     /// Leaves the record header of the option -r for the commands that this one runs, under "RecordHeader" and under
     /// `variable`.

@@ -1,7 +1,6 @@
 #include "While.h"
 
 #include "DllRegistryUtils.h"
-#include "Services/Abort.h"
 #include "Services/System.h"
 
 #include <limits>
@@ -114,7 +113,7 @@ void While::ReadOptions(Options& options, Loop& loop)
     loop.verbose = options.TryGetFlag(L"v", 6);
     WString patterns;
     if (options.TryGetString(L"er", 12, patterns, 1, 1000))
-        patterns.GetWStringArray(loop.ignoredCodes, 1, 100, 12, 1, 30, L";,");
+        loop.ignoredCodes = SplitList(patterns, 12, 30, L";,", L"Bad value of option -er" + patterns);
     InheritRecordHeader(options, L"RH_WHILE");
 }
 
@@ -127,7 +126,7 @@ ExitCode While::RunLoop(const Loop& loop)
         GetEnvironment().TryDelete(exitCodeName_lc);
 
     for (unsigned int count = 1; count <= loop.maxCount; ++count) {
-        Abort::ThrowIfRequested(); // no command to notice it when the list is empty
+        WaitForTimeControlPointIfRequested(); // no command to notice it when the list is empty
         GetEnvironment().SetUInt(L"i", count);
         bool holds = false;
         if (const ExitCode failure = EvaluateCondition(loop.condition, loop.verbose, holds); failure.IsError())
@@ -166,7 +165,8 @@ ExitCode While::RunCommands(const Loop& loop)
             continue;
         if ((GetFlags() & CommandFlags::noFailureLog) == 0)
             System::errorLog.WriteLine(L"%-12s %s", code.ToCString(), command);
-        SetFailureMessage(L"Failed: " + command);
+        const WString& reason = GetRunMessage();
+        SetFailureMessage(L"Failed: " + command + (reason.IsEmpty() ? L"" : L": ") + reason);
         return code;
     }
     return ExitCode(0);

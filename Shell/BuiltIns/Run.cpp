@@ -18,12 +18,6 @@ public:
     ExitCode Main(ArgumentList& arguments, Options& options) override;
 };
 
-/// The message with its place in front, once: a script that runs itself fails at the same place on every level.
-WString AddPlace(const WString& place, const WString& message)
-{
-    return message.StartsWith(place, false) ? message : place + message;
-}
-
 ExitCode Run::Main(ArgumentList& arguments, Options& options)
 {
     Accept(arguments, options, 1, 1);
@@ -32,7 +26,9 @@ ExitCode Run::Main(ArgumentList& arguments, Options& options)
     ExitCode result;
     RunScript(lines, GetPipe(), GetEnvironment(), [&](const ScriptFailure& failure) {
         result = failure.outcome.code;
-        SetFailureMessage(AddPlace(FormatPlace(file, failure), failure.outcome.message));
+        // What ends every script above would be placed by each of them.
+        const bool endsCallers = CommandRunner::EndsCallers(result);
+        SetFailureMessage((endsCallers ? WString() : FormatPlace(file, failure)) + failure.outcome.message);
         return false;
     });
     return result;

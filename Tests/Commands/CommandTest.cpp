@@ -3,91 +3,106 @@
 #include "AssertCommand.h"
 #include "Calc.h"
 #include "Commands/CommandRegistry.h"
+#include "ExpressionEvaluator.h"
 #include "If.h"
 #include "Services/Abort.h"
 #include "Services/System.h"
 #include "SetCommand.h"
 #include "Support/HostTexts.h"
-#include "Support/TemporaryFolder.h"
+#include "Support/TestFiles.h"
 #include "While.h"
 
 namespace {
-class Say : public CommandBase
+using Action = ExitCode (*)(CommandBase& command, ArgumentList& arguments);
+
+class FakeCommand : public CommandBase
 {
 public:
-    WString GetName() override { return L"Say"; }
+    FakeCommand(const wchar_t* name, Action action) : name(name), action(action) {}
+    WString GetName() override { return name; }
     unsigned int GetCommandId() override { return 7001; }
     const char* GetSourceCodeTimestamp() override { return ""; }
     void ShowUsage() override {}
-    ExitCode Main(ArgumentList& arguments, Options&) override
-    {
-        WString line;
-        for (unsigned int index = 0; index < arguments.Count(); ++index)
-            line.AppendWithSeparator(arguments.At(index), L" ");
-        GetPipe().DoWriteLine(line);
-        return ExitCode(0);
-    }
+    ExitCode Main(ArgumentList& arguments, Options&) override { return action(*this, arguments); }
+
+private:
+    const wchar_t* const name;
+    const Action action;
 };
 
-class Fail : public Say
+ExitCode Say(CommandBase& command, ArgumentList& arguments)
 {
-public:
-    WString GetName() override { return L"Fail"; }
-    unsigned int GetCommandId() override { return 7002; }
-    ExitCode Main(ArgumentList& arguments, Options&) override
-    {
-        ExitCode code;
-        EXPECT_TRUE(arguments.Count() == 1 && ExitCode::TryParse(arguments.At(0), code));
-        return code;
-    }
-};
-
-class Flags : public Say
-{
-public:
-    WString GetName() override { return L"Flags"; }
-    unsigned int GetCommandId() override { return 7003; }
-    ExitCode Main(ArgumentList&, Options&) override
-    {
-        GetPipe().WriteLine(L"0x%x", GetFlags());
-        return ExitCode(0);
-    }
-};
-
-template <typename Command>
-CommandBase* Create()
-{
-    return new Command;
+    WString line;
+    for (unsigned int index = 0; index < arguments.Count(); ++index)
+        line.AppendWithSeparator(arguments.At(index), L" ");
+    command.GetPipe().DoWriteLine(line);
+    return ExitCode(0);
 }
 
-std::string ToText(const CommandRunner::Outcome& outcome, WStringArray lines)
+ExitCode Fail(CommandBase&, ArgumentList& arguments)
 {
-    if (outcome.code.IsError())
-        lines.Add(L"exit " + outcome.code.ToString());
-    return Join(lines);
+    ExitCode code;
+    EXPECT_TRUE(arguments.Count() == 1 && ExitCode::TryParse(arguments.At(0), code));
+    return code;
 }
 
-const TemporaryFolder& GetDataFolder()
+ExitCode WriteFlags(CommandBase& command, ArgumentList&)
+{
+    command.GetPipe().WriteLine(L"0x%x", command.GetFlags());
+    return ExitCode(0);
+}
+
+ExitCode WriteLog(CommandBase& command, ArgumentList&)
+{
+    const std::string path = System::errorLog.GetPath();
+    for (const std::string& line : ReadTestLines(path))
+        command.GetPipe().DoWriteLine(WString::FromUtf8(line));
+    std::filesystem::resize_file(path, 0);
+    return ExitCode(0);
+}
+
+ExitCode WriteUsage(CommandBase& command, ArgumentList& arguments)
+{
+    ArrayPipe general;
+    ExpressionEvaluator::DisplaySupportedOperatorsAndFunctionsHelpText(general, true, L"Titles %s", L"%%");
+    ArrayPipe usage;
+    if (arguments.Count() == 1)
+        CommandRunner::ShowUsage(*CommandRegistry::FindOrNull(arguments.At(0)), usage);
+    for (const WString& line : arguments.Count() == 1 ? usage.lines : general.lines)
+        if (arguments.Count() == 0 || std::ranges::find(general.lines, line) == general.lines.end())
+            command.GetPipe().DoWriteLine(line);
+    return ExitCode(0);
+}
+
+constexpr CommandFactory factories_lc[] = {
+    CreateCommandAssertCommand,
+    CreateCommandCalc,
+    CreateCommandIf,
+    CreateCommandSetCommand,
+    CreateCommandWhile,
+    []() -> CommandBase* { return new FakeCommand(L"Say", Say); },
+    []() -> CommandBase* { return new FakeCommand(L"Fail", Fail); },
+    []() -> CommandBase* { return new FakeCommand(L"Flags", WriteFlags); },
+    []() -> CommandBase* { return new FakeCommand(L"Log", WriteLog); },
+    []() -> CommandBase* { return new FakeCommand(L"Usage", WriteUsage); },
+};
+
+void StartSystem()
 {
     static const TemporaryFolder folder; // until the end of the process, which may write to it as long
-    return folder;
+    for (const char* file : {"Config.ini", "Status.ini", "ErrorLog.txt"})
+        folder.Write(file, "");
+    System::Start(folder.GetPath(), folder.GetPath());
+    System::status.TryAdd(L"VersionProductName", ST_String, L"OrvaneX9");
 }
 } // namespace
 
-void RecordingClock::Sleep(unsigned int milliseconds)
-{
-    waits.push_back(milliseconds);
-    ManualClock::Sleep(milliseconds);
-    if (onSleep)
-        onSleep();
-}
-
 CommandTest::CommandTest()
 {
-    for (const CommandFactory factory : {CreateCommandAssertCommand, CreateCommandCalc, CreateCommandIf,
-             CreateCommandSetCommand, CreateCommandWhile, Create<Say>, Create<Fail>, Create<Flags>})
+    for (const CommandFactory factory : factories_lc)
         CommandRegistry::Add(factory, PLUGIN_FILE);
     Abort::Clear();
+    StartSystem();
 }
 
 CommandTest::~CommandTest()
@@ -95,42 +110,15 @@ CommandTest::~CommandTest()
     Abort::Clear();
 }
 
-std::string CommandTest::Run(const char* line, unsigned int runFlags)
+std::string CommandTest::Run(const std::string& line, unsigned int runFlags)
 {
     ArrayPipe pipe;
     const auto outcome = CommandRunner::Run(WString::FromUtf8(line), pipe, environment, runFlags);
-    return ToText(outcome, pipe.lines);
-}
-
-void CommandTest::RunSession(std::initializer_list<Step> steps)
-{
-    for (const Step& step : steps)
-        EXPECT_EQ(Run(step.line), step.expected) << step.line;
-}
-
-std::string CommandTest::GetVariable(const char* name) const
-{
-    WString value = L"(none)";
-    environment.TryGetString(WString::FromUtf8(name), value);
-    return value.ToUtf8();
-}
-
-std::string CommandTest::GetFailureMessage(const char* line)
-{
-    ArrayPipe pipe;
-    return CommandRunner::Run(WString::FromUtf8(line), pipe, environment, 0).message.ToUtf8();
-}
-
-void CommandTest::StartSystem()
-{
-    const TemporaryFolder& folder = GetDataFolder();
-    folder.Write("Config.ini", "");
-    folder.Write("Status.ini", "");
-    folder.Write("ErrorLog.txt", "");
-    System::Start(folder.GetPath(), folder.GetPath());
-}
-
-std::string CommandTest::ReadErrorLog()
-{
-    return TemporaryFolder::ReadFile(System::errorLog.GetPath());
+    if (outcome.code.IsError()) {
+        WString exit = L"exit " + outcome.code.ToString();
+        if (!outcome.message.IsEmpty())
+            exit += L" " + outcome.message;
+        pipe.lines.Add(exit);
+    }
+    return Join(pipe.lines);
 }

@@ -11,37 +11,30 @@
 class RecordingClock : public ManualClock
 {
 public:
-    void Sleep(unsigned int milliseconds) override;
+    void Sleep(unsigned int milliseconds) override
+    {
+        waits.push_back(milliseconds);
+        ManualClock::Sleep(milliseconds);
+        onSleep();
+    }
 
     std::vector<unsigned int> waits;
-    std::function<void()> onSleep; // what happens meanwhile
+    std::function<void()> onSleep = [] {}; // what happens meanwhile
 };
 
-/// One line of a session, and what it is expected to show: the lines that it writes and, when it fails, "exit <code>"
-/// as the last one.
-struct Step
-{
-    const char* line;
-    const char* expected;
-};
-
-/// Runs lines with the plug-in's commands and three more: "Say" writes its arguments, "Fail" fails with the code that
-/// is its argument, and "Flags" writes the flags of its run.
+/// Runs lines with the plug-in's commands and some more: "Say" writes its arguments, "Fail" fails with the code that is
+/// its argument, "Flags" writes the flags of its run, "Log" writes what the error log holds and empties it, and "Usage"
+/// writes the help that all usages end with, or what the usage of a command has besides. The host has a data folder
+/// with no settings, and the status item "VersionProductName".
 class CommandTest : public testing::Test
 {
 protected:
     CommandTest();
     ~CommandTest() override;
 
-    std::string Run(const char* line, unsigned int runFlags = 0);
-    void RunSession(std::initializer_list<Step> steps);
-    std::string GetVariable(const char* name) const; // "(none)" when there is no such variable
-    /// What a failing line leaves for the report of whoever ran it.
-    std::string GetFailureMessage(const char* line);
-
-    /// Gives the host a data folder with neither settings nor status items nor logs.
-    static void StartSystem();
-    static std::string ReadErrorLog();
+    /// The lines that are written, one below the other. When the line fails, the last one is "exit <code>" and behind
+    /// it what is told about the failure.
+    std::string Run(const std::string& line, unsigned int runFlags = 0);
 
     RecordingClock clock;
     Environment environment;

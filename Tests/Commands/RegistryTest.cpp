@@ -6,56 +6,48 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <memory>
-#include <vector>
 
 namespace {
 using Factory = CommandBase* (*)();
 
-/// The registry of a plug-in file, found as the host finds it.
-class Registry
+/// A function of a plug-in file, found as the host finds it. The file stays loaded.
+template <typename Function>
+Function* Find(const char* symbol, const std::string& file = PLUGIN_FILE)
 {
-public:
-    explicit Registry(const std::string& file) : library(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL))
-    {
-        EXPECT_NE(library, nullptr) << dlerror();
-        getNextCommand = Find<Factory(unsigned int)>("_Z25DllRegistryGetNextCommandj");
-        selectDll = Find<int(const char*)>("_Z20DllRegistrySelectDllPKc");
-        selectDllForTests = Find<void(const std::string&)>(
-            "_Z28DllRegistrySelectDllForTestsRKNSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEE");
-        tryGetNextAutomaticTest =
-            Find<bool(int, AutomaticTestEntry&)>("_Z34DllRegistryTryGetNextAutomaticTestiR18AutomaticTestEntry");
+    void* const library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+    EXPECT_NE(library, nullptr) << dlerror();
+    void* const address = dlsym(library, symbol);
+    EXPECT_NE(address, nullptr) << symbol;
+    return reinterpret_cast<Function*>(address);
+}
+
+bool TryGetTest(const std::string& file, int index, AutomaticTestEntry& entry)
+{
+    return Find<bool(int, AutomaticTestEntry&)>("_Z34DllRegistryTryGetNextAutomaticTestiR18AutomaticTestEntry", file)(
+        index, entry);
+}
+
+/// "name id" of every command selected, and the names of the tests, each followed by a blank.
+std::string GetEntries(const std::string& file = PLUGIN_FILE)
+{
+    std::string text;
+    const auto getNextCommand = Find<Factory(unsigned int)>("_Z25DllRegistryGetNextCommandj", file);
+    for (unsigned int index = 0; const Factory factory = getNextCommand(index); ++index) {
+        const std::unique_ptr<CommandBase> command(factory());
+        text += command->GetName().ToUtf8() + " " + std::to_string(command->GetCommandId()) + " ";
     }
+    AutomaticTestEntry entry;
+    for (int index = 0; TryGetTest(file, index, entry); ++index)
+        text += entry.name.ToUtf8() + " ";
+    return text;
+}
 
-    /// "name id" of every command selected, and the names of the tests, each followed by a blank.
-    std::string GetEntries() const
-    {
-        std::string text;
-        for (unsigned int index = 0; const Factory factory = getNextCommand(index); ++index) {
-            const std::unique_ptr<CommandBase> command(factory());
-            text += command->GetName().ToUtf8() + " " + std::to_string(command->GetCommandId()) + " ";
-        }
-        AutomaticTestEntry entry;
-        for (int index = 0; tryGetNextAutomaticTest(index, entry); ++index)
-            text += entry.name.ToUtf8() + " ";
-        return text;
-    }
-
-    template <typename Function>
-    Function* Find(const char* symbol) const
-    {
-        void* const address = dlsym(library, symbol);
-        EXPECT_NE(address, nullptr) << symbol;
-        return reinterpret_cast<Function*>(address);
-    }
-
-    Factory (*getNextCommand)(unsigned int);
-    int (*selectDll)(const char*);
-    void (*selectDllForTests)(const std::string&);
-    bool (*tryGetNextAutomaticTest)(int, AutomaticTestEntry&);
-
-private:
-    void* const library; // stays loaded
-};
+/// What is offered after the selection.
+std::string Select(const std::string& path, const std::string& file = PLUGIN_FILE)
+{
+    EXPECT_EQ(Find<int(const char*)>("_Z20DllRegistrySelectDllPKc", file)(path.c_str()), 0) << path;
+    return GetEntries(file);
+}
 
 constexpr const char* allEntries_lc = "Assert 9015 Calc 1043 If 1042 Set 1045 While 1064 ExpressionEvaluator ";
 } // namespace
@@ -65,47 +57,33 @@ TEST(RegistryTest, OffersEverythingBeforeASelection)
     // a copy, which this process has not loaded before
     const std::string copy = testing::TempDir() + "RegistryTestCopy.dll";
     std::filesystem::copy_file(PLUGIN_FILE, copy, std::filesystem::copy_options::overwrite_existing);
-    const Registry registry(copy);
-    EXPECT_EQ(registry.GetEntries(), allEntries_lc);
-    EXPECT_EQ(registry.selectDll(PLUGIN_FILE), 0);
-    EXPECT_EQ(registry.GetEntries(), "");
-    EXPECT_EQ(registry.selectDll("RegistryTestCopy.dll"), 0);
-    EXPECT_EQ(registry.GetEntries(), allEntries_lc);
+    EXPECT_EQ(GetEntries(copy), allEntries_lc);
+    EXPECT_EQ(Select(PLUGIN_FILE, copy), "");
+    EXPECT_EQ(Select("RegistryTestCopy.dll", copy), allEntries_lc);
     std::filesystem::remove(copy);
 }
 
 TEST(RegistryTest, SelectsByFileName)
 {
-    const Registry registry(PLUGIN_FILE);
-    const struct
-    {
-        const char* path;
-        const char* entries;
-    } cases[] = {
-        {PLUGIN_FILE, allEntries_lc},
-        {"ExpressionEvaluator.dll.old", ""},
-        {"/elsewhere/ExpressionEvaluator.dll", allEntries_lc},
-        {"expressionevaluator.dll", ""},
-        {"ExpressionEvaluator.dll", allEntries_lc},
-        {"ExpressionEvaluator.dll/", ""},
-    };
-    for (const auto& row : cases) {
-        EXPECT_EQ(registry.selectDll(row.path), 0) << row.path;
-        EXPECT_EQ(registry.GetEntries(), row.entries) << row.path;
+    for (const char* other : {"ExpressionEvaluator.dll.old", "expressionevaluator.dll", "ExpressionEvaluator.dll/"}) {
+        EXPECT_EQ(Select(other), "") << other;
+        for (const char* own : {PLUGIN_FILE, "/elsewhere/ExpressionEvaluator.dll", "ExpressionEvaluator.dll"})
+            EXPECT_EQ(Select(own), allEntries_lc) << own;
     }
 }
 
 TEST(RegistryTest, SelectsTestsByTheBareName)
 {
-    const Registry registry(PLUGIN_FILE);
+    const auto select = Find<void(const std::string&)>(
+        "_Z28DllRegistrySelectDllForTestsRKNSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEE");
     AutomaticTestEntry entry(L"mine", L"", 7, nullptr);
-    registry.selectDllForTests("a/ExpressionEvaluator.dll");
-    EXPECT_FALSE(registry.tryGetNextAutomaticTest(0, entry));
-    registry.selectDllForTests("ExpressionEvaluator.dll");
-    EXPECT_FALSE(registry.tryGetNextAutomaticTest(-1, entry));
-    EXPECT_FALSE(registry.tryGetNextAutomaticTest(1, entry));
+    select("a/ExpressionEvaluator.dll");
+    EXPECT_FALSE(TryGetTest(PLUGIN_FILE, 0, entry));
+    select("ExpressionEvaluator.dll");
+    EXPECT_FALSE(TryGetTest(PLUGIN_FILE, -1, entry));
+    EXPECT_FALSE(TryGetTest(PLUGIN_FILE, 1, entry));
     EXPECT_EQ(entry.name, L"mine");
-    EXPECT_TRUE(registry.tryGetNextAutomaticTest(0, entry));
+    EXPECT_TRUE(TryGetTest(PLUGIN_FILE, 0, entry));
     EXPECT_EQ(entry.name, L"ExpressionEvaluator");
     EXPECT_EQ(entry.title, L"Expression evaluator");
     EXPECT_EQ(entry.kind, 1u);
@@ -129,30 +107,19 @@ TEST(RegistryTest, ReportsOnceThatAFileNameCouldNotBeFound)
 
 TEST(RegistryTest, FactoriesAreExported)
 {
-    const Registry registry(PLUGIN_FILE);
     for (const char* symbol : {"_Z26CreateCommandAssertCommandv", "_Z17CreateCommandCalcv", "_Z15CreateCommandIfv",
              "_Z23CreateCommandSetCommandv", "_Z18CreateCommandWhilev"}) {
-        const std::unique_ptr<CommandBase> command(registry.Find<CommandBase*()>(symbol)());
+        const std::unique_ptr<CommandBase> command(Find<CommandBase*()>(symbol)());
         EXPECT_STREQ(command->GetSourceCodeTimestamp(), "Fri Sep  8 16:51:25 2023") << symbol;
         EXPECT_EQ(command->GetFlags(), 0xC0000040u) << symbol;
     }
 }
 
-TEST(RegistryTest, TextsStandInSectionsOfTheFile)
+TEST(RegistryTest, TheVersionStandsInASectionOfTheFile)
 {
     std::string text;
     ASSERT_TRUE(EmbeddedResource::TryReadSection(PLUGIN_FILE, ".ov.version", text));
     EXPECT_EQ(text,
-        "Version: 6.0.6.5480\n"
-        "ProductName: OrvaneX9\n"
-        "FirmwareType: E168\n"
-        "FileName: ExpressionEvaluator.dll\n"
-        "Purpose: Firmware\n"
-        "Timestamp: 20240815 16:24:08\n"
-        "\n");
-    EXPECT_EQ(text.size(), 143u);
-    ASSERT_TRUE(EmbeddedResource::TryReadSection(PLUGIN_FILE, ".ov.HELP.TXT", text));
-    EXPECT_EQ(text.size(), 1247u);
-    ASSERT_TRUE(EmbeddedResource::TryReadSection(PLUGIN_FILE, ".ov.FUNCTIONS.TXT", text));
-    EXPECT_EQ(text.size(), 16042u);
+        "Version: 6.0.6.5480\nProductName: OrvaneX9\nFirmwareType: E168\n"
+        "FileName: ExpressionEvaluator.dll\nPurpose: Firmware\nTimestamp: 20240815 16:24:08\n\n");
 }

@@ -1,4 +1,5 @@
 #include "Support/Expressions.h"
+#include "Support/HostTexts.h"
 
 namespace {
 std::string Postfix(const std::string& expression)
@@ -7,14 +8,6 @@ std::string Postfix(const std::string& expression)
     EETokenStack postfix;
     return evaluator.Infix2Postfix(WString::FromUtf8(expression), postfix) ? postfix.ToString(false).ToUtf8()
                                                                            : DescribeError(evaluator);
-}
-
-std::string Repeat(const std::string& text, int count)
-{
-    std::string result;
-    for (int i = 0; i < count; ++i)
-        result += text;
-    return result;
 }
 } // namespace
 

@@ -2,41 +2,15 @@
 // Outcomes are written as in Support/Expressions.h; a line that begins with "//" is a comment.
 
 #include "Shell/Labsh.h"
-#include "Support/Expressions.h"
-
-#include <algorithm>
-#include <filesystem>
-#include <sstream>
+#include "Support/ExpressionFile.h"
 
 namespace {
 namespace fs = std::filesystem;
-
-std::vector<ExpressionRow> ReadRows(const fs::path& file)
-{
-    const std::string arrow = " => ";
-    std::vector<ExpressionRow> rows;
-    std::istringstream lines(TemporaryFolder::ReadFile(file));
-    for (std::string line; std::getline(lines, line);) {
-        const std::size_t at = line.find(arrow);
-        if (at != std::string::npos && !line.starts_with("//"))
-            rows.push_back({line.substr(0, at), line.substr(at + arrow.size())});
-    }
-    return rows;
-}
 
 bool IsValue(const std::string& expression)
 {
     EEToken value;
     return ExpressionEvaluator(nullptr, 0).TryEvaluate(WString::FromUtf8(expression), value);
-}
-
-std::vector<fs::path> ListFiles()
-{
-    std::vector<fs::path> files;
-    for (const auto& entry : fs::directory_iterator(SOURCE_DIR "/Tests/Expressions"))
-        files.push_back(entry.path());
-    std::ranges::sort(files);
-    return files;
 }
 } // namespace
 
@@ -47,7 +21,6 @@ TEST_P(ExpressionFilesTest, GiveWhatTheySayInAFreshAndInAReusedEvaluator)
 {
     ExpressionEvaluator reused(nullptr, 0);
     const std::vector<ExpressionRow> rows = ReadRows(GetParam());
-    EXPECT_FALSE(rows.empty());
     for (const ExpressionRow& row : rows) {
         EXPECT_EQ(Outcome(row.expression), row.outcome) << row.expression;
         EXPECT_EQ(Outcome(reused, row.expression), row.outcome) << row.expression;
@@ -69,5 +42,5 @@ TEST_P(ExpressionFilesTest, GiveTheSameValuesAsFunctionArgumentsAndThroughTheShe
     EXPECT_EQ(Labsh({"-k"}, script).Finish(), expected + "exit 0");
 }
 
-INSTANTIATE_TEST_SUITE_P(Expressions, ExpressionFilesTest, testing::ValuesIn(ListFiles()),
+INSTANTIATE_TEST_SUITE_P(Expressions, ExpressionFilesTest, testing::ValuesIn(ListTestFiles("Expressions")),
     [](const testing::TestParamInfo<fs::path>& file) { return file.param.stem().string(); });

@@ -22,15 +22,20 @@ protected:
         usage.TryGetUsageValue(name, value);
         return value;
     }
-    /// Increments as a process of its own does.
-    bool IncrementOften(int times) const
+    static bool IncrementOften(UsageLog& log)
+    {
+        for (int i = 0; i < 400; ++i) {
+            if (!log.Increment(L"Shared"))
+                return false;
+        }
+        return true;
+    }
+    /// As a process of its own does.
+    bool OpenAndIncrementOften() const
     {
         UsageLog mine;
         mine.Open(path);
-        for (int i = 0; i < times; ++i)
-            if (!mine.Increment(L"Shared"))
-                return false;
-        return true;
+        return IncrementOften(mine);
     }
 };
 
@@ -38,11 +43,8 @@ TEST_F(UsageCounters, AreFoundInAnyCaseAndKeepTheirFirstSpelling)
 {
     usage.Open(path);
     EXPECT_FALSE(usage.TryDelete(L"Türen"));
-    EXPECT_TRUE(usage.Increment(L"Türen"));
-    EXPECT_TRUE(usage.Increment(L"TÜREN", 5));
-    EXPECT_TRUE(usage.Increment(L"a'b\"; --", -3));
-    EXPECT_TRUE(usage.Set(L"Lamp", 7));
-    EXPECT_TRUE(usage.Set(L"LAMP", 8));
+    EXPECT_TRUE(usage.Increment(L"Türen") && usage.Increment(L"TÜREN", 5) && usage.Increment(L"a'b\"; --", -3));
+    EXPECT_TRUE(usage.Set(L"Lamp", 7) && usage.Set(L"LAMP", 8));
     usage.Open(path);
     WStringArray names;
     usage.GetNames(names);
@@ -61,87 +63,58 @@ TEST_F(UsageCounters, SaturateForReadersAndNeverWrap)
     usage.Set(L"Low", -2147483649LL);
     EXPECT_EQ(Get(L"High"), INT_MAX);
     EXPECT_EQ(Get(L"Low"), INT_MIN);
-    EXPECT_TRUE(usage.Increment(L"High", -1));
-    EXPECT_EQ(Get(L"High"), 2147483647);
-    EXPECT_TRUE(usage.Increment(L"High", -2147483646));
+    EXPECT_TRUE(usage.Increment(L"High", -INT_MAX));
     EXPECT_EQ(Get(L"High"), 1) << "the full count is kept";
-
     usage.Set(L"Full", LLONG_MAX);
     usage.Increment(L"Full");
     usage.Increment(L"Full", -LLONG_MAX);
     EXPECT_EQ(Get(L"Full"), 0) << "a sum beyond 64 bits changes nothing";
 }
 
-TEST_F(UsageCounters, WithoutAFileNothingIsCounted)
-{
-    EXPECT_FALSE(usage.Increment(L"X"));
-    EXPECT_FALSE(usage.Set(L"X", 1));
-    EXPECT_FALSE(usage.TryDelete(L"X"));
-    EXPECT_EQ(Get(L"X"), -1);
-    WStringArray names = {L"old"};
-    usage.GetNames(names);
-    EXPECT_TRUE(names.IsEmpty());
-}
-
-TEST_F(UsageCounters, FilesThatDoNotServeAreReported)
+TEST_F(UsageCounters, FilesThatDoNotServeAreReportedAndNothingIsCounted)
 {
     folder.Write("text", "This is no database, however long the text of this file may be.\n");
-    const struct
-    {
-        const char* name;
-        const char* reason;
-    } rows[] = {
-        {"text", "file is not a database"},
-        {"absent/Usage.db", "unable to open database file"},
-        {".", "unable to open database file"},
-    };
-    for (const auto& row : rows) {
+    const std::pair<const char*, const char*> rows[] = {{"text", "file is not a database"},
+        {"absent/Usage.db", "unable to open database file"}, {".", "unable to open database file"}};
+    for (const auto& [name, reason] : rows) {
         usage.Open(path);
-        EXPECT_EQ(GetThrown([&] { usage.Open(folder.Path(row.name)); }),
-            "0:1:10 File error: " + folder.Path(row.name) + ": " + row.reason);
-        EXPECT_FALSE(usage.Increment(L"X"));
+        EXPECT_EQ(GetThrown([&] { usage.Open(folder.Path(name)); }),
+            "0:1:10 File error: " + folder.Path(name) + ": " + reason);
+        EXPECT_FALSE(usage.Increment(L"X") || usage.Set(L"X", 1) || usage.TryDelete(L"X"));
+        EXPECT_EQ(Get(L"X"), -1);
+        WStringArray names = {L"old"};
+        usage.GetNames(names);
+        EXPECT_TRUE(names.IsEmpty());
     }
 }
 
 TEST_F(UsageCounters, SurviveTheEndOfTheProcess)
 {
     ChildProcess child([&] {
+        OpenAndIncrementOften();
         UsageLog mine;
         mine.Open(path);
-        for (int i = 0; i < 5; ++i)
-            mine.Increment(L"Shared");
+        mine.Increment(L"Shared");
         raise(SIGKILL); // as the file is, with the lock and the journal of a process that is gone
         return true;
     });
     EXPECT_FALSE(child.Wait());
     usage.Open(path);
-    EXPECT_EQ(Get(L"Shared"), 5);
+    EXPECT_EQ(Get(L"Shared"), 401);
     EXPECT_TRUE(usage.Increment(L"Shared"));
-    EXPECT_EQ(Get(L"Shared"), 6);
 }
 
-TEST_F(UsageCounters, ProcessesThatCountAtOnceLoseNothing)
+TEST_F(UsageCounters, ProcessesAndThreadsThatCountAtOnceLoseNothing)
 {
-    ChildProcess first([&] { return IncrementOften(400); }); // both make the file, too
-    ChildProcess second([&] { return IncrementOften(400); });
-    EXPECT_TRUE(first.Wait());
-    EXPECT_TRUE(second.Wait());
+    ChildProcess first([&] { return OpenAndIncrementOften(); }); // both make the file, too
+    ChildProcess second([&] { return OpenAndIncrementOften(); });
+    EXPECT_TRUE(first.Wait() && second.Wait());
     usage.Open(path);
     EXPECT_EQ(Get(L"Shared"), 800);
-}
-
-TEST_F(UsageCounters, ThreadsThatCountAtOnceLoseNothing)
-{
-    usage.Open(path);
-    const auto run = [&] {
-        for (int i = 0; i < 200; ++i)
-            usage.Increment(L"Shared");
-    };
-    std::thread first(run);
-    std::thread second(run);
-    first.join();
-    second.join();
-    EXPECT_EQ(Get(L"Shared"), 400);
+    std::thread thread([&] { IncrementOften(usage); });
+    IncrementOften(usage);
+    thread.join();
+    EXPECT_EQ(Get(L"Shared"), 1600);
 }
 
 TEST_F(UsageCounters, AFolderThatCannotBeWrittenIsReadAlone)
@@ -155,15 +128,10 @@ TEST_F(UsageCounters, AFolderThatCannotBeWrittenIsReadAlone)
     fs::permissions(inner, fs::perms(0555));
     fs::permissions(folder.GetPath(), fs::perms(0755));
     EXPECT_TRUE(RunUnprivileged([&] {
-        UsageLog mine;
-        mine.Open(inner + "/Usage.db");
-        int value = 0;
-        return mine.TryGetUsageValue(L"X", value) && value == 7 && !mine.Increment(L"X") && !mine.Set(L"X", 1);
-    }));
-    EXPECT_TRUE(RunUnprivileged([&] {
-        UsageLog mine;
-        return GetThrown([&] { mine.Open(inner + "/None.db"); }) ==
-            "0:1:10 File error: " + inner + "/None.db: unable to open database file";
+        usage.Open(inner + "/Usage.db");
+        return Get(L"X") == 7 && !usage.Increment(L"X") && !usage.Set(L"X", 1) && GetThrown([&] {
+            usage.Open(inner + "/None.db");
+        }) == "0:1:10 File error: " + inner + "/None.db: unable to open database file";
     }));
     fs::permissions(inner, fs::perms(0755));
 }

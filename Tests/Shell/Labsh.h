@@ -32,6 +32,11 @@ public:
 
     void Start(std::vector<std::string> arguments, const std::string& input = "");
     void Interrupt() const { kill(id, SIGINT); }
+    bool IsRunning() const
+    {
+        siginfo_t ended = {};
+        return waitid(P_PID, static_cast<id_t>(id), &ended, WEXITED | WNOHANG | WNOWAIT) == 0 && ended.si_pid == 0;
+    }
     /// The exit status; 128 and the number of a signal that ended the process.
     int Wait();
     int Run(std::vector<std::string> arguments, const std::string& input = "")

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <poll.h>
 #include <pty.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -51,9 +52,11 @@ private:
 
     std::string ReadTo(const std::string& mark)
     {
+        constexpr int patience = 60000; // milliseconds, for a shell that has stopped answering
         std::string text;
         for (char byte = 0; !text.ends_with(mark); text += byte) {
-            if (read(terminal, &byte, 1) != 1)
+            pollfd input = {terminal, POLLIN, 0};
+            if (poll(&input, 1, patience) != 1 || read(terminal, &byte, 1) != 1)
                 return "";
         }
         return text;

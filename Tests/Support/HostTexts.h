@@ -21,6 +21,14 @@ inline std::string Join(const WStringArray& texts)
     return joined;
 }
 
+inline std::string Repeat(const std::string& text, int count)
+{
+    std::string repeated;
+    for (int index = 0; index < count; ++index)
+        repeated += text;
+    return repeated;
+}
+
 /// What the function throws: an exit code with the host's message behind it, or "" for nothing.
 template <typename Function>
 std::string GetThrown(Function&& run)

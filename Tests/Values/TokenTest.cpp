@@ -5,10 +5,8 @@
 
 #include <climits>
 #include <cmath>
-#include <functional>
 #include <gtest/gtest.h>
-#include <sstream>
-#include <vector>
+#include <tuple>
 
 namespace {
 template <typename Setter>
@@ -70,40 +68,6 @@ std::string Cast(const EEToken& token)
 }
 } // namespace
 
-TEST(TokenTest, SettersChangeWhatTheyNameAndNothingElse)
-{
-    const ExpressionEvaluatorException placed(4, L"bad", 9);
-    const ExpressionEvaluatorException unplaced(4, L"bad", -1);
-    struct Case
-    {
-        std::function<void(EEToken&)> set;
-        const char* state;
-    };
-    const Case cases[] = {
-        {[](EEToken&) {}, "7/8 'x' @5, code 133, missing"},
-        {[](EEToken& token) { token.SetValue(L"12"); }, "7/4 '12' @5, code 133"},
-        {[](EEToken& token) { token.SetValue(WString(L"12")); }, "7/4 '12' @5, code 133"},
-        {[](EEToken& token) { token.SetValue(0.25); }, "7/1 '' @5, code 133"},
-        {[](EEToken& token) { token.SetValue(true); }, "7/2 '' @5, code 133"},
-        {[](EEToken& token) { token.SetNA(); }, "7/0 '#NA' @5, code 133, missing"},
-        {[](EEToken& token) { token.SetTypeErr(); }, "7/8 '#TYPE' @5, code 133, missing"},
-        {[](EEToken& token) { token.SetException(4, L"bad"); }, "7/8 'bad' @5, code 4, missing"},
-        {[&](EEToken& token) { token.SetException(placed); }, "7/8 'bad' @9, code 4, missing"},
-        {[&](EEToken& token) { token.SetException(unplaced); }, "7/8 'bad' @5, code 4, missing"},
-        {[](EEToken& token) { token.ClearError(); }, "7/8 'x' @5, code 0"},
-        {[](EEToken& token) { token.SetType(TT_LEFTP); }, "1/8 'x' @5, code 133, missing"},
-        {[](EEToken& token) { token.SetToken(TT_LEFTP, L'('); }, "1/8 '(' @5, code 133"},
-        {[](EEToken& token) { token.SetToken(TT_BINARYOP, L"<>"); }, "4/8 '<>' @5, code 133"},
-    };
-    for (const Case& c : cases) {
-        EEToken token(TT_NONE, L'?', 5);
-        token.SetException(133, L"Divide by zero");
-        token.SetMissingVariable(L"x");
-        c.set(token);
-        EXPECT_EQ(StateOf(token), c.state);
-    }
-}
-
 TEST(TokenTest, CopiesShareNothingAndAreCounted)
 {
     const int countBefore = GetDebugObjectCountExpressionEvaluator_EEToken();
@@ -124,114 +88,44 @@ TEST(TokenTest, CopiesShareNothingAndAreCounted)
     EXPECT_EQ(GetDebugObjectCountExpressionEvaluator_EEToken(), countBefore);
 }
 
-TEST(TokenTest, PriorityIsThatOfTheOperator)
-{
-    const std::vector<const wchar_t*> namesByPriority[] = {{}, {L"and", L"OR", L"Xor"},
-        {L"=", L">", L"<", L"<>", L">=", L"<="}, {L"+", L"-", L"&"}, {L"*", L"/"}, {L"^"}, {L"\u00B1"},
-        {L"(", L",", L"", L"><", L"ands", L"an", L"xor and or"}};
-    int priority = 0;
-    for (const auto& names : namesByPriority) {
-        for (const wchar_t* name : names) {
-            EEToken token(TT_BINARYOP, name);
-            EXPECT_EQ(token.GetPriority(), priority) << StateOf(token);
-            EXPECT_EQ(token.IsRightAssoc(), priority == 5) << StateOf(token);
-        }
-        ++priority;
-    }
-    EXPECT_EQ(EEToken(TT_FUNCOP, L"or").GetPriority(), 7);
-    EXPECT_EQ(EEToken(TT_OPERAND, L"or").GetPriority(), -1);
-
-    EEToken token = plus_lc;
-    EXPECT_EQ(token.GetPriority(), 3);
-    token.SetText(L"*", 1);
-    EXPECT_EQ(token.GetPriority(), 3); // kept until the type is set
-    token.SetType(TT_BINARYOP);
-    EXPECT_EQ(token.GetPriority(), 4);
-    token.SetToken(TT_BINARYOP, L'=');
-    EXPECT_EQ(token.GetPriority(), 2);
-}
-
 TEST(TokenTest, Conversions)
 {
-    struct Case
-    {
-        EEToken token;
-        const char* outcomes; // GetNumber, ToNumber, GetBool, GetWString without and with conversion; casts; NA
-    };
-    const Case cases[] = {
-        {Operand(0.25), "0.25 0.25 #6 #8 0.25; 0.25 false"},
-        {literal_lc, "1.5 1.5 #6 #8 1.50; 1.5 false"},
-        {Operand(0.0), "0 0 #6 #8 0; 0 true"},
-        {Operand(-2.2e-15), "-2.2e-15 -2.2e-15 #6 #8 -2.2e-15; -2.2e-15 true"},
+    // GetNumber, ToNumber, GetBool, GetWString without and with conversion; casts; NA
+    const std::pair<EEToken, const char*> cases[] = {{literal_lc, "1.5 1.5 #6 #8 1.50; 1.5 false"},
+        {Operand(0.0), "0 0 #6 #8 0; 0 true"}, {Operand(-2.2e-15), "-2.2e-15 -2.2e-15 #6 #8 -2.2e-15; -2.2e-15 true"},
         {Operand(2.3e-15), "2.3e-15 2.3e-15 #6 #8 2.3e-15; 2.3e-15 false"},
-        {Operand(INFINITY), "#149 #2 #6 #8 inf; - false"},
-        {Operand(-INFINITY), "#149 #2 #6 #8 -inf; - false"},
-        {Operand(std::nan("")), "#150 #2 #6 #8 nan; - false"},
-        {Operand(true), "#143 1 true #8 TRUE; 1 true"},
+        {Operand(INFINITY), "#149 #2 #6 #8 inf; - false"}, {Operand(-INFINITY), "#149 #2 #6 #8 -inf; - false"},
+        {Operand(std::nan("")), "#150 #2 #6 #8 nan; - false"}, {Operand(true), "#143 1 true #8 TRUE; 1 true"},
         {Operand(false), "#143 0 false #8 FALSE; 0 false"},
-        {Operand(L"-12.5e1"), "-125 -125 #6 -12.5e1 -12.5e1; -125 -"},
-        {Operand(L"fF"), "255 255 #6 fF fF; 255 -"},
+        {Operand(L"-12.5e1"), "-125 -125 #6 -12.5e1 -12.5e1; -125 -"}, {Operand(L"fF"), "255 255 #6 fF fF; 255 -"},
         {Operand(L"0xFFFFFFFF"), "4294967295 4294967295 #6 0xFFFFFFFF 0xFFFFFFFF; 4294967295 -"},
         {Operand(L"0x100000000"), "#4 #2 #6 0x100000000 0x100000000; - -"},
-        {Operand(L"1e+999"), "#4 #2 #6 1e+999 1e+999; - -"},
-        {Operand(L"False"), "#4 #2 #6 False False; - false"},
-        {Operand(L""), "#4 #2 #6  ; - -"},
-        {numberOrText_lc, "#4 #2 #6 #8 #8; - -"},
-        {na_lc, "#0 #0 #0 #0 #0; - - NA"},
-        {error_lc, "#133 #133 #133 #133 #133; - -"},
-        {missing_lc, "#48 #0 #48 #48 #48; - - NA"},
-        {plus_lc, "#0 #0 #0 #0 #0; - - NA"},
-    };
-    for (const Case& c : cases) {
-        const EEToken& token = c.token;
-        std::ostringstream outcomes;
-        outcomes << Outcome([&] { return token.GetNumber(); }) << " " << Outcome([&] { return token.ToNumber(); })
-                 << " " << Outcome([&] { return token.GetBool(); }) << " "
-                 << Outcome([&] { return token.GetWString(false); }) << " "
-                 << Outcome([&] { return WString(token.GetString(true)); }) << "; " << Cast<double>(token) << " "
-                 << Cast<bool>(token) << (token.IsNa() ? " NA" : "");
-        EXPECT_EQ(outcomes.str(), c.outcomes) << StateOf(token);
-    }
-}
-
-TEST(TokenTest, ValuesOfJustOneType)
-{
-    struct Case
-    {
-        EEToken token;
-        const char* values; // whether found and value: number (and whether it has a text), boolean, text
-    };
-    const Case cases[] = {{Operand(2.5), "1:2.5 computed, 0:0, 0:''"}, {literal_lc, "1:1.5 written, 0:0, 0:''"},
-        {Operand(true), "0:1 computed, 1:1, 0:''"}, {Operand(L"7"), "0:1 written, 0:0, 1:'7'"},
-        {error_lc, "0:1 written, 0:0, 0:''"}, {plus_lc, "0:1 written, 0:0, 0:''"}};
-    for (const Case& c : cases) {
-        double number = 5;
-        bool hasText = false;
-        bool boolean = true;
-        WString text = L"old";
-        const int foundNumber = c.token.TryGetValue(&number, &hasText);
-        const int foundBoolean = c.token.TryGetValue(&boolean);
-        const int foundText = c.token.TryGetValue(text);
-        EXPECT_EQ(WString::Format(L"%d:%g %s, %d:%d, %d:'%s'", foundNumber, number, hasText ? L"written" : L"computed",
-                      foundBoolean, boolean ? 1 : 0, foundText, text)
-                      .ToUtf8(),
-            c.values);
-        EXPECT_EQ(c.token.TryGetValue(&number, nullptr), foundNumber != 0);
+        {Operand(L"1e+999"), "#4 #2 #6 1e+999 1e+999; - -"}, {Operand(L"False"), "#4 #2 #6 False False; - false"},
+        {Operand(L""), "#4 #2 #6  ; - -"}, {numberOrText_lc, "#4 #2 #6 #8 #8; - -"}, {na_lc, "#0 #0 #0 #0 #0; - - NA"},
+        {error_lc, "#133 #133 #133 #133 #133; - -"}, {missing_lc, "#48 #0 #48 #48 #48; - - NA"},
+        {plus_lc, "#0 #0 #0 #0 #0; - - NA"}};
+    for (const auto& [value, outcomes] : cases) {
+        const EEToken& token = value;
+        const std::string found = Outcome([&] { return token.GetNumber(); }) + " " +
+            Outcome([&] { return token.ToNumber(); }) + " " + Outcome([&] { return token.GetBool(); }) + " " +
+            Outcome([&] { return token.GetWString(false); }) + " " +
+            Outcome([&] { return WString(token.GetString(true)); }) + "; " + Cast<double>(token) + " " +
+            Cast<bool>(token) + (token.IsNa() ? " NA" : "");
+        EXPECT_EQ(found, outcomes) << StateOf(token);
     }
 }
 
 TEST(TokenTest, IntegersAreTruncatedWithinTheirRange)
 {
-    const auto integer = [](double value, int min, int max) {
-        return Outcome([&] { return static_cast<double>(Operand(value).GetInteger(min, max)); });
-    };
-    EXPECT_EQ(integer(9.9, 0, 10), "9");
-    EXPECT_EQ(integer(-1.5, -2, 10), "-1");
-    EXPECT_EQ(integer(10.7, 0, 10), "#50");
-    EXPECT_EQ(integer(-0.5, 0, 10), "#50");
-    EXPECT_EQ(integer(2147483647.0, INT_MIN, INT_MAX), "2147483647");
-    EXPECT_EQ(integer(2147483647.5, INT_MIN, INT_MAX), "#50");
-    EXPECT_EQ(integer(-2147483648.0, INT_MIN, INT_MAX), "-2147483648");
+    const std::tuple<double, int, int, const char*> rows[] = {{9.9, 0, 10, "9"}, {-1.5, -2, 10, "-1"},
+        {10.7, 0, 10, "#50"}, {-0.5, 0, 10, "#50"}, {2147483647.0, INT_MIN, INT_MAX, "2147483647"},
+        {2147483647.5, INT_MIN, INT_MAX, "#50"}, {-2147483648.0, INT_MIN, INT_MAX, "-2147483648"}};
+    for (const auto& row : rows) {
+        const auto& [value, min, max, outcome] = row;
+        const EEToken token = Operand(value);
+        const int limits[] = {min, max};
+        EXPECT_EQ(Outcome([&] { return double(token.GetInteger(limits[0], limits[1])); }), outcome) << value;
+    }
 }
 
 TEST(TokenTest, TheEleventhTextTakesTheSlotOfTheFirst)
@@ -246,44 +140,21 @@ TEST(TokenTest, TheEleventhTextTakesTheSlotOfTheFirst)
 
 TEST(TokenTest, TextsForDisplayAndLog)
 {
-    struct Case
-    {
-        EEToken token;
-        const char* text;
-        const char* dump;
-    };
-    const Case cases[] = {
-        {EEToken(), "#UnknownVariable", "Type: TT_NONE, DataType: DT_NONE, "},
-        {EEToken(TT_NONE, L"x"), "#UnknownVariable", "Type: TT_NONE, DataType: DT_NONE, x"},
-        {EEToken(TT_END, L""), "#UnknownVariable", "Type: TT_END, DataType: DT_NONE, "},
-        {EEToken(TT_PRMSEP, L","), ",", "Type: TT_PRMSEP, DataType: DT_NONE, ,"},
-        {EEToken(10, L"?"), "?", "Type: #Unk(10), DataType: DT_NONE, ?"},
-        {literal_lc, "1.50", "Type: TT_OPERAND, DataType: DT_NUM, Value: 1.50"},
-        {Operand(L"100%s"), "100%s", "Type: TT_OPERAND, DataType: DT_STR, Value: 100%s"},
-        {Operand(L""), "", "Type: TT_OPERAND, DataType: DT_STR, Value: "},
-        {numberOrText_lc, "x", "Type: TT_OPERAND, DataType: DT_NUMSTR, Value: x"},
-        {EEToken(TT_OPERAND, L""), "#NA1", "Type: TT_OPERAND, DataType: DT_NONE, Value: #NA1"},
-        {OperandAfter([](EEToken& token) { token.SetException(4, L""); }), "#DT=8",
-            "Type: TT_OPERAND, DataType: DT_ERR (missingVar=0), Value: #DT=8"},
-        {missing_lc, "kaka", "Type: TT_OPERAND, DataType: DT_ERR (missingVar=1), Value: kaka"},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(c.token.ToString().ToUtf8(), c.text);
-        EXPECT_EQ(c.token.GetDumpString().ToUtf8(), c.dump);
+    const EEToken untold = OperandAfter([](EEToken& token) { token.SetException(4, L""); });
+    const std::tuple<EEToken, const char*, const char*> cases[] = {
+        {EEToken(TT_NONE, L"x"), "#UnknownVariable", "TT_NONE, DataType: DT_NONE, x"},
+        {EEToken(TT_END, L""), "#UnknownVariable", "TT_END, DataType: DT_NONE, "},
+        {EEToken(10, L"?"), "?", "#Unk(10), DataType: DT_NONE, ?"},
+        {literal_lc, "1.50", "TT_OPERAND, DataType: DT_NUM, Value: 1.50"},
+        {Operand(L"100%s"), "100%s", "TT_OPERAND, DataType: DT_STR, Value: 100%s"},
+        {numberOrText_lc, "x", "TT_OPERAND, DataType: DT_NUMSTR, Value: x"},
+        {EEToken(TT_OPERAND, L""), "#NA1", "TT_OPERAND, DataType: DT_NONE, Value: #NA1"},
+        {untold, "#DT=8", "TT_OPERAND, DataType: DT_ERR (missingVar=0), Value: #DT=8"},
+        {missing_lc, "kaka", "TT_OPERAND, DataType: DT_ERR (missingVar=1), Value: kaka"}};
+    for (const auto& [token, text, dump] : cases) {
+        EXPECT_EQ(token.ToString().ToUtf8(), text);
+        EXPECT_EQ(token.GetDumpString().ToUtf8(), std::string("Type: ") + dump);
     }
-}
-
-TEST(TokenTest, ErrorsAreThrownWhole)
-{
-    EXPECT_EQ(ThrownBy([] { Operand(true).GetNumber(); }), "143 Boolean is not a number @7");
-    EXPECT_EQ(ThrownBy([] { Operand(L"x").GetNumber(); }), "4 Type mismatch @7");
-    EXPECT_EQ(ThrownBy([] { Operand(INFINITY).GetNumber(); }), "149 Number is infinite @-1");
-    EXPECT_EQ(ThrownBy([] { Operand(std::nan("")).GetNumber(); }), "150 Not a number @-1");
-    EXPECT_EQ(ThrownBy([] { Operand(L"x").ToNumber(); }), "2 Type mismatch @7");
-    EXPECT_EQ(ThrownBy([] { missing_lc.ToNumber(); }), "0 kaka @7");
-    EXPECT_EQ(ThrownBy([] { Operand(11.0).GetInteger(0, 10); }), "50 Argument value out of range @7");
-    EXPECT_EQ(ThrownBy([] { Operand(1.0).GetBool(); }), "6 Type mismatch @7");
-    EXPECT_EQ(ThrownBy([] { Operand(1.0).GetWString(false); }), "8 Type mismatch @7");
 }
 
 TEST(TokenTest, CarriedErrorsAsExceptionAndAsExitCode)
@@ -293,30 +164,39 @@ TEST(TokenTest, CarriedErrorsAsExceptionAndAsExitCode)
     };
     EEToken numberedMissing = error_lc;
     numberedMissing.SetMissingVariable(L"kaka");
-    struct Case
-    {
-        EEToken token;
-        const char* thrown;
-        const char* message;
-    };
-    const Case cases[] = {
-        {Operand(L""), "nothing", "1:2:3 as before @99"},
-        {na_lc, "0 #NA @7", "1:2:3 as before @99"},
-        {plus_lc, "0 + @7", "1:2:3 as before @99"},
+    const std::tuple<EEToken, const char*, const char*> cases[] = {{Operand(L""), "nothing", "1:2:3 as before @99"},
+        {na_lc, "0 #NA @7", "1:2:3 as before @99"}, {plus_lc, "0 + @7", "1:2:3 as before @99"},
         {error_lc, "133 Divide by %t @7", "0:505:133 Divide by %t @7"},
         {typeError_lc, "0 #TYPE @7", "0:505:123 #TYPE @7"},
         {missing_lc, "missing kaka: 48 Missing variable: kaka @7", "0:505:48 kaka @7"},
         {numberedMissing, "missing kaka: 48 Missing variable: kaka @7", "0:505:133 kaka @7"},
         {foreign(L"1043:505:133"), "911 1043:505:133 @7", "1043:505:133 #Error: 1043:505:133 @7"},
-        {foreign(L"1:2:3:4"), "911 1:2:3:4 @7", "0:505:911 #Error: 1:2:3:4 @7"},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(ThrownBy([&] { c.token.RethrowError(); }), c.thrown);
+        {foreign(L"1:2:3:4"), "911 1:2:3:4 @7", "0:505:911 #Error: 1:2:3:4 @7"}};
+    for (const auto& [value, thrown, expected] : cases) {
+        const EEToken& token = value;
+        EXPECT_EQ(ThrownBy([&] { token.RethrowError(); }), thrown);
         ExitCode code(1, 2, 3);
         WString message = L"as before";
         int position = 99;
-        const bool isError = c.token.TryGetErrorMessage(code, message, position);
-        EXPECT_EQ(isError, position == 7) << c.thrown;
-        EXPECT_EQ(WString::Format(L"%s %s @%d", code.ToString(), message, position).ToUtf8(), c.message);
+        const bool isError = token.TryGetErrorMessage(code, message, position);
+        EXPECT_EQ(isError, position == 7) << thrown;
+        EXPECT_EQ(WString::Format(L"%s %s @%d", code.ToString(), message, position).ToUtf8(), expected);
     }
+}
+
+TEST(ErrorsTest, MessagesQuoteTheTokenAndNoPrefixIsPutTwice)
+{
+    const EEToken token = Operand(L"50%t");
+    const ExpressionEvaluatorException error(10, L"'%t' is not '%T', %s", &token, 3);
+    EXPECT_EQ(ThrownBy([&] { throw error; }), "10 '50%t' is not '50%t', %s @3");
+    const std::pair<const wchar_t*, const char*> rows[] = {{L"x", "missing x: 48 Missing variable: x @5"},
+        {L"Missing variable: x", "missing x: 48 Missing variable: x @5"},
+        {L"missing variable: x", "missing missing variable: x: 48 Missing variable: missing variable: x @5"},
+        {L"", "missing : 48 Missing variable:  @5"}};
+    for (const auto& [name, expected] : rows) {
+        const wchar_t* variable = name;
+        EXPECT_EQ(ThrownBy([&] { throw EEMissingVariableException(variable, 5); }), expected);
+    }
+    EXPECT_EQ(ThrownBy([] { CheckAndThrowExitCode(ExitCode(0, 505, 133)); }), "exit code 0:505:133");
+    EXPECT_EQ(ThrownBy([] { CheckAndThrowExitCode(ExitCode(7, 8, 0)); }), "exit code 0:505:132");
 }

@@ -3,8 +3,6 @@
 #include "Commands/CommandRunner.h"
 #include "Services/Abort.h"
 #include "Services/Clock.h"
-#include "Services/System.h"
-#include "Text/HostError.h"
 
 #include <algorithm>
 
@@ -45,10 +43,11 @@ void CommandBase::SignalHandler(const CommandReference&, unsigned int, Object*) 
 
 ExitCode CommandBase::Run(const WString& line, Pipe& output, unsigned int runFlags)
 {
-    const ExitCode code = CommandRunner::Run(line, output, environment, runFlags).code;
-    if (CommandRunner::EndsCallers(code))
-        throw code;
-    return code;
+    const CommandRunner::Outcome outcome = CommandRunner::Run(line, output, environment, runFlags);
+    if (CommandRunner::EndsCallers(outcome.code))
+        throw outcome.code;
+    runMessage = outcome.message;
+    return outcome.code;
 }
 
 void CommandBase::SendSignalGoAheadIfRequested() {}
@@ -60,9 +59,7 @@ void CommandBase::WaitForTimeControlPointIfRequested()
 
 void CommandBase::SleepAbortable(int milliseconds)
 {
-    const HostException failure(HostError::WrongArguments);
-    const double scale = System::config.GetDoubleOrUseDefault(L"Debug", L"SleepScale", 1.0, failure, 0.0, 1.0);
-    Sleep(static_cast<int>(milliseconds * scale));
+    Sleep(milliseconds);
 }
 
 void CommandBase::SleepWithoutSimulationMode(int milliseconds)

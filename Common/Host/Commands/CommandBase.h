@@ -74,15 +74,16 @@ protected:
     CommandBase& operator=(const CommandBase&) = delete;
 
     void SetFailureMessage(const WString& message) { failureMessage = message; }
+    /// What is known of the failure of the command that Run ran last; empty when it succeeded.
+    const WString& GetRunMessage() const noexcept { return runMessage; }
     /// Where a caller would be told that this command's arguments are accepted; in the bench shell nobody waits for
     /// that.
     void SendSignalGoAheadIfRequested();
     /// A point where the command may be held or ended: throws HostException(HostError::Aborted) when an abort is
     /// requested.
     void WaitForTimeControlPointIfRequested();
-    /// Both wait for the given time and throw HostException(HostError::Aborted) within 50 ms of an abort request. The
-    /// second always takes the full time; the first may be shortened by `[Debug] SleepScale` (a factor from 0 to 1,
-    /// default 1) so that long scripts can be tried.
+    /// Both wait for the given time and throw HostException(HostError::Aborted) within 50 ms of an abort request. At
+    /// the bench they do not differ: nothing there simulates time.
     void SleepAbortable(int milliseconds);
     void SleepWithoutSimulationMode(int milliseconds);
 
@@ -94,4 +95,5 @@ private:
     Environment environment;
     WString returnString;
     WString failureMessage;
+    WString runMessage;
 };

@@ -3,6 +3,7 @@
 #include "Commands/CommandBase.h"
 #include "Text/CharacterCase.h"
 #include "Text/HostError.h"
+#include "Text/QuoteTracker.h"
 
 #include <algorithm>
 
@@ -25,21 +26,21 @@ bool StartsWithOptionEnd(Text text)
     return text.starts_with(L"--") && (text.size() == 2 || IsWhiteSpace(text[2]));
 }
 
-/// Takes a word off the front of the text: up to the next blank outside double quotes, without the quotes.
+/// Takes a word off the front of the text: up to the next blank outside double quotes, without the quotes and without
+/// the backslashes that keep a quote from being one.
 WString TakeWord(Text& text)
 {
     WString word;
-    bool quoted = false;
-    std::size_t length = 0;
-    for (; length < text.size() && (quoted || !IsWhiteSpace(text[length])); ++length) {
-        if (text[length] == L'"')
-            quoted = !quoted;
-        else
-            word += text[length];
+    QuoteTracker quotes;
+    for (; !text.empty(); text.remove_prefix(1)) {
+        const QuoteTracker::Role role = quotes.Next(text);
+        if (role == QuoteTracker::Role::Outside && IsWhiteSpace(text.front()))
+            break;
+        if (role == QuoteTracker::Role::Outside || role == QuoteTracker::Role::Inside)
+            word += text.front();
     }
-    if (quoted)
+    if (quotes.IsInside())
         throw HostException(HostError::UnterminatedQuote);
-    text.remove_prefix(length);
     return word;
 }
 } // namespace

@@ -12,6 +12,7 @@ HOST_API void SplitName(const WString& line, WString& name, WString& rest);
 
 /// Takes apart what follows the name. An option is a dash and a letter, with its value up to the next blank; a dash
 /// before anything else starts an argument, and "--" ends the options. Double quotes group blanks and are dropped,
-/// except in a single argument. Throws HostException(UnterminatedQuote).
+/// except in a single argument; inside them \" and \\ stand for a quote and a backslash. Throws
+/// HostException(UnterminatedQuote).
 HOST_API void Parse(const WString& rest, unsigned int flags, ArgumentList& arguments, Options& options);
 } // namespace CommandLine

@@ -24,10 +24,11 @@ public:
     NestingLevel& operator=(const NestingLevel&) = delete;
 };
 
-/// As much of a text as fits into a message.
-WString Shorten(const WString& text)
+constexpr unsigned int nameLimit_lc = 60;
+constexpr unsigned int messageLimit_lc = 1000;
+
+WString Shorten(const WString& text, unsigned int limit)
 {
-    constexpr unsigned int limit = 60;
     return text.Length() <= limit ? text : text.Left(limit) + WString(L"...");
 }
 
@@ -55,6 +56,8 @@ void TakeThrown(CommandRunner::Outcome& outcome)
 /// The messages of codes whose meaning is the same in all commands.
 WString Describe(const ExitCode& code, const Options& options)
 {
+    if (!options.GetRefusedOption().IsEmpty())
+        return L"Bad value of option " + options.GetRefusedOption();
     if (code.GetModule() == 0 && code.GetNumber() == 1)
         return L"Wrong number of arguments";
     if (code.GetModule() == 0 && code.GetNumber() == 2)
@@ -72,6 +75,7 @@ CommandRunner::Outcome CommandRunner::Run(
     } catch (...) {
         TakeThrown(outcome);
     }
+    outcome.message = Shorten(outcome.message, messageLimit_lc);
     return outcome;
 }
 
@@ -102,7 +106,7 @@ void CommandRunner::RunLine(
     if (name.IsEmpty())
         return;
     const CommandRegistry::Entry* entry = CommandRegistry::FindOrNull(name);
-    outcome.command = entry ? entry->name : Shorten(name);
+    outcome.command = entry ? entry->name : Shorten(name, nameLimit_lc);
 
     Abort::ThrowIfRequested();
     const NestingLevel nesting;
@@ -114,17 +118,17 @@ void CommandRunner::RunLine(
     const auto command = Create(*entry, output);
     command->environment = environment;
     command->flags |= runFlags;
-    if (!(command->flags & CommandFlags::noSubstitution))
-        rest = Reference::ReplaceAll(rest, environment);
-    ArgumentList arguments;
-    Options options;
-    CommandLine::Parse(rest, command->flags, arguments, options);
-    RunCommand(*command, arguments, options, outcome);
+    RunCommand(*command, rest, outcome);
 }
 
-void CommandRunner::RunCommand(CommandBase& command, ArgumentList& arguments, Options& options, Outcome& outcome)
+void CommandRunner::RunCommand(CommandBase& command, const WString& rest, Outcome& outcome)
 {
+    Options options;
     try {
+        const bool takesReferences = (command.flags & CommandFlags::noSubstitution) == 0;
+        ArgumentList arguments;
+        CommandLine::Parse(takesReferences ? Reference::ReplaceAll(rest, command.environment) : rest, command.flags,
+            arguments, options);
         command.OnStart(arguments, options);
         command.HandleStandardOptions(options);
         outcome.code = command.Main(arguments, options);

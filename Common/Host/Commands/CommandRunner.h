@@ -17,14 +17,14 @@ public:
     {
         ExitCode code;
         WString command;      // the command's name as registered, or as typed when there is none of that name
-        WString message;      // what is known of a failure; may be empty
+        WString message;      // what is known of a failure, shortened; may be empty
         WString returnString; // what the command left for its caller
     };
 
     /// Parses the line, makes the command and runs it on `output` in `environment`. Never throws: a thrown ExitCode is
-    /// the result, any other exception becomes HostError::UnexpectedException. A failing code that the command returned
-    /// or threw gets the command's id when it has none; what keeps the command from being run (its name, its line, an
-    /// abort, the nesting) has no id. A blank line succeeds and does nothing.
+    /// the result, any other exception becomes HostError::UnexpectedException. A failing code gets the
+    /// command's id when it has none; only what keeps any command from being run (an unknown name, an abort, the
+    /// nesting, the line's length) has no id. A blank line succeeds and does nothing.
     static Outcome Run(const WString& line, Pipe& output, const Environment& environment, unsigned int runFlags);
 
     /// True for a failure that ends the commands that ran this one as well: an abort, a request to exit, and too deep a
@@ -38,5 +38,5 @@ private:
     static std::unique_ptr<CommandBase> Create(const CommandRegistry::Entry& entry, Pipe& output);
     static void RunLine(
         const WString& line, Pipe& output, const Environment& environment, unsigned int runFlags, Outcome& outcome);
-    static void RunCommand(CommandBase& command, ArgumentList& arguments, Options& options, Outcome& outcome);
+    static void RunCommand(CommandBase& command, const WString& rest, Outcome& outcome);
 };

@@ -3,62 +3,56 @@
 #include "Text/ExitCode.h"
 #include "Text/WholeNumber.h"
 
-namespace {
-bool Accept(bool serves, unsigned int exitNumber)
-{
-    if (!serves)
-        throw ExitCode(exitNumber);
-    return true;
-}
-} // namespace
-
 Options::Options(const WStringArray& texts)
 {
     for (const WString& text : texts)
         options.push_back({text});
 }
 
-bool Options::TryFind(const wchar_t* name, WString& value)
+template <typename Reader>
+bool Options::TryRead(const wchar_t* name, unsigned int exitNumber, const Reader& read)
 {
     const WString wanted(name);
-    bool found = false;
+    const Option* given = nullptr;
     for (Option& option : options) {
         if (!option.text.StartsWith(wanted, true))
             continue;
         option.used = true;
-        found = true;
-        value = option.text.Substring(static_cast<unsigned int>(wanted.Length()));
+        given = &option;
     }
-    return found;
+    if (!given)
+        return false;
+    if (!read(given->text.Substring(static_cast<unsigned int>(wanted.Length())))) {
+        refusedOption = L"-" + given->text;
+        throw ExitCode(exitNumber);
+    }
+    return true;
 }
 
 bool Options::TryGetFlag(const wchar_t* name, unsigned int exitNumber)
 {
-    WString text;
-    return TryFind(name, text) && Accept(text.IsEmpty(), exitNumber);
+    return TryRead(name, exitNumber, [](const WString& text) { return text.IsEmpty(); });
 }
 
 bool Options::TryGetInt(const wchar_t* name, unsigned int exitNumber, int& value, int min, int max)
 {
-    WString text;
-    return TryFind(name, text) && Accept(TryParseWhole(text.View(), value, min, max), exitNumber);
+    return TryRead(name, exitNumber, [&](const WString& text) { return TryParseWhole(text.View(), value, min, max); });
 }
 
 bool Options::TryGetDouble(const wchar_t* name, unsigned int exitNumber, double& value, double min, double max)
 {
-    WString text;
-    return TryFind(name, text) && Accept(text.TryParseDouble(value, min, max), exitNumber);
+    return TryRead(name, exitNumber, [&](const WString& text) { return text.TryParseDouble(value, min, max); });
 }
 
 bool Options::TryGetString(
     const wchar_t* name, unsigned int exitNumber, WString& value, unsigned int minLength, unsigned int maxLength)
 {
-    WString text;
-    if (!TryFind(name, text))
-        return false;
-    Accept(text.Length() >= minLength && text.Length() <= maxLength, exitNumber);
-    value = text;
-    return true;
+    return TryRead(name, exitNumber, [&](const WString& text) {
+        const bool serves = text.Length() >= minLength && text.Length() <= maxLength;
+        if (serves)
+            value = text;
+        return serves;
+    });
 }
 
 bool Options::ContainsUnusedOptions() const noexcept

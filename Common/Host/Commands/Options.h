@@ -27,6 +27,8 @@ public:
     bool ContainsUnusedOptions() const noexcept;
     /// The first such option with its dash, or an empty text.
     WString GetUnusedOption() const;
+    /// The option that was refused for its value, with its dash, or an empty text.
+    const WString& GetRefusedOption() const noexcept { return refusedOption; }
 
 private:
     struct Option
@@ -35,6 +37,8 @@ private:
         bool used = false;
     };
     std::vector<Option> options;
+    WString refusedOption;
 
-    bool TryFind(const wchar_t* name, WString& value);
+    template <typename Reader>
+    bool TryRead(const wchar_t* name, unsigned int exitNumber, const Reader& read);
 };

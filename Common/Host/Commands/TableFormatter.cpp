@@ -4,12 +4,15 @@
 #include <vector>
 
 namespace {
-std::vector<WString> SplitCells(const WString& row)
+std::vector<WString> SplitCells(const WString& row, std::size_t maxCount)
 {
     std::vector<WString> cells;
-    WString cell;
-    for (unsigned int column = 0; row.TryGetListItem(cell, column, L'\t'); ++column)
-        cells.push_back(cell);
+    std::wstring_view rest = row.View();
+    for (auto end = rest.find(L'\t'); end != rest.npos && cells.size() + 1 < maxCount; end = rest.find(L'\t')) {
+        cells.emplace_back(rest.substr(0, end));
+        rest.remove_prefix(end + 1);
+    }
+    cells.emplace_back(rest);
     return cells;
 }
 
@@ -34,7 +37,7 @@ void TableFormatter::WriteTable(Pipe& pipe) const
     std::vector<std::vector<WString>> table;
     std::vector<std::size_t> widths;
     for (const WString& row : rows) {
-        const auto& cells = table.emplace_back(SplitCells(row));
+        const auto& cells = table.emplace_back(SplitCells(row, table.empty() ? row.Length() + 1 : widths.size()));
         widths.resize(std::max(widths.size(), cells.size()));
         for (std::size_t column = 0; column < cells.size(); ++column)
             widths[column] = std::max(widths[column], cells[column].Length());

@@ -5,7 +5,8 @@
 #include "Text/WString.h"
 #include "Text/WStringArray.h"
 
-/// A table of rows whose cells are separated by tabs; written with its columns aligned and two blanks between them.
+/// A table of rows whose cells are separated by tabs. The first row has the most columns: in the others the last cell
+/// takes what is left, further tabs included. Written with its columns aligned and two blanks between them.
 class HOST_API TableFormatter
 {
 public:

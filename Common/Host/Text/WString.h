@@ -122,13 +122,13 @@ public:
     /// trimmed, and either may be put into this text. A word consists of letters, digits, "_" and ".". Inside quotes a
     /// backslash takes the character behind it along, so that \" ends nothing.
     bool TrySplitAtKeyword(const wchar_t* keyword, WString& before, WString& after) const;
-    /// Splits outside double quotes, as above, at any of `separators`, trims the pieces and drops empty ones. Throws
-    /// ExitCode(exitNumber) when there are more than `maxItems` pieces, or fewer than `minItems` of a text that is not
-    /// blank, or when a piece is shorter than `minLength` or longer than `maxLength`.
+    /// Splits outside double quotes, as above, at any of `separators`, trims the pieces and drops empty ones. A text
+    /// without any piece gives an empty array. Otherwise throws ExitCode(exitNumber) when there are fewer than
+    /// `minItems` or more than `maxItems` pieces, or one is shorter than `minLength` or longer than `maxLength`.
     void GetWStringArray(WStringArray& items, unsigned int minItems, unsigned int maxItems, unsigned int exitNumber,
         unsigned int minLength, unsigned int maxLength, const WString& separators) const;
-    /// The next piece of this text at `position`, which then stands behind the separator that ended it. Empty pieces
-    /// are yielded as such; at the end of the text an empty piece is yielded.
+    /// The next piece of this text at `position`, which then stands behind the piece. Runs of separators count as one;
+    /// only the end of the text yields an empty piece.
     WString StrTok(const wchar_t* separators, std::size_t& position) const;
 
 private:

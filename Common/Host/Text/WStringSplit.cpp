@@ -1,33 +1,10 @@
 #include "Text/CharacterCase.h"
 #include "Text/ExitCode.h"
+#include "Text/QuoteTracker.h"
 #include "Text/WString.h"
 #include "Text/WStringArray.h"
 
 #include <algorithm>
-
-/// Tells the text outside double quotes from that inside, character by character. Inside, a backslash takes the
-/// character behind it along, so that a quote written \" ends nothing.
-class QuoteTracker
-{
-public:
-    bool IsOutside(wchar_t ch) noexcept
-    {
-        if (inside && !escaped && ch == L'\\') {
-            escaped = true;
-            return false;
-        }
-        if (ch == L'"' && !escaped) {
-            inside = !inside;
-            return false;
-        }
-        escaped = false;
-        return !inside;
-    }
-
-private:
-    bool inside = false;
-    bool escaped = false;
-};
 
 /// What names are made of, the dot included.
 static bool IsWordCharacter(wchar_t ch) noexcept
@@ -47,7 +24,7 @@ bool WString::TrySplitAtKeyword(const wchar_t* keyword, WString& before, WString
     const std::wstring_view word(keyword);
     QuoteTracker quotes;
     for (std::size_t i = 0; i < length; ++i) {
-        if (!quotes.IsOutside(data[i]) || !IsWordAt(View(), i, word))
+        if (quotes.Next(View().substr(i)) != QuoteTracker::Role::Outside || !IsWordAt(View(), i, word))
             continue;
         WString left = WString(View().substr(0, i)).Trim(); // either result may be this text
         WString right = WString(View().substr(i + word.size())).Trim();
@@ -74,9 +51,9 @@ bool WString::TryGetListItem(WString& item, unsigned int index, wchar_t separato
 
 WString WString::StrTok(const wchar_t* separators, std::size_t& position) const
 {
-    const std::size_t start = std::min(position, length);
+    const std::size_t start = std::min(View().find_first_not_of(separators, position), length);
     const std::size_t end = std::min(View().find_first_of(separators, start), length);
-    position = std::min(end + 1, length);
+    position = end;
     return WString(View().substr(start, end - start));
 }
 
@@ -95,12 +72,13 @@ void WString::GetWStringArray(WStringArray& items, unsigned int minItems, unsign
     QuoteTracker quotes;
     std::size_t start = 0;
     for (std::size_t i = 0; i < length; ++i) {
-        if (!quotes.IsOutside(data[i]) || separators.View().find(data[i]) == std::wstring_view::npos)
+        if (quotes.Next(View().substr(i)) != QuoteTracker::Role::Outside ||
+            separators.View().find(data[i]) == std::wstring_view::npos)
             continue;
         add(start, i);
         start = i + 1;
     }
     add(start, length);
-    if (items.Count() < minItems && !Trim().IsEmpty())
+    if (!items.IsEmpty() && items.Count() < minItems)
         throw ExitCode(exitNumber);
 }

@@ -1,0 +1,113 @@
+// The functions that look at the instrument and at the system. The rows of the files beside this one are evaluated
+// with all of it set up: the data files of Profile, a usage value, variables, and files.
+
+#include "Instrument/OS9EventManager.h"
+#include "NumberFormat.h"
+#include "Services/System.h"
+#include "Support/ExpressionFile.h"
+
+#include <sys/prctl.h>
+#include <unistd.h>
+
+namespace {
+/// What the metadata say of the key: type and default.
+std::string DescribeMetaData(const wchar_t* key)
+{
+    ConfigMetaData::Item item;
+    if (!System::config.GetMetaData().TryGet(L"UnitTest", key, item))
+        return "nothing";
+    static const char* const types[] = {"", "Int", "Str", "Dbl", "UInt", "", "Bool"};
+    const WString value = item.type == ConfigDataType::Str ? item.defaultText : DoubleToString(item.defaultNumber);
+    return types[static_cast<int>(item.type)] + (" " + value.ToUtf8());
+}
+
+void StartSystem(const std::string& folder)
+{
+    System::Start(folder, SOURCE_DIR "/Tests/Functions/Profile");
+    System::usage.Set(L"System.OnTime", 73);
+    const std::pair<const wchar_t*, StatusType> unreadable[] = {
+        {L"UnitTest.BadBool", ST_Bool}, {L"UnitTest.BadDouble", ST_Double}, {L"UnitTest.BadInt", ST_Int}};
+    for (const auto& [name, type] : unreadable)
+        System::status.AddLive(name, type, [] { return L"?"; });
+}
+
+void WriteFiles(const TemporaryFolder& folder)
+{
+    using namespace std::string_literals;
+    const std::string ones(2 * 4096, '\x01'); // 2048 words of 0x01010101
+    folder.Write("empty", "");
+    folder.Write("ä b", "123456789");
+    folder.Write("five bytes", "\1\0\0\0\2"s);
+    folder.Write("sum wraps", "\xFF\xFF\xFF\xFF\2\0\0\0"s);
+    folder.Write("ones", ones);
+    folder.Write("ones and one", ones + '\1');
+    std::filesystem::resize_file(folder.Write("large", ""), 5'000'000'000); // a hole: it takes no room
+}
+} // namespace
+
+class SystemFunctions : public testing::Test
+{
+protected:
+    SystemFunctions()
+    {
+        static const TemporaryFolder folder; // until the end of the process, which may write to it as long
+        StartSystem(folder.GetPath());
+        WriteFiles(folder);
+        environment.SetString(L"Count", L"7.50");
+        environment.SetString(L"Truth", L"TRUE");
+        environment.SetString(L"Name", L"7 apples");
+        environment.SetString(L"folder", WString::FromUtf8(folder.GetPath()) + L"/");
+        environment.SetString(L"big", WString(1000000, L'a'));
+    }
+
+    std::string Evaluate(const std::string& expression) const
+    {
+        ExpressionEvaluator evaluator(true, environment, nullptr, L"", 0);
+        evaluator.SetValidChars(L"abcdefghijklmnopqrstuvwxyz");
+        return Outcome(evaluator, expression);
+    }
+
+    Environment environment;
+};
+
+TEST_F(SystemFunctions, GiveWhatTheFilesSay)
+{
+    for (const char* file : {"Functions/Config.txt", "Functions/System.txt"})
+        for (const ExpressionRow& row : ReadRows(file))
+            EXPECT_EQ(Evaluate(row.expression), row.outcome) << row.expression;
+}
+
+TEST_F(SystemFunctions, RegisterTheDefaultsOfKeysThatExistOrNot)
+{
+    for (const wchar_t* key : {L"IntValue", L"Word", L"NewValue"}) {
+        environment.SetString(L"key", key);
+        for (const ExpressionRow& row : ReadRows("Functions/ConfigDefaults.txt")) {
+            Evaluate(row.expression);
+            EXPECT_EQ(DescribeMetaData(key), row.outcome) << row.expression;
+        }
+    }
+}
+
+TEST_F(SystemFunctions, FindEventsAndProcesses)
+{
+    const std::string id = std::to_string(getpid());
+    const std::string name = "unit" + id; // of an event, and of this very process and no other
+    const WString wideName = WString::FromUtf8(name);
+    environment.SetString(L"name", wideName);
+    ASSERT_TRUE(OS9EventManager::TryCreate(wideName, -5));
+    EXPECT_EQ(Evaluate("GetEvent(name)"), "-5");
+    EXPECT_EQ(OS9EventManager::GetReferenceCount(wideName), 0);
+    EXPECT_TRUE(OS9EventManager::TryDelete(wideName));
+    EXPECT_EQ(Evaluate("1+GetEvent(name)"), "512 OS9Event not found @11");
+
+    char formerName[16] = {};
+    prctl(PR_GET_NAME, formerName);
+    prctl(PR_SET_NAME, name.c_str());
+    EXPECT_EQ(Evaluate("GetProcId(name)"), id);
+    EXPECT_EQ(Evaluate("GetProcId(\"UNIT?*" + name.substr(5) + "\", \"?*\")"), id);
+    EXPECT_EQ(Evaluate("GetProcId(name, \"no such line\")"), "-1");
+    EXPECT_EQ(Evaluate("IsRunning(name, \"?*\")"), "TRUE");
+    EXPECT_EQ(Evaluate("IsRunning(name, \"no such line\")"), "FALSE");
+    prctl(PR_SET_NAME, formerName);
+    EXPECT_EQ(Evaluate("IsRunning(name)"), "FALSE");
+}
