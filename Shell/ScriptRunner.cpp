@@ -44,13 +44,15 @@ bool CommandReader::TryRead(std::string& command)
     } while (IsBlankOrComment(line));
     commandLine = linesRead;
     command.clear();
-    for (;;) {
-        const bool isContinued = line.ends_with('\\') && line.size() <= limit; // a longer line comes cut
-        command.append(line, 0, line.size() - isContinued);
+    bool isContinued = false;
+    do {
+        command += line;
+        isContinued = line.ends_with('\\') && line.size() <= limit && TryReadLine(line); // a longer line comes cut
+        if (isContinued)
+            command.pop_back();
         command.resize(std::min(command.size(), limit + 1)); // one too many is enough to be refused
-        if (!isContinued || !TryReadLine(line))
-            return true;
-    }
+    } while (isContinued);
+    return true;
 }
 
 CommandRunner::Outcome RunCommand(std::string& command, Pipe& output, const Environment& environment)

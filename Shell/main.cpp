@@ -13,10 +13,20 @@
 
 #include <csignal>
 #include <cstdio>
+#include <fcntl.h>
 #include <filesystem>
 #include <functional>
 #include <memory>
 #include <unistd.h>
+
+/// No file that is opened later may be taken for a standard stream that was closed at the start.
+static void OccupyStandardStreams()
+{
+    int file = 0;
+    while (file >= 0 && file <= STDERR_FILENO)
+        file = open("/dev/null", O_RDONLY); // writing to it fails, as it should
+    close(file);
+}
 
 /// Makes Ctrl-C an abort request. Without SA_RESTART it also ends the wait for input.
 static void CatchInterrupt()
@@ -100,6 +110,7 @@ static void CheckOutput()
 
 int main(int count, char** texts)
 {
+    OccupyStandardStreams();
     Arguments arguments;
     if (const auto exitStatus = ReadArguments(count, texts, arguments))
         return *exitStatus;

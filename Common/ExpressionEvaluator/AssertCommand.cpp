@@ -77,10 +77,15 @@ ExitCode AssertCommand::Main(ArgumentList& arguments, Options& options)
     return FailAssertion(expression, evaluator.GetVariableTrace(), logFailure);
 }
 
-bool AssertCommand::LogsFailures() const
+bool AssertCommand::LogsFailures()
 {
-    return System::config.GetBoolOrUseDefault(L"Debug", L"LogAssertFail", true, 20) &&
-        (GetFlags() & CommandFlags::noFailureLog) == 0;
+    try {
+        return System::config.GetBoolOrUseDefault(L"Debug", L"LogAssertFail", true, 20) &&
+            (GetFlags() & CommandFlags::noFailureLog) == 0;
+    } catch (const ExitCode&) {
+        SetFailureMessage(L"[Debug]LogAssertFail is not a boolean");
+        throw;
+    }
 }
 
 ExitCode AssertCommand::FailEvaluation(const EvaluationError& error, bool quiet, bool logFailure)

@@ -12,7 +12,7 @@ public:
     void ShowUsage() override;
 
 private:
-    bool LogsFailures() const;
+    bool LogsFailures();
     ExitCode FailEvaluation(const EvaluationError& error, bool quiet, bool logFailure);
     ExitCode FailAssertion(const WString& expression, const WString& variableTrace, bool logFailure);
     void WriteFailureLine(const WString& line, bool logFailure);

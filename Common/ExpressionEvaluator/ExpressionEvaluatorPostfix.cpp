@@ -51,7 +51,8 @@ void Negate(EEToken& result, EETokenStack& operands)
     Give(-operands.Pop().GetNumber(), result, operands);
 }
 
-/// The right text is appended to the left one where it is, so that a chain of these costs no more than its texts.
+/// The right text is appended to the left one where it is, so that a chain from the left costs no more
+/// than its texts.
 void Concatenate(EEToken& result, EETokenStack& operands)
 {
     const WString right = operands.Pop().GetWString(true);

@@ -61,7 +61,7 @@ struct CommandCase
     const wchar_t* output;
 };
 
-// One run from top to bottom, which leaves none of its variables behind.
+// One run from top to bottom in one environment.
 constexpr CommandCase commandCases_lc[] = {
     {L"Calc 1+2*3", L"0:0:0", L"7"},
     {L"Calc -q 1+2*3", L"0:0:0", L""},

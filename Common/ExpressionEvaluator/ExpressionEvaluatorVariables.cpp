@@ -2,7 +2,6 @@
 
 #include "EvaluatorErrors.h"
 #include "Services/System.h"
-#include "Text/CharacterCase.h"
 
 #include <limits>
 
@@ -81,7 +80,8 @@ bool ExpressionEvaluator::TryGetSystemVariable(EEToken& token, wchar_t** cursor)
     if (**cursor != L'%')
         return false;
     const wchar_t* reference = *cursor;
-    const wchar_t kind = ToUpper(reference[1]);
+    const wchar_t kind = reference[1] & ~L' '; // the upper case of a letter
+    token.SetNA();                             // for the log, should nothing be read
     *cursor += 2;
     if (kind != L'S' && kind != L'C' && kind != L'U' && kind != L'E')
         return Fail(Errors::ReferenceTypeInvalid, *cursor);

@@ -11,6 +11,12 @@ void BuiltIn::ShowUsage()
         GetPipe().DoWriteLine(line);
 }
 
+void BuiltIn::HandleStandardOptions(Options& options)
+{
+    WString recordHeader;
+    options.TryGetString(L"r", badOptionValue, recordHeader, 1, 32);
+}
+
 void BuiltIn::Accept(
     const ArgumentList& arguments, const Options& options, unsigned int minCount, unsigned int maxCount)
 {

@@ -33,6 +33,8 @@ public:
     unsigned int GetCommandId() override { return record.id; }
     const char* GetSourceCodeTimestamp() override { return ""; }
     void ShowUsage() override;
+    /// Takes the record header -r<id> that If and While leave in %E{RecordHeader}; at the bench nothing is recorded.
+    void HandleStandardOptions(Options& options) override;
 
 protected:
     explicit BuiltIn(const BuiltInRecord& record);

@@ -40,10 +40,11 @@ ExitCode Help::Main(ArgumentList& arguments, Options& options)
         ListCommands();
         return ExitCode(0);
     }
-    const WString& topic = arguments.At(0);
-    if (const CommandRegistry::Entry* command = CommandRegistry::FindOrNull(topic))
+    const WString& topic = arguments.At(0); // "If" is both
+    const CommandRegistry::Entry* const command = CommandRegistry::FindOrNull(topic);
+    if (command)
         CommandRunner::ShowUsage(*command, GetPipe());
-    else if (!TryDescribeFunction(topic))
+    if (!TryDescribeFunction(topic) && !command)
         Fail(notFound, L"There is no command or function " + topic);
     return ExitCode(0);
 }

@@ -120,5 +120,6 @@ std::string CommandTest::Run(const std::string& line, unsigned int runFlags)
             exit += L" " + outcome.message;
         pipe.lines.Add(exit);
     }
-    return Join(pipe.lines);
+    const std::string output = Join(pipe.lines);
+    return output.empty() && !pipe.lines.IsEmpty() ? "\n" : output; // an empty line is not nothing
 }

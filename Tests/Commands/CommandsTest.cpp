@@ -63,17 +63,28 @@ TEST_F(CommandTest, CalcHelpPrintsTheEmbeddedTexts)
                                " and, or, xor, =, >, <, <>, >=, <=, +, -, &, *, /, ^"));
 }
 
-TEST_F(CommandTest, IfLimitsTheListsAndTheNesting)
+TEST_F(CommandTest, IfAndWhileLimitTheirLists)
 {
-    const std::string refused = "exit 1042:0:9 More than 100 commands, or one of more than 4096 characters";
-    EXPECT_EQ(Run("If 1=1 Then " + Repeat("Say x;", 100)) + "\n", Repeat("x\n", 100));
-    EXPECT_EQ(Run("If 1=1 Then " + Repeat("Say x;", 101)), refused);
     const std::string longest(4092, 'x');
-    EXPECT_EQ(Run("If 1=1 Then Say " + longest), longest);
-    EXPECT_EQ(Run("If 1=1 Then Say x" + longest), refused);
+    for (const auto& [statement, exit] :
+        {std::pair("If 1=1 Then ", "exit 1042:0:9 "), {"While i<2 Do ", "exit 1064:0:11 "}}) {
+        const std::string refused = exit + std::string("More than 100 commands, or one of more than 4096 characters");
+        EXPECT_EQ(Run(statement + Repeat("Say x;", 100)) + "\n", Repeat("x\n", 100));
+        EXPECT_EQ(Run(statement + Repeat("Say x;", 101)), refused);
+        EXPECT_EQ(Run(statement + ("Say " + longest)), longest);
+        EXPECT_EQ(Run(statement + ("Say x" + longest)), refused);
+    }
+    const std::pair<std::string, bool> patterns[] = {{Repeat("1,", 99) + "7*", true}, {Repeat("1,", 100) + "7*", false},
+        {Repeat(",", 999) + "*", true}, {Repeat(",", 1000) + "*", false}};
+    for (const auto& [list, serves] : patterns)
+        EXPECT_EQ(Run("While -er" + list + " i<2 Do Fail 7:7:7").substr(0, 14), serves ? "" : "exit 1064:0:12");
+}
+
+TEST_F(CommandTest, IfLimitsTheNesting)
+{
     EXPECT_EQ(Run(Repeat("If 1=1 Then ", 63) + "Say a"), "a");
     EXPECT_THAT(Run(Repeat("If 1=1 Then ", 64) + "Say a"), testing::StartsWith("exit 1042:1:3"));
-    EXPECT_EQ(Run(Repeat("If 1=1 Then ", 1000) + "Say a"), refused); // the list is too long for one command
+    EXPECT_THAT(Run(Repeat("If 1=1 Then ", 1000) + "Say a"), testing::StartsWith("exit 1042:0:9")) << "too long a list";
 }
 
 TEST_F(CommandTest, SetRefusesTwoArguments)

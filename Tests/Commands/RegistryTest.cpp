@@ -1,9 +1,10 @@
 #include "Commands/EmbeddedResource.h"
 #include "DllRegistryUtils.h"
+#include "Support/ChildProcess.h"
+#include "Support/TemporaryFolder.h"
 
 #include <cerrno>
 #include <dlfcn.h>
-#include <filesystem>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -55,12 +56,12 @@ constexpr const char* allEntries_lc = "Assert 9015 Calc 1043 If 1042 Set 1045 Wh
 TEST(RegistryTest, OffersEverythingBeforeASelection)
 {
     // a copy, which this process has not loaded before
-    const std::string copy = testing::TempDir() + "RegistryTestCopy.dll";
-    std::filesystem::copy_file(PLUGIN_FILE, copy, std::filesystem::copy_options::overwrite_existing);
+    const TemporaryFolder folder;
+    const std::string copy = folder.Path("RegistryTestCopy.dll");
+    std::filesystem::copy_file(PLUGIN_FILE, copy);
     EXPECT_EQ(GetEntries(copy), allEntries_lc);
     EXPECT_EQ(Select(PLUGIN_FILE, copy), "");
     EXPECT_EQ(Select("RegistryTestCopy.dll", copy), allEntries_lc);
-    std::filesystem::remove(copy);
 }
 
 TEST(RegistryTest, SelectsByFileName)
@@ -91,18 +92,21 @@ TEST(RegistryTest, SelectsTestsByTheBareName)
 
 TEST(RegistryTest, ReportsOnceThatAFileNameCouldNotBeFound)
 {
-    const auto nowhere = reinterpret_cast<Factory>(16);
-    errno = ENOENT;
-    const AddToCommandVector failing(nowhere);
-    errno = 0;
     EXPECT_EQ(GetDllName(reinterpret_cast<void*>(&GetDllFileName)),
         std::filesystem::read_symlink("/proc/self/exe").filename());
-
-    EXPECT_EQ(DllRegistrySelectDll("no such file"), ENOENT);
-    EXPECT_EQ(DllRegistryGetNextCommand(0), nullptr);
-    EXPECT_EQ(DllRegistrySelectDll("somewhere/"), 0); // the empty name is that of the failed look-up
-    EXPECT_EQ(DllRegistryGetNextCommand(0), nowhere);
-    EXPECT_EQ(DllRegistryGetNextCommand(1), nullptr);
+    ChildProcess process([] { // a registration cannot be taken back
+        const auto nowhere = reinterpret_cast<Factory>(16);
+        errno = ENOENT;
+        const AddToCommandVector failing(nowhere);
+        errno = 0;
+        EXPECT_EQ(DllRegistrySelectDll("no such file"), ENOENT);
+        EXPECT_EQ(DllRegistryGetNextCommand(0), nullptr);
+        EXPECT_EQ(DllRegistrySelectDll("somewhere/"), 0); // the empty name is that of the failed look-up
+        EXPECT_EQ(DllRegistryGetNextCommand(0), nowhere);
+        EXPECT_EQ(DllRegistryGetNextCommand(1), nullptr);
+        return !testing::Test::HasFailure();
+    });
+    EXPECT_TRUE(process.Wait());
 }
 
 TEST(RegistryTest, FactoriesAreExported)

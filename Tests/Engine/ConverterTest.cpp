@@ -1,38 +1,6 @@
 #include "Support/Expressions.h"
 #include "Support/HostTexts.h"
 
-namespace {
-std::string Postfix(const std::string& expression)
-{
-    ExpressionEvaluator evaluator(nullptr, 0);
-    EETokenStack postfix;
-    return evaluator.Infix2Postfix(WString::FromUtf8(expression), postfix) ? postfix.ToString(false).ToUtf8()
-                                                                           : DescribeError(evaluator);
-}
-} // namespace
-
-TEST(Converter, OrdersOperatorsByPriority)
-{
-    const struct
-    {
-        const char* infix;
-        const char* postfix;
-    } rows[] = {
-        {"10+5*2+2/4", "10 5 2 * + 2 4 / + "},
-        {"2^3^2", "2 3 2 ^ ^ "},
-        {"-2^2", "2 ± 2 ^ "},
-        {"2^-2", "2 2 ± ^ "},
-        {"1-2-3", "1 2 - 3 - "},
-        {"1 or 2 and 3 = 4 & 5", "1 2 or 3 4 5 & = and "},
-        {"+(1+2)*3", "1 2 + 3 * "},
-        {"-(-1)", "1 ± ± "},
-        {"mod(1+2,-3)*4", "| 1 2 + , 3 ± mod 4 * "},
-        {"AVG(1,2)/2+SUM(3)", "| 1 , 2 avg 2 / | 3 sum + "},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(Postfix(row.infix), row.postfix) << row.infix;
-}
-
 TEST(Converter, CallsNestUpTo200Levels)
 {
     EXPECT_EQ(Outcome(Repeat("abs(", 200) + "-1" + std::string(200, ')')), "1");

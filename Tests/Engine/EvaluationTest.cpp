@@ -1,14 +1,7 @@
 #include "Support/Expressions.h"
+#include "Support/Tokens.h"
 
 namespace {
-EEToken Operand(double value, int position)
-{
-    EEToken token;
-    token.SetValue(value);
-    token.SetPosition(position);
-    return token;
-}
-
 std::string EvaluateTokens(std::initializer_list<EEToken> tokens)
 {
     EETokenStack postfix;
@@ -22,8 +15,8 @@ std::string EvaluateTokens(std::initializer_list<EEToken> tokens)
 
 TEST(Evaluation, PostfixThatNoExpressionGives)
 {
-    const EEToken one = Operand(1, 3);
-    const EEToken two = Operand(2, 5);
+    const EEToken one = Operand(1.0, 3);
+    const EEToken two = Operand(2.0, 5);
     const EEToken separator(TT_PRMSEP, L',', 0);
     const EEToken call(TT_PRMLIST, L'|', 4);
     EEToken function(TT_FUNCOP, L"max");

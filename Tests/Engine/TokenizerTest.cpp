@@ -29,7 +29,6 @@ TEST(Tokenizer, NamesHaveUpTo63Characters)
     CheckExpressions({
         {name + "+0", "48 Missing variable: " + name + " @1"},
         {"1+" + name + "n", "39 Variable name is too long @2"},
-        {"Defined(a.b_9)", "FALSE"},
     });
 }
 
@@ -53,21 +52,4 @@ TEST(Tokenizer, OtherSetsOfNameCharacters)
     EXPECT_EQ(Outcome(evaluator, "a"), "38 Invalid character @1");
     evaluator.Clear();
     EXPECT_EQ(Outcome(evaluator, "IsNA(a)"), "TRUE");
-}
-
-TEST(Tokenizer, ReferencesToTheInstrument)
-{
-    CheckExpressions({
-        {"%X{a}", "41 Invalid instrument variable type @2"},
-        {"1+%", "41 Invalid instrument variable type @4"},
-        {"%S name", "42 Expecting a '{' character as the start of an instrument variable @3"},
-        {"%s", "42 Expecting a '{' character as the start of an instrument variable @3"},
-        {"%S{a", "43 Expecting a '}' character as delimiter of the instrument variable @4"},
-        {"%E{PATH}", "49 Environment instrument variables not supported @2"},
-        {"%C{SectionKey}", "46 Missing config section name, in %C{SectionKey} @4"},
-        {"%C{[Section Key}", "45 Invalid config section name, missing ']', in name: %C{[Section Key} @4"},
-        {"1 + %s{ NoSuch.Item }", "48 Missing variable: %S{NoSuch.Item} @5"},
-        {"-%u{No.Such}", "48 Missing variable: %U{No.Such} @2"},
-        {"-%C{[No] such}", "48 Missing variable: %C{[No] such} @2"},
-    });
 }

@@ -56,6 +56,7 @@ protected:
         environment.SetString(L"Count", L"7.50");
         environment.SetString(L"Truth", L"TRUE");
         environment.SetString(L"Name", L"7 apples");
+        environment.SetString(L"hex", L"0x10");
         environment.SetString(L"folder", WString::FromUtf8(folder.GetPath()) + L"/");
         environment.SetString(L"big", WString(1000000, L'a'));
     }

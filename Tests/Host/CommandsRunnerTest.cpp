@@ -1,14 +1,11 @@
 #include "Commands/CommandRunner.h"
 #include "Commands/EmbeddedResource.h"
-#include "Commands/TestCommand.h"
 #include "Services/Abort.h"
 #include "Support/HostTexts.h"
-#include "Support/ManualClock.h"
 #include "Support/TemporaryFolder.h"
 #include "Text/HostError.h"
 
 #include <functional>
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace {
@@ -36,9 +33,6 @@ public:
     {
         return [message](Probe& probe, auto&...) { return probe.SetFailureMessage(message), ExitCode(2); };
     }
-
-    using CommandBase::SleepAbortable;
-    using CommandBase::SleepWithoutSimulationMode;
 
     static std::string calls;
     static Work work;
@@ -70,7 +64,6 @@ protected:
 
     ArrayPipe pipe;
     Environment environment;
-    ManualClock clock;
 };
 } // namespace
 
@@ -158,41 +151,6 @@ TEST_F(CommandRunnerTest, AbortEndsAllRunningCommands)
     EXPECT_EQ(Run(L"Probe"), "Probe: 0:1:4 Aborted");
     Abort::Clear();
     EXPECT_EQ(RunProbe([](auto&...) { return ExitCode(0); }), "Probe: 0:0:0 ");
-}
-
-TEST_F(CommandRunnerTest, SleepsTakeTheirTimeAndEndAtAnAbort)
-{
-    const auto sleep = [&](void (Probe::*operation)(int), int milliseconds, bool aborts = false) {
-        const unsigned int start = clock.GetTickCount();
-        const std::string outcome = RunProbe([&](Probe& probe, auto&...) {
-            if (aborts)
-                Abort::Request();
-            (probe.*operation)(milliseconds);
-            return ExitCode(0);
-        });
-        Abort::Clear();
-        return std::to_string(clock.GetTickCount() - start) + " ms, " + outcome;
-    };
-    const std::string done = " ms, Probe: 0:0:0 ";
-    EXPECT_EQ(sleep(&Probe::SleepAbortable, 1000), "1000" + done);
-    EXPECT_EQ(sleep(&Probe::SleepAbortable, -5), "0" + done);
-    for (const auto operation : {&Probe::SleepAbortable, &Probe::SleepWithoutSimulationMode})
-        EXPECT_THAT(sleep(operation, 10, true), testing::EndsWith(" ms, Probe: 4711:1:4 Aborted"));
-}
-
-TEST_F(CommandRunnerTest, TestCommandCountsChecks)
-{
-    Probe::work = [](Probe& probe, auto&...) { return ExitCode(probe.GetFlags() & CommandFlags::noFailureLog); };
-    TestCommand test(environment);
-    WStringArray output;
-    EXPECT_EQ(test.Run(L"Probe", output).ToString(), L"4711:0:2048");
-    Assertion::AreEqual(test, L"a", L"a", L"same");
-    Assertion::AreEqual(test, L"a", L"%s", L"texts");
-    Assertion::AreEqual(test, 0.5, 0.25, L"numbers");
-    Assertion::IsTrue(test, false, L"truth");
-    EXPECT_EQ(test.GetCheckCount(), 4u);
-    EXPECT_THAT(test.GetFailures(),
-        testing::ElementsAre(L"texts: expected \"a\", got \"%s\"", L"numbers: expected 0.5, got 0.25", L"truth"));
 }
 
 TEST_F(CommandRunnerTest, ResourcesComeFromElfFilesOnly)

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <stdexcept>
 #include <string>
 #include <thread>
 
@@ -40,30 +39,6 @@ TEST(ObjectHashTable, FindsNamesInAnyCaseAndIsWalkedOnceThrough)
         EXPECT_EQ(sum, 999 * 1000 / 2 + 3 + 2);
     }
     EXPECT_EQ(object.use_count(), 1);
-}
-
-/// Its copy fails when it is told so.
-struct Reluctant
-{
-    bool fails = false;
-    Reluctant() = default;
-    Reluctant(const Reluctant& other) : fails(other.fails)
-    {
-        if (fails)
-            throw std::runtime_error("no copy");
-    }
-};
-
-TEST(LinkedList, StaysAsItIsWhenACopyFails)
-{
-    LinkedList<Reluctant> list;
-    Reluctant value;
-    list.AddTail(value);
-    value.fails = true;
-    EXPECT_THROW(list.AddTail(value), std::runtime_error);
-    EXPECT_THROW(list.AddHead(value), std::runtime_error);
-    EXPECT_EQ(list.Count(), 1u);
-    EXPECT_EQ(list.GetHead(), list.GetTail());
 }
 
 TEST(LinkedList, MayOutliveTheStorageOfItsThread)

@@ -143,8 +143,7 @@ TEST_F(Events, AProcessThatDiesWithTheLockBlocksNobody)
             }
             return true;
         });
-        while (GetReferenceCount(L"E") < 0)
-            usleep(100);
+        EXPECT_TRUE(WaitUntil([] { return GetReferenceCount(L"E") >= 0; }));
         usleep(300); // let it get at the lock again, which this process has just held
         child.Kill();
         child.Wait();

@@ -11,7 +11,6 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/prctl.h>
 #include <sys/stat.h>
 
 /// The files that several shells, and an editor, use at once.
@@ -24,7 +23,7 @@ protected:
     ConfigFileData config;
 };
 
-TEST_F(SharedData, SettingsOfProcessesAtOnceAreAllKept)
+TEST_F(SharedData, SettingsOfProcessesAtOnceAreAllKeptAndNeverTorn)
 {
     const auto setMany = [this](wchar_t name) {
         status.Load(path);
@@ -39,6 +38,10 @@ TEST_F(SharedData, SettingsOfProcessesAtOnceAreAllKept)
     };
     ChildProcess first([&] { return setMany(L'P'); });
     ChildProcess second([&] { return setMany(L'Q'); });
+    for (int i = 0; i < 200; ++i) {
+        const std::string text = folder.Read("Data.ini");
+        ASSERT_TRUE(text.starts_with("[Items]\nX=int:1\n") && text.ends_with("1\n")) << text;
+    }
     EXPECT_TRUE(first.Wait() && second.Wait());
     EXPECT_EQ(std::ranges::count(folder.Read("Data.ini"), '='), 2 + 2 * 2 * 20);
 }
@@ -79,12 +82,4 @@ TEST_F(SharedData, LocksAndFifosHoldNobodyUp)
     Abort::Request();
     EXPECT_EQ(GetThrown([] { System::config.Save(); }).substr(0, 5), "0:1:4");
     Abort::Clear();
-}
-
-TEST(ProcessTable, LeavesOutTheDead)
-{
-    const ChildProcess child([] { return prctl(PR_SET_NAME, ") R dead") == 0; });
-    siginfo_t info = {};
-    ASSERT_EQ(waitid(P_PID, static_cast<id_t>(child.GetId()), &info, WEXITED | WNOWAIT), 0);
-    EXPECT_EQ(System::GetMatchingProcess(L") R dead", nullptr), -1);
 }

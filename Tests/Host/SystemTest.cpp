@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <cfloat>
-#include <tuple>
 
 namespace fs = std::filesystem;
 
@@ -15,13 +14,13 @@ class SystemStart : public testing::Test
 protected:
     TemporaryFolder folder;
     const std::string profile = SOURCE_DIR "/Shell/Profile";
-    const std::string data = folder.Path("a/b");
+    const std::string data = folder.Path("a%20b?#/c");
 
-    std::string Read(const std::string& name) const { return folder.Read("a/b/" + name); }
+    std::string Read(const std::string& name) const { return TemporaryFolder::ReadFile(data + "/" + name); }
     void StartWith(const std::string& settings) const
     {
         fs::create_directories(data);
-        folder.Write("a/b/Config.ini", settings);
+        folder.Write("a%20b?#/c/Config.ini", settings);
         System::Start(data, profile);
     }
 };
@@ -45,7 +44,7 @@ TEST_F(SystemStart, MakesTheFolderFromTheProfile)
     EXPECT_TRUE(System::status.TryGetDouble(L"UpTime", first, 0, DBL_MAX));
     EXPECT_TRUE(System::status.TryGetDouble(L"UpTime", second, first, DBL_MAX));
 
-    folder.Write("a/b/Status.ini", "[Items]\nOwn=int:1\n");
+    folder.Write("a%20b?#/c/Status.ini", "[Items]\nOwn=int:1\n");
     System::Start(data, profile);
     EXPECT_TRUE(System::status.ContainsItem(L"Own"));
     EXPECT_FALSE(System::status.ContainsItem(L"TempOpticsStable")) << "an existing file is kept";
@@ -74,21 +73,32 @@ TEST_F(SystemStart, WhatIsMissingIsReported)
 
 TEST_F(SystemStart, AFolderThatCannotBeWrittenIsReadAloneWhenItHoldsTheFiles)
 {
+    const auto isReadAlone = [&] {
+        fs::permissions(data, fs::perms(0555));
+        return RunUnprivileged([&] {
+            System::Start(data, profile);
+            System::errorLog.WriteLine(L"lost");
+            int value = 0;
+            return System::usage.TryGetUsageValue(L"X", value) && value == 7 && !System::usage.Increment(L"X") &&
+                !System::usage.Set(L"X", 1) &&
+                GetThrown([] { System::config.Save(); }) ==
+                "0:1:10 File error: " + data + "/Config.ini: Permission denied";
+        });
+    };
     EXPECT_TRUE(ChildProcess([&] { return System::Start(data, profile), System::usage.Set(L"X", 7); }).Wait());
     fs::permissions(folder.GetPath(), fs::perms(0755));
-    fs::permissions(data, fs::perms(0555));
-    EXPECT_TRUE(RunUnprivileged([&] {
-        System::Start(data, profile);
-        System::errorLog.WriteLine(L"lost");
-        int value = 0;
-        return System::usage.TryGetUsageValue(L"X", value) && value == 7 && !System::usage.Increment(L"X") &&
-            GetThrown([] { System::config.Save(); }) == "0:1:10 File error: " + data + "/Config.ini: Permission denied";
-    }));
-    fs::remove(data + "/Status.ini");
-    EXPECT_TRUE(RunUnprivileged([&] {
-        return GetThrown([&] { System::Start(data, profile); }) ==
-            "0:1:10 File error: " + data + "/Status.ini: Permission denied";
-    }));
+    EXPECT_TRUE(isReadAlone()) << "with the files that a counter database in use has beside it";
+    fs::permissions(data, fs::perms(0755));
+    System::Start(data, profile);
+    System::usage.Open(folder.Path("Other.db"));
+    EXPECT_FALSE(fs::exists(data + "/Usage.db-wal"));
+    EXPECT_TRUE(isReadAlone()) << "without them";
+    for (const std::string missing : {"/Usage.db: unable to open database file", "/Status.ini: Permission denied"}) {
+        fs::remove(data + missing.substr(0, missing.find(':')));
+        EXPECT_TRUE(RunUnprivileged([&] {
+            return GetThrown([&] { System::Start(data, profile); }) == "0:1:10 File error: " + data + missing;
+        })) << missing;
+    }
     fs::permissions(data, fs::perms(0755));
 }
 
@@ -155,35 +165,4 @@ TEST_F(SystemStart, ProcessesShareALog)
         ASSERT_EQ(CheckGeneration(Read("Shared.old.txt")), "");
     EXPECT_TRUE(first.Wait() && second.Wait());
     EXPECT_EQ(CheckGeneration(Read("Shared.old.txt")), "");
-}
-
-/// A process that does nothing.
-static ChildProcess Idle(const std::string& program, const std::string& name, const std::string& mark, const char* last)
-{
-    return ChildProcess([&] { return execl(program.c_str(), name.c_str(), mark.c_str(), last, nullptr) == 0; });
-}
-
-TEST(ProcessTable, IsSearchedByNameAndCommandLine)
-{
-    const TemporaryFolder folder;
-    const std::string program = folder.Path("InstrumentServerOfTheBench"); // longer than the 15 characters of a name
-    fs::create_symlink("/bin/sleep", program);
-    const std::string unique = std::to_string(getpid()) + "1";
-    const ChildProcess first = Idle(program, program, unique, "1");
-    const ChildProcess second = Idle("/bin/sleep", program, unique, "2");
-    ASSERT_LT(first.GetId(), second.GetId()); // unless they have come around
-    const std::wstring line = L"*/instrumentserver* " + std::wstring(unique.begin(), unique.end());
-    while (System::GetMatchingProcess(L"*", (line + L" 1").c_str()) != first.GetId() ||
-        System::GetMatchingProcess(L"*", (line + L" 2").c_str()) != second.GetId())
-        usleep(1000); // until the programs have taken over
-    const std::tuple<const wchar_t*, std::wstring, int> rows[] = {
-        {L"InstrumentServerOfTheBench", line + L" ?", first.GetId()},
-        {L"instrumentSERVERof*", line + L"*", first.GetId()}, {L"InstrumentServe", line + L"*", -1},
-        {L"sleep", line + L" 2", second.GetId()}, {L"*", line + L" ?", first.GetId()}, {L"*", line, -1},
-        {L"sleep", line + L" 1", -1}, {L"nosuchcommand*", L"*", -1}};
-    for (const auto& [command, commandLine, id] : rows)
-        EXPECT_EQ(System::GetMatchingProcess(command, commandLine.c_str()), id)
-            << WString(command).ToUtf8() << ": " << WString(commandLine.c_str()).ToUtf8();
-    EXPECT_GT(System::GetMatchingProcess(L"instrumentserverof*bench", nullptr), 0);
-    EXPECT_EQ(System::GetMatchingProcess(L"nosuchcommand*", nullptr), -1);
 }

@@ -30,6 +30,9 @@ void RunTests(TestCommand& test)
     WStringArray output;
     Assertion::AreEqual(test, L"5000:0:1", test.Run(L"Second x", output).ToString(), L"exit code");
     Assertion::AreEqual(test, L"<&>", L"\"\x01\"", L"second");
+    Assertion::AreEqual(test, 0.5, 0.25, L"%s");
+    Assertion::AreEqual(test, L"9015:0:13", test.Run(L"Assert 1=2", output).ToString(), L"another's command");
+    Assertion::IsTrue(test, output.IsEmpty(), L"output");
     throw std::runtime_error("on purpose");
 }
 } // namespace

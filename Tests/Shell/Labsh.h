@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Support/Patience.h"
 #include "Support/TemporaryFolder.h"
 
 #include <stdexcept>
@@ -7,11 +8,8 @@
 #include <utility>
 #include <vector>
 
-#include <csignal>
 #include <fcntl.h>
 #include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 /// A run of labsh in a new working folder, with the data folder "data" in it.
 class Labsh
@@ -80,7 +78,6 @@ inline void Labsh::Start(std::vector<std::string> arguments, const std::string& 
 
 inline int Labsh::Wait()
 {
-    int status = 0;
-    waitpid(std::exchange(id, 0), &status, 0);
+    const int status = WaitForExit(std::exchange(id, 0));
     return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }

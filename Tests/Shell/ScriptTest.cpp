@@ -11,10 +11,9 @@
 // folder, with a data folder of its own, among copies of the other scripts and of their parts in Tests/Scripts/Parts.
 
 #include "Shell/Labsh.h"
+#include "Support/TestFiles.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
-#include <sstream>
 
 namespace {
 namespace fs = std::filesystem;
@@ -30,8 +29,7 @@ struct Expectations
 Expectations ReadExpectations(const fs::path& script)
 {
     Expectations expected;
-    std::istringstream lines(TemporaryFolder::ReadFile(script));
-    for (std::string line; std::getline(lines, line);) {
+    for (const std::string& line : ReadTestLines(script)) {
         std::string text;
         const auto is = [&](const std::string& mark) {
             if (!line.starts_with(mark))
@@ -53,14 +51,9 @@ Expectations ReadExpectations(const fs::path& script)
 
 std::vector<fs::path> ListScripts()
 {
-    std::vector<fs::path> scripts;
-    for (const char* folder : {SOURCE_DIR "/Tests/Scripts", SOURCE_DIR "/Examples/Scripts"}) {
-        for (const auto& entry : fs::directory_iterator(folder)) {
-            if (entry.path().extension() == ".txt")
-                scripts.push_back(entry.path());
-        }
-    }
-    std::ranges::sort(scripts);
+    std::vector<fs::path> scripts = ListTestFiles("Scripts");
+    std::ranges::copy(ListTestFiles("../Examples/Scripts"), std::back_inserter(scripts));
+    std::erase_if(scripts, [](const fs::path& path) { return path.extension() != ".txt"; });
     return scripts;
 }
 } // namespace

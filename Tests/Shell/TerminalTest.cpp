@@ -1,11 +1,10 @@
+#include "Support/Patience.h"
 #include "Support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <poll.h>
 #include <pty.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 /// labsh at a terminal, whose other end is ours.
@@ -37,12 +36,7 @@ public:
             return "";
         return ReadTo(mark);
     }
-    int Wait()
-    {
-        int status = -1;
-        waitpid(id, &status, 0);
-        return status;
-    }
+    int Wait() const { return WaitForExit(id); }
 
     static constexpr const char* prompt = "labsh> ";
 

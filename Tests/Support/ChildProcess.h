@@ -1,11 +1,9 @@
 #pragma once
 
-#include <csignal>
+#include "Support/Patience.h"
+
 #include <stdexcept>
 #include <utility>
-
-#include <sys/wait.h>
-#include <unistd.h>
 
 /// A process that runs a function and ends, with exit status 0 when the function returns true. Ended for good by the
 /// destructor.
@@ -18,7 +16,7 @@ public:
         if (id < 0)
             throw std::runtime_error("no child process");
         if (id == 0)
-            _exit(RunGuarded(std::forward<Function>(run)) ? 0 : 1);
+            RunAndEnd(run);
     }
     ~ChildProcess()
     {
@@ -33,24 +31,15 @@ public:
     pid_t GetId() const { return id; }
     void Kill() const { kill(id, SIGKILL); }
     /// True when the function returned true.
-    bool Wait()
-    {
-        int status = -1;
-        waitpid(std::exchange(id, -1), &status, 0);
-        return status == 0;
-    }
+    bool Wait() { return WaitForExit(std::exchange(id, -1)) == 0; }
 
 private:
     pid_t id;
 
     template <typename Function>
-    static bool RunGuarded(Function&& run)
+    [[noreturn]] static void RunAndEnd(Function&& run) noexcept // an exception is the end as well
     {
-        try {
-            return run();
-        } catch (...) {
-            return false;
-        }
+        _exit(run() ? 0 : 1);
     }
 };
 

@@ -54,10 +54,3 @@ inline void CheckExpressions(std::initializer_list<ExpressionRow> rows)
     for (const ExpressionRow& row : rows)
         EXPECT_EQ(Outcome(row.expression), row.outcome) << row.expression;
 }
-
-/// All rows with the given evaluator.
-inline void CheckExpressions(ExpressionEvaluator& evaluator, std::initializer_list<ExpressionRow> rows)
-{
-    for (const ExpressionRow& row : rows)
-        EXPECT_EQ(Outcome(evaluator, row.expression), row.outcome) << row.expression;
-}

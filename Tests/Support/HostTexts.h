@@ -16,8 +16,8 @@ inline void PrintTo(const WString& text, std::ostream* stream)
 inline std::string Join(const WStringArray& texts)
 {
     std::string joined;
-    for (const WString& text : texts)
-        joined += (joined.empty() ? "" : "\n") + text.ToUtf8();
+    for (unsigned int index = 0; index < texts.Count(); ++index)
+        joined += (index == 0 ? "" : "\n") + texts[index].ToUtf8();
     return joined;
 }
 

@@ -1,7 +1,6 @@
 #include "EETokenMap.h"
 #include "EETokenStack.h"
 #include "EvaluatorLog.h"
-#include "Services/ObjectCounters.h"
 #include "Services/System.h"
 #include "Support/ChildProcess.h"
 #include "Support/TemporaryFolder.h"
@@ -123,12 +122,4 @@ TEST(MapTest, AddedVariablesAreSharedAndFreedOnce)
     }
     EXPECT_EQ(GetDebugObjectCountExpressionEvaluator_EEToken(), tokensBefore);
     EXPECT_EQ(GetDebugObjectCountExpressionEvaluator_CTokenMap(), mapsBefore);
-
-    std::string names;
-    for (const DebugObjectCount& counter : GetDebugObjectCounts()) {
-        if (counter.read == GetDebugObjectCountExpressionEvaluator_EEToken ||
-            counter.read == GetDebugObjectCountExpressionEvaluator_CTokenMap)
-            names += WString(counter.name).ToUtf8() + " ";
-    }
-    EXPECT_EQ(names, "ExpressionEvaluator_EEToken ExpressionEvaluator_CTokenMap ") << "in their order";
 }

@@ -25,7 +25,7 @@ public:
 };
 
 constexpr unsigned int nameLimit_lc = 60;
-constexpr unsigned int messageLimit_lc = 1000;
+constexpr unsigned int messageLimit_lc = 500;
 
 WString Shorten(const WString& text, unsigned int limit)
 {

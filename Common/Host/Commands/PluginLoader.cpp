@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <dlfcn.h>
+#include <filesystem>
 
 // The registry that every plug-in exports; the names carry the types of the arguments.
 using GetNextCommand = CommandFactory(unsigned int index);
@@ -31,6 +32,8 @@ void PluginLoader::Load(const std::string& path)
 {
     // A name without a slash would be searched for in the system's folders.
     const std::string file = path.find('/') == std::string::npos ? "./" + path : path;
+    if (std::error_code error; std::filesystem::exists(file, error) && !std::filesystem::is_regular_file(file, error))
+        Fail(file, "not a file"); // the loader would wait for a pipe's writer
     // A library that turns out to be no plug-in stays loaded: the host may already hold pointers that its initialisers
     // registered.
     void* const library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);

@@ -45,14 +45,27 @@ constexpr const char* queries_lc[] = {
 };
 static_assert(std::size(queries_lc) == queryCount);
 
-/// Waits for other processes to write: up to 1 s, unless an abort is requested.
+constexpr std::chrono::milliseconds patience_lc(1000);
+
+/// Waits for other processes to write, unless an abort is requested.
 int WaitWhileBusy(void*, int timesBefore)
 {
-    constexpr int step = 5; // ms
-    if (timesBefore * step >= 1000 || Abort::IsRequested())
+    constexpr std::chrono::milliseconds step(5);
+    if (timesBefore * step >= patience_lc || Abort::IsRequested())
         return 0;
-    std::this_thread::sleep_for(std::chrono::milliseconds(step));
+    std::this_thread::sleep_for(step);
     return 1;
+}
+
+/// SQLite does not wait by itself where two connections change the journal of a new file at once.
+bool TrySetUp(sqlite3* connection)
+{
+    const auto end = std::chrono::steady_clock::now() + patience_lc;
+    int result = SQLITE_BUSY;
+    do
+        result = sqlite3_exec(connection, setup_lc, nullptr, nullptr, nullptr);
+    while (result == SQLITE_BUSY && std::chrono::steady_clock::now() < end && WaitWhileBusy(nullptr, 0));
+    return result == SQLITE_OK;
 }
 
 struct Closer
@@ -162,8 +175,7 @@ bool UsageLog::Database::TryPrepare()
 
 bool UsageLog::Database::TryOpen(const std::string& path)
 {
-    return TryConnect(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE) &&
-        sqlite3_exec(connection.get(), setup_lc, nullptr, nullptr, nullptr) == SQLITE_OK && TryPrepare();
+    return TryConnect(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE) && TrySetUp(connection.get()) && TryPrepare();
 }
 
 bool UsageLog::Database::TryOpenForReading(const std::string& path)
