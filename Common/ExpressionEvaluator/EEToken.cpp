@@ -26,7 +26,7 @@ void EEToken::SetToken(int newType, const wchar_t* newText)
 void EEToken::SetToken(int newType, wchar_t ch)
 {
     SetType(newType);
-    text.Assign(&ch, 1);
+    text.Assign(&ch, ch != 0);
     missingVariable = false;
 }
 

@@ -55,7 +55,7 @@ public:
     // Setters leave every field that they do not name as it is.
 
     void SetToken(int newType, const wchar_t* newText);
-    void SetToken(int newType, wchar_t ch);
+    void SetToken(int newType, wchar_t ch); // an empty text for 0
     void SetType(int newType) noexcept;
     void SetNoPrm(int count) noexcept { dataType = count; } // the parameter count of a function token
     void SetText(const wchar_t* newText, std::size_t length) { text.Assign(newText, length); }

@@ -7,10 +7,26 @@
 #include <utility>
 
 namespace {
-void Log(const wchar_t* operation, const EEToken& token)
+[[gnu::noinline]] void WriteLog(const wchar_t* operation, const EEToken& token)
+{
+    eeLog_gb.WriteLine(L"%s: %s", operation, token.GetDumpString());
+}
+
+/// Small, so that a log which is off costs each operation no more than the question.
+inline void Log(const wchar_t* operation, const EEToken& token)
 {
     if (eeLog_gb.IsEnabled())
-        eeLog_gb.WriteLine(L"%s: %s", operation, token.GetDumpString());
+        WriteLog(operation, token);
+}
+
+/// The top token, which the caller is about to remove.
+EEToken& LeavingToken(const LinkedList<EEToken>& list)
+{
+    if (list.IsEmpty())
+        throw ExpressionEvaluatorException(Errors::StackEmpty, 0);
+    EEToken& token = list.GetHead()->value;
+    Log(L"Pop", token);
+    return token;
 }
 
 void RequireToken(const LinkedList<EEToken>& list)
@@ -52,12 +68,35 @@ void EETokenStack::Put(EEToken&& token) const
 
 EEToken& EETokenStack::Pop()
 {
-    if (list.IsEmpty())
-        throw ExpressionEvaluatorException(Errors::StackEmpty, 0);
-    popped = std::move(list.GetHead()->value);
+    popped = std::move(LeavingToken(list));
     list.RemoveHead();
-    Log(L"Pop", popped);
     return popped;
+}
+
+double EETokenStack::PopNumber()
+{
+    const double number = LeavingToken(list).GetNumber();
+    list.RemoveHead();
+    return number;
+}
+
+bool EETokenStack::PopBool()
+{
+    const bool value = LeavingToken(list).GetBool();
+    list.RemoveHead();
+    return value;
+}
+
+void EETokenStack::MoveTopTo(EETokenStack& other)
+{
+    Log(L"Push", LeavingToken(list));
+    list.MoveHeadToHeadOf(other.list);
+}
+
+void EETokenStack::MoveTopToBottomOf(EETokenStack& other)
+{
+    Log(L"Put", LeavingToken(list));
+    list.MoveHeadToTailOf(other.list);
 }
 
 EEToken& EETokenStack::Peek() const

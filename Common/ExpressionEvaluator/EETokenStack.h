@@ -25,6 +25,12 @@ public:
     /// Removes the top token and returns it, in a slot that the next Pop of this stack overwrites. Throws
     /// ExpressionEvaluatorException 9 on an empty stack.
     EEToken& Pop();
+    /// Pop().GetNumber() and Pop().GetBool(), without the slot. A token whose conversion throws is not removed.
+    double PopNumber();
+    bool PopBool();
+    /// other.Push(Pop()) and other.Put(Pop()), without the slot and without a copy.
+    void MoveTopTo(EETokenStack& other);
+    void MoveTopToBottomOf(EETokenStack& other);
     /// The top and the bottom token, left in place. Both throw ExitCode(0, 1, 22) on an empty stack.
     EEToken& Peek() const;
     EEToken& GetTail() const;

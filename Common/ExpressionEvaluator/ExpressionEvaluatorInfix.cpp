@@ -56,7 +56,7 @@ private:
 bool SubExpression::Finish(int type, int* terminator)
 {
     while (!operators.IsEmpty())
-        output.Put(operators.Pop());
+        operators.MoveTopToBottomOf(output);
     *terminator = type;
     return true;
 }
@@ -135,7 +135,7 @@ bool SubExpression::TakeClose(const EEToken& token, int* terminator)
     if (depth == 0)
         return Finish(token.GetType(), terminator);
     while (operators.Peek().GetType() != TT_LEFTP)
-        output.Put(operators.Pop());
+        operators.MoveTopToBottomOf(output);
     operators.Pop();
     --depth;
     return true;
@@ -151,7 +151,7 @@ bool SubExpression::TakeOperator(EEToken& token, bool expected, const EvaluatorE
         if (waiting.GetType() == TT_LEFTP || waiting.GetPriority() < priority ||
             (waiting.GetPriority() == priority && token.IsRightAssoc()))
             break;
-        output.Put(operators.Pop());
+        operators.MoveTopToBottomOf(output);
     }
     operators.Push(token);
     state = State::AfterOperator;

@@ -3,6 +3,7 @@
 #include "EEMissingVariableException.h"
 #include "ExpressionEvaluatorFunctions.h"
 #include "OperatorTable.h"
+#include "Text/CharacterCase.h"
 #include "Text/HostError.h"
 
 #include <cmath>
@@ -27,8 +28,8 @@ void Give(Value value, EEToken& result, EETokenStack& operands)
 template <typename Operation>
 void Calculate(EEToken& result, EETokenStack& operands)
 {
-    const double right = operands.Pop().GetNumber();
-    const double left = operands.Pop().GetNumber();
+    const double right = operands.PopNumber();
+    const double left = operands.PopNumber();
     Give(Operation()(left, right), result, operands);
 }
 
@@ -43,12 +44,12 @@ void Divide(EEToken& result, EETokenStack& operands)
     const double right = divisor.GetNumber();
     if (right == 0)
         throw ExpressionEvaluatorException(Errors::DivideByZero, divisor.GetPosition());
-    Give(operands.Pop().GetNumber() / right, result, operands);
+    Give(operands.PopNumber() / right, result, operands);
 }
 
 void Negate(EEToken& result, EETokenStack& operands)
 {
-    Give(-operands.Pop().GetNumber(), result, operands);
+    Give(-operands.PopNumber(), result, operands);
 }
 
 /// The right text is appended to the left one where it is, so that a chain from the left costs no more
@@ -67,15 +68,15 @@ template <typename Operation>
 void Order(EEToken& result, EETokenStack& operands)
 {
     const EEToken right = std::move(operands.Pop());
-    const double left = operands.Pop().GetNumber();
+    const double left = operands.PopNumber();
     Give(Operation()(left, right.GetNumber()), result, operands);
 }
 
 template <typename Operation>
 void Combine(EEToken& result, EETokenStack& operands)
 {
-    const bool right = operands.Pop().GetBool();
-    const bool left = operands.Pop().GetBool();
+    const bool right = operands.PopBool();
+    const bool left = operands.PopBool();
     Give(Operation()(left, right), result, operands);
 }
 
@@ -105,7 +106,7 @@ void Differ(EEToken& result, EETokenStack& operands)
 
 struct OperationRow
 {
-    const wchar_t* name;
+    std::wstring_view name;
     void (*apply)(EEToken& result, EETokenStack& operands);
 };
 
@@ -130,23 +131,24 @@ constexpr OperationRow operations_lc[] = {
     {L"xor", Combine<std::not_equal_to<>>},
 };
 
-const OperationRow* FindOperation(const WString& name)
+const OperationRow* FindOperation(std::wstring_view name)
 {
     for (const OperationRow& row : operations_lc)
-        if (name.Equals(row.name, true))
+        if (EqualsIgnoreCase(name, row.name))
             return &row;
     return nullptr;
 }
 
-/// Replaces the operator's operands by its value. A longer text that is no operator's is skipped.
-void ApplyOperator(const EEToken& token, EEToken& result, EETokenStack& operands)
+/// Replaces the operator's operands by its value. A longer text that is no operator's is skipped. Out of line, because
+/// the recursion of calls within calls runs through the caller's stack frame.
+[[gnu::noinline]] void ApplyOperator(const EEToken& token, EEToken& result, EETokenStack& operands)
 {
     const bool isCharacter = token.GetText().Length() == 1 && token.GetType() != TT_NONE;
     if (!isCharacter && token.GetType() == TT_UNARYOP)
         throw ExpressionEvaluatorException(Errors::InvalidUnaryOperator, 0);
     if (!isCharacter && token.GetType() != TT_BINARYOP)
         return;
-    const OperationRow* operation = FindOperation(token.GetText());
+    const OperationRow* operation = FindOperation(token.GetText().View());
     if (!operation)
         throw ExpressionEvaluatorException(
             isCharacter ? Errors::InvalidOperatorCharacter : Errors::InvalidBinaryOperator, token.GetPosition());
@@ -201,10 +203,14 @@ bool ExpressionEvaluator::EvaluateTokens(EEToken& result, EETokenStack& postfix,
 {
     EETokenStack operands;
     while (!postfix.IsEmpty()) {
+        const EEToken& top = postfix.Peek();
+        result.SetPosition(top.GetPosition());
+        if (top.GetType() == TT_OPERAND) {
+            postfix.MoveTopTo(operands);
+            continue;
+        }
         EEToken& token = postfix.Pop();
-        result.SetPosition(token.GetPosition());
         switch (token.GetType()) {
-        case TT_OPERAND: operands.Push(std::move(token)); break;
         case TT_PRMLIST:
             if (!EvaluateCall(result.GetPosition(), postfix, operands)) {
                 OnErrorCleanupPostfixStack(postfix, terminator);

@@ -89,8 +89,7 @@ bool ExpressionEvaluator::GetToken(EEToken& token, wchar_t** cursor)
 
     const wchar_t ch = **cursor;
     if (const int type = SingleCharacterType(ch); type != TT_NONE) {
-        const wchar_t text[] = {ch, 0};
-        token.SetToken(type, text);
+        token.SetToken(type, ch);
         *cursor += type != TT_END;
         return true;
     }

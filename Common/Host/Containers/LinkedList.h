@@ -15,8 +15,13 @@ class LinkedList
 public:
     struct Node
     {
+        /// GCC clears the whole of an aggregate before it fills it; what has a constructor it leaves alone.
+        template <typename Value>
+        explicit Node(Value&& value) : value(std::forward<Value>(value))
+        {}
+
         T value;
-        Node* previous;
+        Node* previous; // set when the node is linked
         Node* next;
     };
 
@@ -40,13 +45,14 @@ public:
     /// The list must not be empty.
     void RemoveHead() noexcept
     {
-        Node* node = head;
-        head = node->next;
-        (head ? head->previous : tail) = nullptr;
-        --count;
+        Node* node = UnlinkHead();
         node->~Node();
         Spare::Give(node);
     }
+
+    /// The head, without a copy, becomes the head or the tail of `other`. The list must not be empty.
+    void MoveHeadToHeadOf(LinkedList& other) noexcept { other.LinkHead(UnlinkHead()); }
+    void MoveHeadToTailOf(LinkedList& other) noexcept { other.LinkTail(UnlinkHead()); }
 
     void Clear() noexcept
     {
@@ -114,15 +120,25 @@ private:
     {
         void* memory = Spare::Take();
         try {
-            return new (memory) Node{std::forward<Value>(value), nullptr, nullptr};
+            return new (memory) Node(std::forward<Value>(value));
         } catch (...) {
             Spare::Give(memory);
             throw;
         }
     }
 
+    Node* UnlinkHead() noexcept
+    {
+        Node* node = head;
+        head = node->next;
+        (head ? head->previous : tail) = nullptr;
+        --count;
+        return node;
+    }
+
     void LinkHead(Node* node) noexcept
     {
+        node->previous = nullptr;
         node->next = head;
         (head ? head->previous : tail) = node;
         head = node;
@@ -131,6 +147,7 @@ private:
 
     void LinkTail(Node* node) noexcept
     {
+        node->next = nullptr;
         node->previous = tail;
         (tail ? tail->next : head) = node;
         tail = node;

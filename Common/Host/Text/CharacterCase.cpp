@@ -43,9 +43,3 @@ int CompareIgnoreCase(std::wstring_view left, std::wstring_view right) noexcept
         std::lexicographical_compare_three_way(left.begin(), left.end(), right.begin(), right.end(), lower);
     return std::is_lt(order) ? -1 : std::is_gt(order) ? 1 : 0;
 }
-
-bool EqualsIgnoreCase(std::wstring_view left, std::wstring_view right) noexcept
-{
-    const auto same = [](wchar_t l, wchar_t r) { return ToLower(l) == ToLower(r); };
-    return left.size() == right.size() && std::equal(left.begin(), left.end(), right.begin(), same);
-}

@@ -2,6 +2,7 @@
 
 #include "HostApi.h"
 
+#include <algorithm>
 #include <string_view>
 
 /// Case mapping of single characters, one to one, as UTF-8 locales have it, whatever the locale of the process.
@@ -27,4 +28,10 @@ HOST_API bool IsWhiteSpace(wchar_t ch) noexcept;
 
 /// Below, equal to or above 0 as `left` sorts before, with or after `right`, both in lower case.
 HOST_API int CompareIgnoreCase(std::wstring_view left, std::wstring_view right) noexcept;
-HOST_API bool EqualsIgnoreCase(std::wstring_view left, std::wstring_view right) noexcept;
+
+/// True for texts that differ in case only. Inline, because most texts that are compared differ in length.
+inline bool EqualsIgnoreCase(std::wstring_view left, std::wstring_view right) noexcept
+{
+    const auto same = [](wchar_t l, wchar_t r) { return l == r || ToLower(l) == ToLower(r); };
+    return left.size() == right.size() && std::equal(left.begin(), left.end(), right.begin(), same);
+}

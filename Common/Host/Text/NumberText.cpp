@@ -14,9 +14,18 @@ static double ReadAnyDouble(const wchar_t* text, const wchar_t** end) noexcept
     return value;
 }
 
-static bool IsDecimal(wchar_t ch) noexcept
+static bool IsExponentMark(wchar_t ch) noexcept
 {
-    return (ch >= L'0' && ch <= L'9') || ch == L'.' || ch == L'e' || ch == L'E' || ch == L'+' || ch == L'-';
+    return ch == L'e' || ch == L'E';
+}
+
+/// Whether a decimal number may go on at `at`. A sign belongs to it directly behind the "e" only: "1+2" is read to the
+/// "+".
+static bool ContinuesDecimal(const wchar_t* at) noexcept
+{
+    if (*at == L'+' || *at == L'-')
+        return IsExponentMark(at[-1]);
+    return (*at >= L'0' && *at <= L'9') || *at == L'.' || IsExponentMark(*at);
 }
 
 double ReadDouble(const wchar_t* text, const wchar_t** end) noexcept
@@ -29,7 +38,7 @@ double ReadDouble(const wchar_t* text, const wchar_t** end) noexcept
     // Ordinary numbers: several times faster than wcstod, with the same value.
     std::array<char, 64> digits;
     std::size_t count = 0;
-    while (count < digits.size() && IsDecimal(text[count])) {
+    while (count < digits.size() && ContinuesDecimal(text + count)) {
         digits[count] = static_cast<char>(text[count]);
         ++count;
     }
