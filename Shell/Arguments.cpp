@@ -3,6 +3,7 @@
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
+#include <cstdlib>
 
 static constexpr const char* description_lc =
     "The bench shell: runs the instrument's commands against an instrument on the desk.\n"
@@ -55,7 +56,7 @@ std::optional<int> ReadArguments(int count, char** texts, Arguments& arguments)
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : wrongOptions;
     }
-    if (!words.empty())
-        arguments.line = CLI::detail::join(words, " ");
+    for (const std::string& word : words)
+        arguments.line = arguments.line ? *arguments.line + ' ' + word : word;
     return std::nullopt;
 }

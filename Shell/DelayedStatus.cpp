@@ -11,7 +11,7 @@ static std::optional<unsigned int> lastDue_lc; // ticks of the clock
 
 bool DelayedStatus::TrySet(const WString& name, const WString& value, unsigned int milliseconds)
 {
-    if (!System::status.SetAfter(name, value, milliseconds))
+    if (!System::status.TrySetAfter(name, value, milliseconds))
         return false;
     const unsigned int now = GetTickCount();
     const unsigned int wait = lastDue_lc ? *lastDue_lc - now : 0;

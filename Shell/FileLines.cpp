@@ -6,8 +6,8 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
 
@@ -21,7 +21,7 @@ FileLines::FileLines(int descriptor, const std::string& name) : name(name), file
 
 void FileLines::Fail() const
 {
-    throw HostException(HostError::FileError, WString::FromUtf8(name + ": " + std::strerror(errno)));
+    throw HostException(HostError::FileError, WString::FromUtf8(name + ": " + std::generic_category().message(errno)));
 }
 
 bool FileLines::TryReadLine(std::string& line)

@@ -73,7 +73,7 @@ void CountCommand(const WString& name)
 }
 } // namespace
 
-void RunScript(LineSource& source, Pipe& output, const Environment& environment,
+bool RunScript(LineSource& source, Pipe& output, const Environment& environment,
     const std::function<bool(const ScriptFailure&)>& goesOn)
 {
     CommandReader reader(source);
@@ -82,8 +82,9 @@ void RunScript(LineSource& source, Pipe& output, const Environment& environment,
         const CommandRunner::Outcome outcome = RunCommand(command, output, environment);
         CountCommand(outcome.command);
         if (outcome.code.IsError() && !goesOn({outcome, reader.GetLine()}))
-            return;
+            return false;
     }
+    return true;
 }
 
 WString FormatPlace(const WString& scriptName, const ScriptFailure& failure)

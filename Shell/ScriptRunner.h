@@ -14,8 +14,8 @@ struct ScriptFailure
 
 /// Runs the commands of a script in one environment: one a line, a final backslash continuing it; a line that begins
 /// with "#" is a comment. A failure is handed to `goesOn`, which says whether the script goes on. Counts each command
-/// in the usage counter "Command.<name>". Throws what the source throws.
-void RunScript(LineSource& source, Pipe& output, const Environment& environment,
+/// in the usage counter "Command.<name>". Yields whether the source was read to its end. Throws what the source throws.
+bool RunScript(LineSource& source, Pipe& output, const Environment& environment,
     const std::function<bool(const ScriptFailure&)>& goesOn);
 
 /// "name:line: command: ", which names the place of a failure; without a name "command: ".

@@ -1,10 +1,13 @@
 #include "Terminal.h"
 
 #include "Services/Abort.h"
+#include "Text/HostError.h"
 #include "Text/WString.h"
 #include "WaitForInput.h"
 
 #include <clocale>
+#include <cstdio>
+#include <cwchar>
 #include <histedit.h>
 #include <unistd.h>
 
@@ -36,32 +39,36 @@ const wchar_t* GetPrompt(EditLine*)
 
 struct Terminal::Editor
 {
-    EditLine* line;
-    HistoryW* history;
-    std::string historyFile;
+    explicit Editor(const std::string& historyFile) : historyFile(historyFile) {}
+
+    const std::unique_ptr<EditLine, decltype(&el_end)> line{el_init("labsh", stdin, stdout, stderr), el_end};
+    const std::unique_ptr<HistoryW, decltype(&history_wend)> history{history_winit(), history_wend};
+    const std::string historyFile;
 };
 
 Terminal::Terminal(const std::string& historyFile)
 {
     constexpr int historyLength = 1000;
     std::setlocale(LC_CTYPE, ""); // libedit shows and measures characters as the terminal has them
-    editor.reset(new Editor{el_init("labsh", stdin, stdout, stderr), history_winit(), historyFile});
+    editor = std::make_unique<Editor>(historyFile);
+    EditLine* const line = editor->line.get();
+    HistoryW* const history = editor->history.get();
+    if (!line || !history)
+        throw HostException(HostError::FileError, L"the terminal cannot be used");
     HistEventW event;
-    history_w(editor->history, &event, H_SETSIZE, historyLength);
-    history_w(editor->history, &event, H_SETUNIQUE, 1);
-    history_w(editor->history, &event, H_LOAD, historyFile.c_str());
-    el_wset(editor->line, EL_PROMPT, GetPrompt);
-    el_wset(editor->line, EL_EDITOR, L"emacs");
-    el_wset(editor->line, EL_HIST, history_w, editor->history);
-    el_wset(editor->line, EL_GETCFN, ReadCharacter);
+    history_w(history, &event, H_SETSIZE, historyLength);
+    history_w(history, &event, H_SETUNIQUE, 1);
+    history_w(history, &event, H_LOAD, historyFile.c_str());
+    el_wset(line, EL_PROMPT, GetPrompt);
+    el_wset(line, EL_EDITOR, L"emacs");
+    el_wset(line, EL_HIST, history_w, history);
+    el_wset(line, EL_GETCFN, ReadCharacter);
 }
 
 Terminal::~Terminal()
 {
     HistEventW event;
-    history_w(editor->history, &event, H_SAVE, editor->historyFile.c_str());
-    history_wend(editor->history);
-    el_end(editor->line);
+    history_w(editor->history.get(), &event, H_SAVE, editor->historyFile.c_str());
 }
 
 bool Terminal::TryReadLine(std::string& line)
@@ -69,9 +76,9 @@ bool Terminal::TryReadLine(std::string& line)
     std::fflush(stdout);
     for (;;) {
         Abort::Clear();
-        el_wset(editor->line, EL_PREP_TERM, 1); // before the prompt, which a program may answer at once
+        el_wset(editor->line.get(), EL_PREP_TERM, 1); // before the prompt, which a program may answer at once
         int count = 0;
-        const wchar_t* text = el_wgets(editor->line, &count);
+        const wchar_t* text = el_wgets(editor->line.get(), &count);
         if (!text && !Abort::IsRequested()) {
             std::puts(""); // the next prompt is another shell's
             return false;
@@ -85,7 +92,7 @@ bool Terminal::TryReadLine(std::string& line)
             typed = typed.Left(static_cast<unsigned int>(count - 1));
         HistEventW event;
         if (!typed.Trim().IsEmpty())
-            history_w(editor->history, &event, H_ENTER, typed.ToCString());
+            history_w(editor->history.get(), &event, H_ENTER, typed.ToCString());
         line = typed.ToUtf8();
         return true;
     }

@@ -16,7 +16,6 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <functional>
-#include <memory>
 #include <unistd.h>
 
 /// No file that is opened later may be taken for a standard stream that was closed at the start.
@@ -49,57 +48,56 @@ static void Start(const Arguments& arguments)
         PluginLoader::Load(plugin);
 }
 
-enum class Ending
+struct Ending
 {
-    Completed,
-    Exited, // told to exit, before any failure
-    Failed
+    bool succeeded = true;
+    bool isReadToEnd = false; // neither a failure nor Exit stopped it before
 };
 
 /// Runs the commands of a source and reports each failure; `goesOn` says whether the source is read on after one.
 static Ending RunCommands(LineSource& source, const WString& name, const std::function<bool(const ExitCode&)>& goesOn)
 {
     StreamPipe output(stdout);
-    Ending ending = Ending::Completed;
-    RunScript(source, output, Environment(), [&](const ScriptFailure& failure) {
+    Ending ending;
+    ending.isReadToEnd = RunScript(source, output, Environment(), [&](const ScriptFailure& failure) {
         const CommandRunner::Outcome& outcome = failure.outcome;
-        if (IsHostError(outcome.code, HostError::ExitRequested)) {
-            ending = ending == Ending::Failed ? ending : Ending::Exited;
+        if (IsHostError(outcome.code, HostError::ExitRequested))
             return false;
-        }
         Report(FormatPlace(name, failure), outcome.code, outcome.message);
-        ending = Ending::Failed;
+        ending.succeeded = false;
         return goesOn(outcome.code);
     });
     return ending;
 }
 
 /// Whatever fails at the terminal is no failure of the shell, and an abort ends the command alone.
-static bool RunTerminal()
+static void RunTerminal()
 {
     Terminal terminal(System::GetDataFolder() + "/history");
     RunCommands(terminal, WString(), [](const ExitCode&) { return true; });
-    return true;
 }
 
-static bool RunScriptFile(std::unique_ptr<LineSource> source, const std::string& name, bool keepsGoing)
+static bool RunScriptFile(LineSource& source, const std::string& name, bool keepsGoing)
 {
-    const Ending ending = RunCommands(*source, WString::FromUtf8(name),
+    const Ending ending = RunCommands(source, WString::FromUtf8(name),
         [&](const ExitCode& code) { return keepsGoing && !IsHostError(code, HostError::Aborted); });
-    if (ending == Ending::Completed)
+    if (ending.isReadToEnd)
         DelayedStatus::Finish();
-    return ending != Ending::Failed;
+    return ending.succeeded;
 }
 
 static bool Run(const Arguments& arguments)
 {
-    if (arguments.line)
-        return RunScriptFile(std::make_unique<OneLine>(*arguments.line), "", false);
-    if (arguments.script)
-        return RunScriptFile(std::make_unique<FileLines>(*arguments.script), *arguments.script, arguments.keepsGoing);
-    if (isatty(STDIN_FILENO))
-        return RunTerminal();
-    return RunScriptFile(std::make_unique<FileLines>(STDIN_FILENO, "stdin"), "stdin", arguments.keepsGoing);
+    if (arguments.line) {
+        OneLine line(*arguments.line);
+        return RunScriptFile(line, "", false);
+    }
+    if (!arguments.script && isatty(STDIN_FILENO)) {
+        RunTerminal();
+        return true;
+    }
+    FileLines script = arguments.script ? FileLines(*arguments.script) : FileLines(STDIN_FILENO, "stdin");
+    return RunScriptFile(script, arguments.script.value_or("stdin"), arguments.keepsGoing);
 }
 
 static void CheckOutput()

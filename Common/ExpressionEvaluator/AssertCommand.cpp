@@ -70,6 +70,7 @@ ExitCode AssertCommand::Main(ArgumentList& arguments, Options& options)
             return ExitCode(0);
         if (retryCount == 0)
             break;
+        // After the last attempt too, as is meant.
         if (!quiet)
             GetPipe().WriteLine(L"Retry: %d", attempt + 1);
         SleepWithoutSimulationMode(retryDelay_lc);

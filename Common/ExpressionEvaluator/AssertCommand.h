@@ -18,4 +18,5 @@ private:
     void WriteFailureLine(const WString& line, bool logFailure);
 };
 
+/// A new command, which the caller owns.
 EE_API CommandBase* CreateCommandAssertCommand();

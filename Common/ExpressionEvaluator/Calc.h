@@ -17,4 +17,5 @@ private:
     ExitCode Fail(EvaluationError error, bool quiet, bool verify);
 };
 
+/// A new command, which the caller owns.
 EE_API CommandBase* CreateCommandCalc();

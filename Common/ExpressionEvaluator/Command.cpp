@@ -47,7 +47,7 @@ ExitCode Command::EvaluateCondition(const WString& condition, bool verbose, bool
     if (evaluator.TryEvaluateBool(condition, result))
         return ExitCode(0);
     const EvaluationError error = TakeError(evaluator, condition);
-    if (verbose)
+    if (verbose) // If's prefix, which While is meant to write too
         WriteReport(System::errorLog, error, L"**IF Failure: ");
     else
         WriteReport(GetPipe(), error);

@@ -8,7 +8,7 @@ std::atomic<int> EEToken::liveCount{0};
 
 int GetDebugObjectCountExpressionEvaluator_EEToken()
 {
-    return EEToken::liveCount.load(std::memory_order_relaxed);
+    return EEToken::liveCount;
 }
 
 namespace {

@@ -2,10 +2,9 @@
 
 #include "Containers/Object.h"
 #include "ExpressionEvaluatorApi.h"
+#include "LiveCounter.h"
 #include "Text/ExitCode.h"
 #include "Text/WString.h"
-
-#include <atomic>
 
 class ExpressionEvaluatorException;
 
@@ -130,15 +129,6 @@ public:
     static bool IsNumberValid(double value) noexcept;
 
 private:
-    /// A member that counts, so that copies and moves stay member-wise.
-    struct LiveCounter
-    {
-        LiveCounter() noexcept { liveCount.fetch_add(1, std::memory_order_relaxed); }
-        LiveCounter(const LiveCounter&) noexcept : LiveCounter() {}
-        LiveCounter& operator=(const LiveCounter&) noexcept = default;
-        ~LiveCounter() { liveCount.fetch_sub(1, std::memory_order_relaxed); }
-    };
-
     WString text;
     int type = TT_NONE;
     int dataType = DT_NONE;
@@ -148,10 +138,10 @@ private:
     int position = 0;
     unsigned int errorCode = 0;
     bool missingVariable = false;
-    [[no_unique_address]] LiveCounter liveCounter;
 
     static std::atomic<int> liveCount;
     friend int GetDebugObjectCountExpressionEvaluator_EEToken();
+    [[no_unique_address]] LiveCounter<liveCount> liveCounter;
 
     void SetOperand(int newDataType) noexcept;
 };

@@ -48,9 +48,8 @@ bool EEToken::TryGetValue(WString& value) const
 namespace {
 bool TryParseNumber(const WString& text, double& value)
 {
-    constexpr double max = std::numeric_limits<double>::max();
     unsigned int hexadecimal = 0;
-    if (text.TryParseDouble(value, -max, max))
+    if (text.TryParseDouble(value))
         return true;
     if (!text.TryGetHexUInt(hexadecimal, 0, std::numeric_limits<unsigned int>::max()))
         return false;
@@ -65,7 +64,7 @@ bool EEToken::TryCast(double& value) const
         return false;
     switch (dataType) {
     case DT_BOOL: value = boolValue != 0 ? 1.0 : 0.0; return true;
-    case DT_STR: return TryParseNumber(text, value) && IsNumberValid(value);
+    case DT_STR: return TryParseNumber(text, value);
     case DT_NUM: value = number; return IsNumberValid(value);
     default: return false;
     }

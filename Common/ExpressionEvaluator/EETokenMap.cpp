@@ -4,13 +4,11 @@
 
 #include <algorithm>
 
-namespace {
-std::atomic<int> liveCount_lc{0};
-} // namespace
+std::atomic<int> EETokenMap::liveCount{0};
 
 int GetDebugObjectCountExpressionEvaluator_CTokenMap()
 {
-    return liveCount_lc.load(std::memory_order_relaxed);
+    return EETokenMap::liveCount;
 }
 
 namespace {
@@ -29,12 +27,6 @@ EEToken ValueToken(Value value)
 EETokenMap::EETokenMap(int bucketCount) : variables(static_cast<unsigned int>(std::max(bucketCount, 1)))
 {
     defaultToken.SetNA();
-    liveCount_lc.fetch_add(1, std::memory_order_relaxed);
-}
-
-EETokenMap::~EETokenMap()
-{
-    liveCount_lc.fetch_sub(1, std::memory_order_relaxed);
 }
 
 void EETokenMap::SetVariable(const wchar_t* name, EEToken& token)

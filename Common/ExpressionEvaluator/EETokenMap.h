@@ -3,8 +3,7 @@
 #include "Containers/ObjectHashTable.h"
 #include "EEToken.h"
 #include "ExpressionEvaluatorApi.h"
-
-#include <atomic>
+#include "LiveCounter.h"
 
 /// Named variables of an evaluator. Names compare in any case; a later value replaces an earlier one. Serves one
 /// thread at a time.
@@ -12,7 +11,7 @@ class EE_API EETokenMap
 {
 public:
     explicit EETokenMap(int bucketCount);
-    virtual ~EETokenMap();
+    virtual ~EETokenMap() = default;
     EETokenMap(const EETokenMap&) = delete;
     EETokenMap& operator=(const EETokenMap&) = delete;
 
@@ -36,6 +35,10 @@ public:
 private:
     ObjectHashTable variables;
     EEToken defaultToken;
+
+    static std::atomic<int> liveCount;
+    friend int GetDebugObjectCountExpressionEvaluator_CTokenMap();
+    [[no_unique_address]] LiveCounter<liveCount> liveCounter;
 };
 
 /// How many maps are alive in the process.

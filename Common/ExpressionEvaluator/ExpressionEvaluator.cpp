@@ -2,14 +2,11 @@
 
 #include "Commands/CommandBase.h"
 #include "ExpressionEvaluatorException.h"
-#include "FunctionArguments.h"
 #include "NameCharacters.h"
-#include "Services/LogFile.h"
+#include "Saturate.h"
 #include "Services/System.h"
 
 #include <utility>
-
-LogFile eeLog_gb(L"", L"EELog", 0x100000);
 
 namespace {
 constexpr int variableBuckets = 33;
@@ -149,7 +146,7 @@ bool ExpressionEvaluator::TryEvaluateInt(const WString& expression, int& result)
     double number = 0;
     if (!TryEvaluateAs(expression, number, Errors::NoInt))
         return false;
-    result = FunctionArguments::ToInt32(number);
+    result = Saturate<int>(number);
     return true;
 }
 

@@ -73,13 +73,16 @@ public:
     bool EvaluateBool(const WString& expression);
     WString EvaluateString(const WString& expression);
 
-    /// The error of the last evaluation; false when there was none.
+    /// The error of the last evaluation, which must have failed: after a success an error may be on record that the
+    /// value does not depend on, such as an unknown function in the argument that IF did not choose. False when there
+    /// is none.
     bool TryGetErrorMessage(ExitCode& code, WString& message, int* position) const;
     /// The same with a line that points at the place under the expression: blanks and "^".
     bool TryGetErrorMessage(ExitCode& code, WString& message, WString& marker) const;
     /// The name of the last variable that could not be resolved; true when there is one.
     bool TryGetMissingVariableName(WString& name) const;
-    /// One line "label:name=value" for each variable read and function called, with the flag traceVariables.
+    /// With the flag traceVariables, one line "label:name=value" for each variable read and function called; a variable
+    /// of the map and a built-in name are without "label:".
     const WString& GetVariableTrace() const noexcept { return variableTrace; }
     void ClearVariableTrace() noexcept { variableTrace.Clear(); }
 
@@ -92,7 +95,7 @@ public:
     /// Records the error at `at` and returns false.
     bool Fail(const EvaluatorError& error, const wchar_t* at);
 
-    // The steps of an evaluation. All return false with the error recorded.
+    // The steps of an evaluation. They return false with the error recorded, unless said otherwise.
 
     /// Reads one token at the cursor and moves behind it.
     bool GetToken(EEToken& token, wchar_t** cursor);
@@ -103,9 +106,10 @@ public:
     bool InfixFunctionToPostfix(
         const wchar_t* start, EEToken& function, wchar_t*& cursor, int* terminator, EETokenStack& postfix);
     bool EvaluatePostfixExpr(EEToken& result, EETokenStack& postfix);
-    /// Evaluates one level; `terminator` receives what ended it: TT_END, TT_PRMSEP or TT_FUNCOP.
+    /// Evaluates one level; `terminator` receives what ended it: TT_END, TT_PRMSEP or TT_FUNCOP. An error of a value is
+    /// left in `result`, for an enclosing call to test; only what fails without one is recorded.
     bool EvaluatePostfixSubExpr(EEToken& result, EETokenStack& postfix, int* terminator);
-    /// Discards the rest of the current argument.
+    /// Discards the rest of the current argument. Always true.
     bool OnErrorCleanupPostfixStack(EETokenStack& postfix, int* terminator);
 
     // References to the instrument. A missing source is no error here: the token becomes a missing variable.
@@ -162,7 +166,7 @@ private:
     bool ReadNumber(EEToken& token, wchar_t** cursor);
     bool ReadWord(EEToken& token, wchar_t** cursor);
     void ReadVariable(EEToken& token, const WString& name, const wchar_t* at);
-    bool Logged(bool read, const wchar_t* prefix, const WString& name, const EEToken& token);
+    void LogIfEnabled(const wchar_t* prefix, const WString& name, const EEToken& token);
 
     bool Convert(const wchar_t* expression, EETokenStack& postfix);
     bool ReportArgument(const ExpressionEvaluator& nested);

@@ -3,24 +3,15 @@
 #include "ExpressionEvaluatorFunctions.h"
 #include "Instrument/ConfigMetaData.h"
 
-/// The classes of the built-in functions. Most override Evaluate for their arguments and add nothing else.
-#define EE_FUNCTION(Name)                                                                                              \
+/// The classes of the built-in functions. Most override Evaluate for their arguments and add nothing else; what a
+/// function needs besides them is a further parameter.
+#define EE_FUNCTION(Name, ...)                                                                                         \
     class Name : public EEFunction                                                                                     \
     {                                                                                                                  \
     public:                                                                                                            \
         using EEFunction::EEFunction;                                                                                  \
         using EEFunction::Evaluate;                                                                                    \
-        void Evaluate(EEToken& result, EETokenStack& arguments) override;                                              \
-    }
-
-/// The same for those that need the calling evaluator.
-#define EE_EVALUATOR_FUNCTION(Name)                                                                                    \
-    class Name : public EEFunction                                                                                     \
-    {                                                                                                                  \
-    public:                                                                                                            \
-        using EEFunction::EEFunction;                                                                                  \
-        using EEFunction::Evaluate;                                                                                    \
-        void Evaluate(EEToken& result, EETokenStack& arguments, ExpressionEvaluator* evaluator) override;              \
+        void Evaluate(EEToken& result, EETokenStack& arguments __VA_OPT__(, ) __VA_ARGS__) override;                   \
     }
 
 // Logic
@@ -81,11 +72,10 @@ EE_FUNCTION(EEFileExist);
 EE_FUNCTION(EEFileSize);
 EE_FUNCTION(EEFileCrc);
 EE_FUNCTION(EEFileZynqChecksum);
-EE_EVALUATOR_FUNCTION(EEGetEnv);
-EE_EVALUATOR_FUNCTION(EEGetEvent);
+EE_FUNCTION(EEGetEnv, ExpressionEvaluator* evaluator);
+EE_FUNCTION(EEGetEvent, ExpressionEvaluator* evaluator);
 
 #undef EE_FUNCTION
-#undef EE_EVALUATOR_FUNCTION
 
 /// GetProcId, and IsRunning when `answerAsIsRunning` is set.
 class EEGetProcId : public EEFunction

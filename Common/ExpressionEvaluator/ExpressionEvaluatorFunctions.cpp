@@ -5,17 +5,14 @@
 #include "ExpressionEvaluatorFunctionClasses.h"
 #include "Services/ObjectCounters.h"
 
-#include <atomic>
 #include <cmath>
 #include <iterator>
 
-namespace {
-std::atomic<int> liveFunctions_lc{0};
-} // namespace
+std::atomic<int> EEFunction::liveCount{0};
 
 int GetDebugObjectCountExpressionEvaluator_CExprFn()
 {
-    return liveFunctions_lc;
+    return EEFunction::liveCount;
 }
 
 static const AddToDebugObjectCountVector liveCounterEntry_lc(
@@ -146,15 +143,7 @@ static_assert(std::size(functions_lc) + std::size(oneArgFn_lc) - 1 == 89);
 constexpr unsigned int functionBuckets = 67;
 } // namespace
 
-EEFunction::EEFunction(const wchar_t* name, int parameterCount) : name(name), parameterCount(parameterCount)
-{
-    ++liveFunctions_lc;
-}
-
-EEFunction::~EEFunction()
-{
-    --liveFunctions_lc;
-}
+EEFunction::EEFunction(const wchar_t* name, int parameterCount) : name(name), parameterCount(parameterCount) {}
 
 void EEFunction::Evaluate(EEToken& result, EETokenStack&)
 {
@@ -191,11 +180,6 @@ EEFunctionTable::EEFunctionTable() : functions(functionBuckets)
         AddFn(row.make(row.name));
     for (const OneArgumentRow* row = oneArgFn_lc; row->name[0]; ++row)
         AddFn(new EEMathFunctionPointer(row->name, row->routine));
-}
-
-EEFunctionTable::~EEFunctionTable()
-{
-    functions.Clear();
 }
 
 EEFunction* EEFunctionTable::FindOrNull(std::wstring_view name) const

@@ -4,6 +4,7 @@
 #include "EEToken.h"
 #include "EETokenStack.h"
 #include "ExpressionEvaluatorApi.h"
+#include "LiveCounter.h"
 #include "Text/WStringArray.h"
 
 #include <string_view>
@@ -19,7 +20,7 @@ class EE_API EEFunction : public Object
 public:
     /// `parameterCount` is exact, or -1 for a number that the function checks itself.
     EEFunction(const wchar_t* name, int parameterCount);
-    ~EEFunction() override;
+    ~EEFunction() override = default;
     EEFunction(const EEFunction&) = delete;
     EEFunction& operator=(const EEFunction&) = delete;
 
@@ -34,6 +35,10 @@ public:
 private:
     const WString name;
     const int parameterCount;
+
+    static std::atomic<int> liveCount;
+    friend int GetDebugObjectCountExpressionEvaluator_CExprFn();
+    [[no_unique_address]] LiveCounter<liveCount> liveCounter;
 };
 
 /// A routine of one number as a function. A NaN answer becomes the error value 504 "Invalid operation".
@@ -54,7 +59,7 @@ class EE_API EEFunctionTable
 {
 public:
     EEFunctionTable();
-    virtual ~EEFunctionTable();
+    virtual ~EEFunctionTable() = default;
     EEFunctionTable(const EEFunctionTable&) = delete;
     EEFunctionTable& operator=(const EEFunctionTable&) = delete;
 

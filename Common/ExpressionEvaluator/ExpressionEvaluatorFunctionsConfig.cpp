@@ -1,5 +1,6 @@
 #include "ExpressionEvaluatorFunctionClasses.h"
 #include "FunctionArguments.h"
+#include "Saturate.h"
 #include "Services/System.h"
 
 #include <cmath>
@@ -26,6 +27,34 @@ ConfigArguments PopConfigArguments(EETokenStack& arguments, const EvaluatorError
     WString key = PopStrictText(arguments);
     return {std::move(section), std::move(key), arguments.IsEmpty() ? nullptr : &arguments.Pop()};
 }
+
+bool TryReadConfig(EEToken& result, const WString& section, const WString& key, ConfigDataType type)
+{
+    const ConfigFileData& config = System::config;
+    switch (type) {
+    case ConfigDataType::Int:
+        if (int value; config.TryGetInt(section, key, value, IntLimits::min(), IntLimits::max()))
+            return result.SetValue(static_cast<double>(value)), true;
+        return false;
+    case ConfigDataType::UInt:
+        if (unsigned int value; config.TryGetUInt(section, key, value, 0, UIntLimits::max()))
+            return result.SetValue(static_cast<double>(value)), true;
+        return false;
+    case ConfigDataType::Dbl:
+        if (double value; config.TryGetDouble(section, key, value))
+            return result.SetValue(value), true;
+        return false;
+    case ConfigDataType::Str:
+        if (WString value; config.TryGetString(section, key, value))
+            return result.SetValue(value), true;
+        return false;
+    case ConfigDataType::Bool:
+        if (bool value; config.TryGetBool(section, key, value))
+            return result.SetValue(value), true;
+        return false;
+    }
+    throw ExpressionEvaluatorException(Errors::ConfigTypeUnsupported, -1);
+}
 } // namespace
 
 void EEGetConfig::Evaluate(EEToken& result, EETokenStack& arguments)
@@ -37,8 +66,7 @@ void EEGetConfig::Evaluate(EEToken& result, EETokenStack& arguments)
     RegisterConfigDefaultValue(defaultValue, section, key, type);
     WString text;
     double number;
-    if (System::config.TryGetString(section, key, text) &&
-        text.TryParseDouble(number, DoubleLimits::lowest(), DoubleLimits::max()))
+    if (System::config.TryGetString(section, key, text) && text.TryParseDouble(number))
         GetExistingConfigValue(result, section, key, GetBestDataTypeForNumber(number));
     else
         GetExistingConfigValue(result, section, key, type);
@@ -61,30 +89,8 @@ void EEGetConfigType::Evaluate(EEToken& result, EETokenStack& arguments)
 void EEGetConfig::GetExistingConfigValue(
     EEToken& result, const WString& section, const WString& key, ConfigDataType type)
 {
-    switch (type) {
-    case ConfigDataType::Int:
-        if (int value; System::config.TryGetInt(section, key, value, IntLimits::min(), IntLimits::max()))
-            return result.SetValue(static_cast<double>(value));
-        break;
-    case ConfigDataType::UInt:
-        if (unsigned int value; System::config.TryGetUInt(section, key, value, 0, UIntLimits::max()))
-            return result.SetValue(static_cast<double>(value));
-        break;
-    case ConfigDataType::Dbl:
-        if (double value; System::config.TryGetDouble(section, key, value, DoubleLimits::lowest(), DoubleLimits::max()))
-            return result.SetValue(value);
-        break;
-    case ConfigDataType::Str:
-        if (WString value; System::config.TryGetString(section, key, value))
-            return result.SetValue(value);
-        break;
-    case ConfigDataType::Bool:
-        if (bool value; System::config.TryGetBool(section, key, value))
-            return result.SetValue(value);
-        break;
-    default: throw ExpressionEvaluatorException(Errors::ConfigTypeUnsupported, -1);
-    }
-    throw ExpressionEvaluatorException(Errors::ConfigNotConvertible, -1);
+    if (!TryReadConfig(result, section, key, type))
+        throw ExpressionEvaluatorException(Errors::ConfigNotConvertible, -1);
 }
 
 void EEGetConfig::SetupConfigDefaultValue(
@@ -97,10 +103,10 @@ void EEGetConfig::SetupConfigDefaultValue(
     switch (type) {
     case ConfigDataType::Int:
         return result.SetValue(static_cast<double>(config.GetIntOrUseDefault(
-            section, key, ToInt32(defaultValue->GetNumber()), failure, IntLimits::min(), IntLimits::max())));
+            section, key, Saturate<int>(defaultValue->GetNumber()), failure, IntLimits::min(), IntLimits::max())));
     case ConfigDataType::UInt:
         return result.SetValue(static_cast<double>(config.GetUIntOrUseDefault(
-            section, key, ToUInt32(defaultValue->GetNumber()), failure, 0, UIntLimits::max())));
+            section, key, Saturate<unsigned int>(defaultValue->GetNumber()), failure, 0, UIntLimits::max())));
     case ConfigDataType::Dbl:
         return result.SetValue(config.GetDoubleOrUseDefault(
             section, key, defaultValue->GetNumber(), failure, DoubleLimits::lowest(), DoubleLimits::max()));
@@ -123,8 +129,8 @@ void EEGetConfig::RegisterConfigDefaultValue(
         metaData.Update(section, key, type, nullptr, DoubleLimits::lowest(), DoubleLimits::max(), number);
     };
     switch (type) {
-    case ConfigDataType::Int: return update(ToInt32(defaultValue->GetNumber()));
-    case ConfigDataType::UInt: return update(ToUInt32(defaultValue->GetNumber()));
+    case ConfigDataType::Int: return update(Saturate<int>(defaultValue->GetNumber()));
+    case ConfigDataType::UInt: return update(Saturate<unsigned int>(defaultValue->GetNumber()));
     case ConfigDataType::Dbl: return update(defaultValue->GetNumber());
     case ConfigDataType::Bool: return update(defaultValue->GetBool() ? 1 : 0);
     case ConfigDataType::Str:

@@ -1,6 +1,7 @@
 #include "ExpressionEvaluatorFunctionClasses.h"
 #include "FunctionArguments.h"
 #include "NumberFormat.h"
+#include "Saturate.h"
 #include "Services/DateTime.h"
 
 namespace {
@@ -67,7 +68,7 @@ void EERound::Evaluate(EEToken& result, EETokenStack& arguments)
 
 double DateToDays(double date)
 {
-    const int dateInt = FunctionArguments::ToInt32(date);
+    const int dateInt = Saturate<int>(date);
     DateTime dateTime;
     if (dateInt == 0 || !dateTime.TrySetValue(dateInt, 0))
         throw ExpressionEvaluatorException(
@@ -78,7 +79,7 @@ double DateToDays(double date)
 double DaysToDate(double days)
 {
     constexpr int floorDate = 16010101;
-    const int dayNumber = FunctionArguments::ToInt32(days);
+    const int dayNumber = Saturate<int>(days);
     if (!DateTime::IsDaysValid(dayNumber))
         throw ExpressionEvaluatorException(
             Errors::InvalidDays.number, WString::Format(Errors::InvalidDays.message, dayNumber), -1);

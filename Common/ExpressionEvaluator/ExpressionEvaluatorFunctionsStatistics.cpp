@@ -1,5 +1,6 @@
 #include "ExpressionEvaluatorFunctionClasses.h"
 #include "FunctionArguments.h"
+#include "Saturate.h"
 #include "Services/System.h"
 
 #include <algorithm>
@@ -93,7 +94,7 @@ void EEMod::Evaluate(EEToken& result, EETokenStack& arguments)
 {
     const int dividend = PopInt32(arguments);
     const EEToken& argument = arguments.Pop();
-    const int divisor = ToInt32(argument.GetNumber());
+    const int divisor = Saturate<int>(argument.GetNumber());
     if (divisor == 0)
         throw ExpressionEvaluatorException(Errors::ModulusByZero, argument.GetPosition());
     // The quotient of the smallest integer by -1 would overflow.
@@ -137,7 +138,7 @@ void EERand::Evaluate(EEToken& result, EETokenStack& arguments)
     const bool rejects = arguments.Count() == 3;
     const int first = PopInt32(arguments);
     const EEToken& argument = arguments.Pop();
-    const int second = ToInt32(argument.GetNumber());
+    const int second = Saturate<int>(argument.GetNumber());
     const int secondPosition = argument.GetPosition();
     const int rejected = rejects ? PopInt32(arguments) : 0;
     if (first == second)

@@ -14,14 +14,13 @@ namespace {
 void FetchStatus(EEToken& result, const WString& key)
 {
     using IntLimits = std::numeric_limits<int>;
-    using DoubleLimits = std::numeric_limits<double>;
     switch (System::status.GetItemType(key)) {
     case ST_Bool:
         if (bool value; System::status.TryGetBool(key, value))
             return result.SetValue(value);
         throw ExpressionEvaluatorException(Errors::StatusBooleanFailed, -1);
     case ST_Double:
-        if (double value; System::status.TryGetDouble(key, value, DoubleLimits::lowest(), DoubleLimits::max()))
+        if (double value; System::status.TryGetDouble(key, value))
             return result.SetValue(value);
         throw ExpressionEvaluatorException(Errors::StatusDoubleFailed, -1);
     case ST_Int:

@@ -1,5 +1,6 @@
 #include "ExpressionEvaluatorFunctionClasses.h"
 #include "FunctionArguments.h"
+#include "Saturate.h"
 
 #include <algorithm>
 #include <limits>
@@ -12,7 +13,7 @@ constexpr unsigned int maxUInt32 = std::numeric_limits<unsigned int>::max();
 /// A length or an index; a negative one counts as 0.
 unsigned int GetLength(const EEToken& argument)
 {
-    return static_cast<unsigned int>(std::max(ToInt32(argument.GetNumber()), 0));
+    return static_cast<unsigned int>(std::max(Saturate<int>(argument.GetNumber()), 0));
 }
 
 unsigned long long ReadVersion(const EEToken& argument)
@@ -131,7 +132,7 @@ void EEToHex::Evaluate(EEToken& result, EETokenStack& arguments)
     WString format = L"%x";
     if (!arguments.IsEmpty())
         format = WString::Format(L"%%0%dx", arguments.Pop().GetInteger(2, 8));
-    result.SetValue(WString::Format(format.ToCString(), ToUInt32(number)));
+    result.SetValue(WString::Format(format.ToCString(), Saturate<unsigned int>(number)));
 }
 
 void EEFromHex::Evaluate(EEToken& result, EETokenStack& arguments)

@@ -6,8 +6,10 @@
 #include "Text/CharacterCase.h"
 #include "Text/HostError.h"
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
+#include <iterator>
 #include <limits>
 #include <utility>
 
@@ -130,6 +132,16 @@ constexpr OperationRow operations_lc[] = {
     {L"or", Combine<std::logical_or<>>},
     {L"xor", Combine<std::not_equal_to<>>},
 };
+
+constexpr bool HasOperation(const OperatorRow& row)
+{
+    for (const OperationRow& operation : operations_lc)
+        if (operation.name == row.name)
+            return true;
+    return false;
+}
+
+static_assert(std::all_of(std::begin(operatorTable_gb), std::end(operatorTable_gb) - 1, HasOperation));
 
 const OperationRow* FindOperation(std::wstring_view name)
 {
@@ -263,7 +275,7 @@ bool ExpressionEvaluator::CallFunction(
     EEToken value;
     value.SetPosition(position);
     implementation->Evaluate(value, arguments, this);
-    Logged(true, L"Function:", name, value);
+    LogIfEnabled(L"Function:", name, value);
     operands.Push(std::move(value));
     return true;
 }

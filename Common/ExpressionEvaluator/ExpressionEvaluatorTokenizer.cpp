@@ -3,6 +3,7 @@
 #include "EvaluatorErrors.h"
 #include "ExpressionEvaluatorFunctions.h"
 #include "NameCharacters.h"
+#include "OperatorTable.h"
 #include "Services/Clock.h"
 #include "Text/CharacterCase.h"
 #include "Text/NumberText.h"
@@ -41,12 +42,14 @@ bool TrySetBuiltIn(EEToken& token, const WString& name, unsigned int flags)
     return false;
 }
 
-/// The keyword operator that the word is, or null.
+/// The keyword that the word is, an operator of letters, or null.
 const wchar_t* FindKeyword(std::wstring_view word)
 {
-    for (const wchar_t* keyword : {L"or", L"and", L"xor"})
-        if (EqualsIgnoreCase(word, keyword))
-            return keyword;
+    for (const OperatorRow* row = operatorTable_gb; row->name[0]; ++row) {
+        const bool isKeyword = row->name[0] >= L'a' && row->name[0] <= L'z';
+        if (isKeyword && EqualsIgnoreCase(word, row->name))
+            return row->name;
+    }
     return nullptr;
 }
 
@@ -192,5 +195,5 @@ void ExpressionEvaluator::ReadVariable(EEToken& token, const WString& name, cons
     }
     token.SetPosition(position);
     if (!inEnvironment)
-        Logged(true, L"", name, token);
+        LogIfEnabled(L"", name, token);
 }

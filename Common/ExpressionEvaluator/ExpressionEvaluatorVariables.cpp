@@ -6,7 +6,6 @@
 #include <limits>
 
 namespace {
-constexpr double largestDouble = std::numeric_limits<double>::max();
 constexpr int largestInt = std::numeric_limits<int>::max();
 constexpr int smallestInt = std::numeric_limits<int>::min();
 constexpr unsigned int largestUInt = std::numeric_limits<unsigned int>::max();
@@ -15,12 +14,11 @@ constexpr unsigned int largestUInt = std::numeric_limits<unsigned int>::max();
 void SetTypedValue(EEToken& token, const WString& text)
 {
     double number = 0;
-    if (text.TryParseDouble(number, -largestDouble, largestDouble))
+    bool truth = false;
+    if (text.TryParseDouble(number))
         token.SetValue(number);
-    else if (text.Equals(L"true", true))
-        token.SetValue(true);
-    else if (text.Equals(L"false", true))
-        token.SetValue(false);
+    else if (text.TryGetBool(truth))
+        token.SetValue(truth);
     else
         token.SetValue(text);
 }
@@ -41,7 +39,7 @@ bool TryReadStatus(EEToken& token, const WString& name, int type)
             return token.SetValue(value), true;
         return false;
     case ST_Double:
-        if (double value = 0; status.TryGetDouble(name, value, -largestDouble, largestDouble))
+        if (double value = 0; status.TryGetDouble(name, value))
             return token.SetValue(value), true;
         return false;
     case ST_String:
@@ -66,12 +64,10 @@ bool TryReadStatus(EEToken& token, const WString& name, int type)
 }
 } // namespace
 
-/// Logs what was read and passes on whether it could be read.
-bool ExpressionEvaluator::Logged(bool read, const wchar_t* prefix, const WString& name, const EEToken& token)
+void ExpressionEvaluator::LogIfEnabled(const wchar_t* prefix, const WString& name, const EEToken& token)
 {
     if (IsLogging())
         LogVariable(prefix, name, token);
-    return read;
 }
 
 /// reference: "%" kind "{" name "}"
@@ -117,7 +113,9 @@ bool ExpressionEvaluator::TryGetSystemVariableName(wchar_t** cursor, WString& na
 
 bool ExpressionEvaluator::TryGetStatusValue(EEToken& token, const WString& name, const wchar_t* at)
 {
-    return Logged(TryGetStatusValueNoLog(token, name, at), L"Status:", name, token);
+    const bool read = TryGetStatusValueNoLog(token, name, at);
+    LogIfEnabled(L"Status:", name, token);
+    return read;
 }
 
 bool ExpressionEvaluator::TryGetStatusValueNoLog(EEToken& token, const WString& name, const wchar_t* at)
@@ -136,7 +134,9 @@ bool ExpressionEvaluator::TryGetStatusValueNoLog(EEToken& token, const WString& 
 
 bool ExpressionEvaluator::TryGetConfigValue(EEToken& token, const WString& name, const wchar_t* at)
 {
-    return Logged(TryGetConfigValueNoLog(token, name, at), L"Config:", name, token);
+    const bool read = TryGetConfigValueNoLog(token, name, at);
+    LogIfEnabled(L"Config:", name, token);
+    return read;
 }
 
 /// name: "[" section "]" key | section blank key
@@ -163,7 +163,9 @@ bool ExpressionEvaluator::TryGetConfigValueNoLog(EEToken& token, const WString& 
 
 bool ExpressionEvaluator::TryGetUsageLogValue(EEToken& token, const WString& name, const wchar_t* at)
 {
-    return Logged(TryGetUsageLogValueNoLog(token, name, at), L"Usage:", name, token);
+    const bool read = TryGetUsageLogValueNoLog(token, name, at);
+    LogIfEnabled(L"Usage:", name, token);
+    return read;
 }
 
 bool ExpressionEvaluator::TryGetUsageLogValueNoLog(EEToken& token, const WString& name, const wchar_t*)
@@ -179,7 +181,9 @@ bool ExpressionEvaluator::TryGetUsageLogValueNoLog(EEToken& token, const WString
 bool ExpressionEvaluator::TryGetEnvironmentVariableValue(
     EEToken& token, const WString& name, bool reference, const wchar_t* at)
 {
-    return Logged(TryGetEnvironmentVariableValueNoLog(token, name, reference, at), L"Environment:", name, token);
+    const bool read = TryGetEnvironmentVariableValueNoLog(token, name, reference, at);
+    LogIfEnabled(L"Environment:", name, token);
+    return read;
 }
 
 bool ExpressionEvaluator::TryGetEnvironmentVariableValueNoLog(

@@ -1,21 +1,6 @@
 #include "FunctionArguments.h"
 
-#include <limits>
-
-namespace {
-template <typename Integer>
-Integer Saturate(double value) noexcept
-{
-    using Limits = std::numeric_limits<Integer>;
-    if (value != value)
-        return 0;
-    if (value >= static_cast<double>(Limits::max()))
-        return Limits::max();
-    if (value <= static_cast<double>(Limits::min()))
-        return Limits::min();
-    return static_cast<Integer>(value);
-}
-} // namespace
+#include "Saturate.h"
 
 namespace FunctionArguments {
 void CheckCount(
@@ -27,19 +12,9 @@ void CheckCount(
         throw ExpressionEvaluatorException(tooMany, arguments.GetTail().GetPosition());
 }
 
-int ToInt32(double value) noexcept
-{
-    return Saturate<int>(value);
-}
-
-unsigned int ToUInt32(double value) noexcept
-{
-    return Saturate<unsigned int>(value);
-}
-
 int PopInt32(EETokenStack& arguments)
 {
-    return ToInt32(arguments.Pop().GetNumber());
+    return Saturate<int>(arguments.Pop().GetNumber());
 }
 
 WString PopText(EETokenStack& arguments)

@@ -15,11 +15,7 @@ inline void CheckCount(const EETokenStack& arguments, int min, int max, const Ev
     CheckCount(arguments, min, max, error, error);
 }
 
-/// Truncation toward zero, saturating at the 32-bit limits; NaN gives 0.
-int ToInt32(double value) noexcept;
-unsigned int ToUInt32(double value) noexcept;
-
-/// A number as a 32-bit integer.
+/// A number as the nearest 32-bit integer toward zero (see Saturate).
 int PopInt32(EETokenStack& arguments);
 /// A text; numbers and booleans are converted.
 WString PopText(EETokenStack& arguments);

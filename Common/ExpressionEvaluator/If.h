@@ -20,4 +20,5 @@ private:
     ExitCode SplitStatement(const WString& text, Statement& statement);
 };
 
+/// A new command, which the caller owns.
 EE_API CommandBase* CreateCommandIf();

@@ -17,7 +17,25 @@ constexpr wchar_t unaryMinus = L'\u00B1';
 constexpr int noOperatorPriority = 7;
 
 /// All operators in the order in which the help lists them.
-extern const OperatorRow operatorTable_gb[];
+inline constexpr OperatorRow operatorTable_gb[] = {
+    {L"and", 2, 1},
+    {L"or", 2, 1},
+    {L"xor", 2, 1},
+    {L"=", 2, 2},
+    {L">", 2, 2},
+    {L"<", 2, 2},
+    {L"<>", 2, 2},
+    {L">=", 2, 2},
+    {L"<=", 2, 2},
+    {L"+", 2, 3},
+    {L"-", 2, 3},
+    {L"&", 2, 3},
+    {L"*", 2, 4},
+    {L"/", 2, 4},
+    {L"^", 2, 5},
+    {{unaryMinus}, 1, 6},
+    {},
+};
 
 /// The priority of the operator of that name (any case), or noOperatorPriority.
 int FindPriority(std::wstring_view name) noexcept;

@@ -24,4 +24,5 @@ private:
     ExitCode Show(const WString& name, const WString& value);
 };
 
+/// A new command, which the caller owns.
 EE_API CommandBase* CreateCommandSetCommand();

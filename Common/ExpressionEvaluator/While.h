@@ -22,4 +22,5 @@ private:
     ExitCode RunCommands(const Loop& loop);
 };
 
+/// A new command, which the caller owns.
 EE_API CommandBase* CreateCommandWhile();

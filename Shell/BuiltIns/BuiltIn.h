@@ -18,7 +18,7 @@ struct BuiltInRecord
 enum BuiltInExit : unsigned int
 {
     badCount = 1,  // wrong number of arguments
-    badOption = 2, // an option that the command does not know
+    badOption = 2, // an option that the command does not know, or that another one excludes
     badOptionValue = 3,
     badValue = 4, // an argument that does not serve
     notFound = 5,

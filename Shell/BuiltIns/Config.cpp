@@ -24,7 +24,7 @@ public:
 
 protected:
     void GetNames(WStringArray& names) override;
-    bool TryGet(const WString& name, WString& value) override;
+    bool TryGet(const WString& name, WString& value) override { return Reference::TryGetConfig(name, value); }
     void Set(const WString& name, const WString& value) override;
 };
 
@@ -50,13 +50,6 @@ void Config::GetNames(WStringArray& names)
         for (const WString& key : keys)
             names.Add(WString::Format(L"[%s]%s", section, key));
     }
-}
-
-bool Config::TryGet(const WString& name, WString& value)
-{
-    WString section;
-    WString key;
-    return Reference::TrySplitConfigName(name, section, key) && System::config.TryGetString(section, key, value);
 }
 
 void Config::Set(const WString& name, const WString& value)

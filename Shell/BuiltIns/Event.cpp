@@ -1,8 +1,6 @@
 #include "BuiltIns/ItemCommand.h"
 #include "Instrument/OS9EventManager.h"
-#include "Text/WholeNumber.h"
 
-#include <limits>
 #include <memory>
 
 namespace {
@@ -55,9 +53,7 @@ bool Event::TryGet(const WString& name, WString& value)
 
 void Event::Set(const WString& name, const WString& value)
 {
-    int number = 0;
-    if (!TryParseWhole(value.View(), number, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()))
-        Fail(badValue, value + L" is no 32-bit whole number");
+    const int number = ReadInt32(value);
     if (const EventReference event{OS9EventManager::GetOS9Event(name)})
         event->Write(number);
     else if (!OS9EventManager::TryCreate(name, number))

@@ -10,7 +10,6 @@ constexpr const wchar_t* usage_lc[] = {
     L" of the expression evaluator.",
 };
 constexpr BuiltInRecord record_lc = {L"Help", 2006, usage_lc};
-constexpr const wchar_t* functionTexts_lc = L"FUNCTIONS.TXT";
 
 class Help : public BuiltIn
 {
@@ -69,13 +68,12 @@ void Help::ListCommands()
 /// Looks through the texts of all plug-ins.
 bool Help::TryDescribeFunction(const WString& name)
 {
-    std::string lastFile;
+    std::string lastFile; // the commands of a plug-in stand together
     for (const CommandRegistry::Entry& command : CommandRegistry::GetEntries()) {
-        std::string contents;
-        if (command.file == lastFile || !EmbeddedResource::TryReadSection(command.file, ".ov.FUNCTIONS.TXT", contents))
+        if (command.file == lastFile)
             continue;
         lastFile = command.file;
-        EmbeddedResource texts(command.name.ToCString(), functionTexts_lc);
+        EmbeddedResource texts(command.file, L"FUNCTIONS.TXT");
         if (TryDescribeFunction(texts, name))
             return true;
     }

@@ -1,6 +1,9 @@
 #include "BuiltIns/ItemCommand.h"
 
 #include "Commands/TableFormatter.h"
+#include "Text/WholeNumber.h"
+
+#include <limits>
 
 ExitCode ItemCommand::Main(ArgumentList& arguments, Options& options)
 {
@@ -14,6 +17,14 @@ ExitCode ItemCommand::Main(ArgumentList& arguments, Options& options)
     else
         Show(argument);
     return ExitCode(0);
+}
+
+int ItemCommand::ReadInt32(const WString& value)
+{
+    int number = 0;
+    if (!TryParseWhole(value.View(), number, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()))
+        Fail(badValue, value + L" is no 32-bit whole number");
+    return number;
 }
 
 void ItemCommand::Show(const WString& name)

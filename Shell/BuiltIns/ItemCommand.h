@@ -17,6 +17,9 @@ protected:
     /// Fails when the value does not serve.
     virtual void Set(const WString& name, const WString& value) = 0;
 
+    /// The value as a number; fails when it is no 32-bit whole one.
+    int ReadInt32(const WString& value);
+
 private:
     void Show(const WString& name);
     void List(const WString& pattern);

@@ -2,20 +2,25 @@
 
 #include "Services/File.h"
 
-/// The text as it stands between tags or in double quotes; characters that XML cannot hold become question marks.
+/// The text as it stands in an attribute; characters that XML cannot hold become question marks.
 static std::string Escape(const WString& text)
 {
-    std::string result;
-    for (const char ch : text.ToUtf8()) {
+    WString result;
+    for (const wchar_t ch : text) {
         switch (ch) {
-        case '<': result += "&lt;"; break;
-        case '>': result += "&gt;"; break;
-        case '&': result += "&amp;"; break;
-        case '"': result += "&quot;"; break;
-        default: result += static_cast<unsigned char>(ch) >= ' ' || ch == '\n' || ch == '\t' ? ch : '?';
+        case L'<': result += L"&lt;"; break;
+        case L'>': result += L"&gt;"; break;
+        case L'&': result += L"&amp;"; break;
+        case L'"': result += L"&quot;"; break;
+        case L'\t': result += L"&#9;"; break; // as such, blank space would be read as a blank
+        case L'\n': result += L"&#10;"; break;
+        case L'\r': result += L"&#13;"; break;
+        case L'\uFFFE':
+        case L'\uFFFF': result += L'?'; break;
+        default: result += ch < L' ' ? L'?' : ch;
         }
     }
-    return result;
+    return result.ToUtf8();
 }
 
 void JUnitReport::Add(const AutomaticTestEntry& test, const std::vector<WString>& failures)

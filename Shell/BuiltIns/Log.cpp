@@ -15,7 +15,7 @@ constexpr const wchar_t* usage_lc[] = {
     L"Arguments:",
     L" <name>  ErrorLog, the default, EELog (the expression evaluator's), or",
     L"          another log of a plug-in.",
-    L"Options:",
+    L"Options: (one at most)",
     L" -n<lines>  The number of lines to show, 20 by default.",
     L" -c         Clear the log.",
     L" -e         Enable the log from now on.",
@@ -46,11 +46,13 @@ bool IsLogName(const WString& name)
 ExitCode Log::Main(ArgumentList& arguments, Options& options)
 {
     int lineCount = 20;
-    options.TryGetInt(L"n", badOptionValue, lineCount, 1, 1000000);
+    const bool counts = options.TryGetInt(L"n", badOptionValue, lineCount, 1, 1000000);
     const bool clears = options.TryGetFlag(L"c", badOptionValue);
     const bool enables = options.TryGetFlag(L"e", badOptionValue);
     const bool disables = options.TryGetFlag(L"d", badOptionValue);
     Accept(arguments, options, 0, 1);
+    if (counts + clears + enables + disables > 1)
+        Fail(badOption, L"Only one of the options -n, -c, -e and -d can be given");
     const WString name = arguments.Count() == 0 ? L"ErrorLog" : arguments.At(0);
     if (!IsLogName(name))
         Fail(badValue, name + L" is no name of a log");

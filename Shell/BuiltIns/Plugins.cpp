@@ -1,11 +1,10 @@
 #include "BuiltIns/BuiltIn.h"
 #include "Commands/EmbeddedResource.h"
-#include "Text/WStringArray.h"
 
 namespace {
 constexpr const wchar_t* usage_lc[] = {
     L"Usage: Plugins",
-    L" Lists the loaded plug-ins with their version records.",
+    L" Lists the plug-ins that offer commands, with their version records.",
 };
 constexpr BuiltInRecord record_lc = {L"Plugins", 2008, usage_lc};
 
@@ -16,7 +15,7 @@ public:
     ExitCode Main(ArgumentList& arguments, Options& options) override;
 
 private:
-    void Show(const CommandRegistry::Entry& command);
+    void Show(const std::string& file);
 };
 
 ExitCode Plugins::Main(ArgumentList& arguments, Options& options)
@@ -25,19 +24,16 @@ ExitCode Plugins::Main(ArgumentList& arguments, Options& options)
     std::string lastFile; // the commands of a plug-in stand together
     for (const CommandRegistry::Entry& command : CommandRegistry::GetEntries()) {
         if (command.file != lastFile)
-            Show(command);
+            Show(command.file);
         lastFile = command.file;
     }
     return ExitCode(0);
 }
 
-void Plugins::Show(const CommandRegistry::Entry& command)
+void Plugins::Show(const std::string& file)
 {
-    GetPipe().DoWriteLine(WString::FromUtf8(command.file));
-    std::string record;
-    if (!EmbeddedResource::TryReadSection(command.file, ".ov.version", record))
-        return;
-    for (EmbeddedResource lines(command.name.ToCString(), L"version"); !lines.EndOfFile();) {
+    GetPipe().DoWriteLine(WString::FromUtf8(file));
+    for (EmbeddedResource lines(file, L"version"); !lines.EndOfFile();) {
         const WString line = lines.ReadLine();
         if (!line.IsEmpty())
             GetPipe().DoWriteLine(L"  " + line);

@@ -2,6 +2,7 @@
 #include "BuiltIns/JUnitReport.h"
 #include "Commands/TestCommand.h"
 #include "Services/Abort.h"
+#include "Text/HostError.h"
 
 namespace {
 constexpr const wchar_t* usage_lc[] = {
@@ -28,6 +29,10 @@ TestCommand RunTest(const AutomaticTestEntry& entry)
     TestCommand test{Environment()};
     try {
         entry.run(test);
+    } catch (const HostException& exception) {
+        test.Fail(L"The test threw: " + exception.ToString() + L" " + exception.GetMessage());
+    } catch (const ExitCode& code) {
+        test.Fail(L"The test threw: " + code.ToString());
     } catch (const std::exception& exception) {
         test.Fail(L"The test threw: " + WString::FromUtf8(exception.what()));
     } catch (...) {

@@ -1,8 +1,6 @@
 #include "BuiltIns/ItemCommand.h"
+#include "Commands/Reference.h"
 #include "Services/System.h"
-#include "Text/WholeNumber.h"
-
-#include <limits>
 
 namespace {
 constexpr const wchar_t* usage_lc[] = {
@@ -20,25 +18,13 @@ public:
 
 protected:
     void GetNames(WStringArray& names) override { System::usage.GetNames(names); }
-    bool TryGet(const WString& name, WString& value) override;
+    bool TryGet(const WString& name, WString& value) override { return Reference::TryGetUsage(name, value); }
     void Set(const WString& name, const WString& value) override;
 };
 
-bool Usage::TryGet(const WString& name, WString& value)
-{
-    int count = 0;
-    if (!System::usage.TryGetUsageValue(name.ToCString(), count))
-        return false;
-    value = WString::Format(L"%d", count);
-    return true;
-}
-
 void Usage::Set(const WString& name, const WString& value)
 {
-    int count = 0;
-    if (!TryParseWhole(value.View(), count, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()))
-        Fail(badValue, value + L" is no 32-bit whole number");
-    if (!System::usage.Set(name.ToCString(), count))
+    if (!System::usage.Set(name.ToCString(), ReadInt32(value)))
         Fail(failed, L"The usage counters cannot be written");
 }
 } // namespace

@@ -122,7 +122,8 @@ TEST(RegistryTest, FactoriesAreExported)
 TEST(RegistryTest, TheVersionStandsInASectionOfTheFile)
 {
     std::string text;
-    ASSERT_TRUE(EmbeddedResource::TryReadSection(PLUGIN_FILE, ".ov.version", text));
+    for (EmbeddedResource lines(PLUGIN_FILE, L"version"); !lines.EndOfFile();)
+        text += lines.ReadLine().ToUtf8() + "\n";
     EXPECT_EQ(text,
         "Version: 6.0.6.5480\nProductName: OrvaneX9\nFirmwareType: E168\n"
         "FileName: ExpressionEvaluator.dll\nPurpose: Firmware\nTimestamp: 20240815 16:24:08\n\n");

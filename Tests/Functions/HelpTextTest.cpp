@@ -4,11 +4,11 @@
 #include <sstream>
 
 namespace {
-std::string ReadHelpText(const std::string& name)
+std::string ReadHelpText(const wchar_t* name)
 {
     std::string text;
-    EXPECT_TRUE(EmbeddedResource::TryReadSection(PLUGIN_FILE, ".ov." + name, text)) << name;
-    std::erase(text, '\r');
+    for (EmbeddedResource lines(PLUGIN_FILE, name); !lines.EndOfFile();)
+        text += lines.ReadLine().ToUtf8() + "\n";
     return text;
 }
 
@@ -30,7 +30,7 @@ TEST(HelpTexts, EveryExampleIsTrue)
 {
     const std::string arrow = " -> ";
     int examples = 0;
-    std::istringstream lines(ReadHelpText("HELP.TXT") + "\n" + ReadHelpText("FUNCTIONS.TXT"));
+    std::istringstream lines(ReadHelpText(L"HELP.TXT") + ReadHelpText(L"FUNCTIONS.TXT"));
     for (std::string line; std::getline(lines, line);) {
         const std::size_t at = line.find(arrow);
         if (at == std::string::npos)
@@ -43,7 +43,7 @@ TEST(HelpTexts, EveryExampleIsTrue)
 
 TEST(HelpTexts, EveryFunctionHasAnEntry)
 {
-    const std::string text = "\n" + ReadHelpText("FUNCTIONS.TXT");
+    const std::string text = "\n" + ReadHelpText(L"FUNCTIONS.TXT");
     WStringArray names;
     ExpressionEvaluator::GetSupportedFunctions(names);
     for (const WString& name : names) {

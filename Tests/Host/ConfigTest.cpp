@@ -29,7 +29,7 @@ protected:
         std::string result = config.TryGetBool(L"S", key, flag) ? flag ? "true" : "false" : "-";
         result += config.TryGetInt(L"S", key, number, INT_MIN, INT_MAX) ? " " + std::to_string(number) : " -";
         result += config.TryGetUInt(L"S", key, count, 0, UINT_MAX) ? " " + std::to_string(count) : " -";
-        const bool isReal = config.TryGetDouble(L"S", key, real, -DBL_MAX, DBL_MAX);
+        const bool isReal = config.TryGetDouble(L"S", key, real);
         return result + (isReal ? WString::Format(L" %.12g", real).ToUtf8() : " -");
     }
 };

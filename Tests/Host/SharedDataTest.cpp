@@ -8,9 +8,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 /// The files that several shells, and an editor, use at once.
@@ -55,13 +57,34 @@ TEST_F(SharedData, WhatAnEditorRemovedStaysRemoved)
     EXPECT_TRUE(status.TrySet(L"Z", L"2"));
     status.Save();
     EXPECT_EQ(folder.Read("Data.ini"), "[Items]\nX=int:1\nZ=int:2\n");
-    EXPECT_FALSE(status.SetAfter(L"Live", L"2", 1) || status.SetAfter(L"X", L"text", 1));
+    EXPECT_FALSE(status.TrySetAfter(L"Live", L"2", 1) || status.TrySetAfter(L"X", L"text", 1));
 
     config.Load(path);
     EXPECT_TRUE(config.TryDelete(L"Items", L"X"));
     folder.Write("Data.ini", "[Items]\nX=int:1\nNew=int:3\n");
     config.Save();
     EXPECT_EQ(folder.Read("Data.ini"), "[Items]\nNew=int:3\n");
+}
+
+TEST_F(SharedData, AFullDiskCutsNoLineAndLosesNoChange)
+{
+    System::Start(folder.GetPath(), SOURCE_DIR "/Shell/Profile");
+    LogFile log(L"", L"Log", 1000);
+    log.SetEnabled(true);
+    log.DoWriteLine(L"12345");
+    status.Load(path);
+    EXPECT_TRUE(status.TrySet(L"X", L"2"));
+    std::signal(SIGXFSZ, SIG_IGN); // a file beyond the limit is an error, as on a full disk
+    const rlimit full = {8, RLIM_INFINITY};
+    rlimit former;
+    ASSERT_EQ(prlimit(0, RLIMIT_FSIZE, &full, &former), 0);
+    log.DoWriteLine(L"6789");
+    const std::string refusal = GetThrown([&] { status.Save(); });
+    ASSERT_EQ(prlimit(0, RLIMIT_FSIZE, &former, nullptr), 0);
+    EXPECT_EQ(folder.Read("Log.txt") + refusal, "12345\n0:1:10 File error: " + path + ": File too large");
+    folder.Write("Data.ini", "[Items]\nX=int:1\nY=int:3\n");
+    status.Save();
+    EXPECT_EQ(folder.Read("Data.ini"), "[Items]\nX=int:2\nY=int:3\n") << "what could not be saved still is to be";
 }
 
 TEST_F(SharedData, LocksAndFifosHoldNobodyUp)

@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cfloat>
 #include <climits>
 #include <thread>
 #include <tuple>
@@ -44,7 +43,7 @@ protected:
         unsigned int count = 0;
         WString result = WString::Format(L"%x:", status.GetItemType(name));
         result += status.TryGetBool(name, flag) ? flag ? L" true" : L" false" : L" -";
-        result += status.TryGetDouble(name, real, -DBL_MAX, DBL_MAX) ? WString::Format(L" %g", real) : L" -";
+        result += status.TryGetDouble(name, real) ? WString::Format(L" %g", real) : L" -";
         result += status.TryGetString(name, text) ? L" " + text : L" -";
         result += status.TryGetExitCode(name, code) ? L" " + code.ToString() : L" -";
         result += status.TryGetInt(name, number, INT_MIN, INT_MAX) ? WString::Format(L" %d", number) : L" -";
@@ -136,17 +135,17 @@ TEST_F(StatusItems, DelayedValuesTakeEffectWhenDue)
 {
     clock.Sleep(UINT_MAX - 1000); // so that the clock wraps within the delays
     Load("Stable=bool:false\n");
-    status.SetAfter(L"stable", L"true", 2500);
-    status.SetAfter(L"New", L"1", 2000);
-    status.SetAfter(L"NEW", L"2", 3000);
-    status.SetAfter(L"Stuck", L"2", UINT_MAX);
+    status.TrySetAfter(L"stable", L"true", 2500);
+    status.TrySetAfter(L"New", L"1", 2000);
+    status.TrySetAfter(L"NEW", L"2", 3000);
+    status.TrySetAfter(L"Stuck", L"2", UINT_MAX);
     const std::pair<unsigned int, const char*> rows[] = {{2499, "false - -"}, {1, "true - -"}, {499, "true - -"},
         {1, "true 2 -"}, {INT_MAX - 3001u, "true 2 -"}, {1, "true 2 2"}};
     for (const auto& [wait, texts] : rows) {
         clock.Sleep(wait);
         EXPECT_EQ(Get({L"Stable", L"New", L"Stuck"}), texts);
     }
-    status.SetAfter(L"Stable", L"no boolean", 0);
+    status.TrySetAfter(L"Stable", L"no boolean", 0);
     EXPECT_EQ(Get({L"Stable"}), "true");
 }
 

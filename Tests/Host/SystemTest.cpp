@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cfloat>
-
 namespace fs = std::filesystem;
 
 class SystemStart : public testing::Test
@@ -41,8 +39,8 @@ TEST_F(SystemStart, MakesTheFolderFromTheProfile)
     EXPECT_TRUE(matches(L"InfoDate", L"20*-*-*") && matches(L"InfoTime", L"*:*:*"));
     double first = -1;
     double second = -1;
-    EXPECT_TRUE(System::status.TryGetDouble(L"UpTime", first, 0, DBL_MAX));
-    EXPECT_TRUE(System::status.TryGetDouble(L"UpTime", second, first, DBL_MAX));
+    EXPECT_TRUE(
+        System::status.TryGetDouble(L"UpTime", first, 0) && System::status.TryGetDouble(L"UpTime", second, first));
 
     folder.Write("a%20b?#/c/Status.ini", "[Items]\nOwn=int:1\n");
     System::Start(data, profile);

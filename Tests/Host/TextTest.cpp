@@ -68,6 +68,7 @@ TEST(WString, CutsAndFindsWithinItsEnds)
     WString item(L"unchanged");
     EXPECT_FALSE(WString(L"A;B").TryGetListItem(item, UINT_MAX, L';'));
     EXPECT_EQ(item, L"unchanged");
+    EXPECT_EQ(GetThrown([] { WString((1u << 24) + 1, L'x'); }), "0:1:12 The text is too long");
 }
 
 TEST(WString, ConvertsUtf8)

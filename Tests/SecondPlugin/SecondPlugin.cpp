@@ -3,6 +3,7 @@
 #include "Commands/CommandBase.h"
 #include "Commands/CommandRegistry.h"
 #include "Commands/TestCommand.h"
+#include "Text/HostError.h"
 
 namespace {
 class Second : public CommandBase
@@ -33,7 +34,7 @@ void RunTests(TestCommand& test)
     Assertion::AreEqual(test, 0.5, 0.25, L"%s");
     Assertion::AreEqual(test, L"9015:0:13", test.Run(L"Assert 1=2", output).ToString(), L"another's command");
     Assertion::IsTrue(test, output.IsEmpty(), L"output");
-    throw std::runtime_error("on purpose");
+    throw HostException(HostError::FileError, L"on\npurpose\uFFFF");
 }
 } // namespace
 

@@ -92,7 +92,7 @@ TEST(ShellTest, SeveralPlugins)
         "  second: expected \"<&>\", got \"\"\x01\"\"\n"
         "  %s: expected 0.5, got 0.25\n"
         "  output\n"
-        "  The test threw: on purpose\n"
+        "  The test threw: 0:1:10 File error: on\npurpose\uFFFF\n"
         "Test: 2011:0:6 1 of 1 tests failed\nexit 1");
     EXPECT_THAT(labsh.folder.Read("data/ErrorLog.txt"), testing::Not(testing::HasSubstr("1=2")));
     EXPECT_EQ(labsh.folder.Read("the report.xml"), R"(<?xml version="1.0" encoding="UTF-8"?>
@@ -101,7 +101,7 @@ TEST(ShellTest, SeveralPlugins)
     <failure message="second: expected &quot;&lt;&amp;&gt;&quot;, got &quot;&quot;?&quot;&quot;"/>
     <failure message="%s: expected 0.5, got 0.25"/>
     <failure message="output"/>
-    <failure message="The test threw: on purpose"/>
+    <failure message="The test threw: 0:1:10 File error: on&#10;purpose?"/>
   </testcase>
 </testsuite>
 )");
@@ -111,7 +111,7 @@ TEST(ShellTest, SeveralPlugins)
 TEST(ShellTest, DelayedStatusIsSetBeforeTheEnd)
 {
     Labsh labsh;
-    EXPECT_EQ(labsh.Run({}, "Status -d0.05 ShellTest=7\nStatus -d0.01 Other=true\n"), 0);
+    EXPECT_EQ(labsh.Run({"-k"}, "Status -d0.05 ShellTest=7\nNope\nStatus -d0.01 Other=true\n"), 1);
     EXPECT_EQ(labsh.Run({}, "Status ShellTest\nStatus Other\n"), 0);
     EXPECT_EQ(labsh.GetOutput(), "ShellTest=7\nOther=true\n");
 }

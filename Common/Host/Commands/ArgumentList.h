@@ -1,6 +1,5 @@
 #pragma once
 
-#include "HostApi.h"
 #include "Text/WString.h"
 #include "Text/WStringArray.h"
 

@@ -9,7 +9,8 @@
 #include "Text/ExitCode.h"
 #include "Text/WString.h"
 
-/// Flags of a command, in one word: the upper ones are set by its constructor, the lower ones by the run.
+/// Flags of a command, in one word: the first three are set by its constructor, the last three by the run. Nothing here
+/// reads inheritedOutput and toleratesFailure; they are set for other hosts.
 namespace CommandFlags {
 constexpr unsigned int noSubstitution = 1u << 31; // the argument text is taken as it stands
 constexpr unsigned int singleArgument = 1u << 30; // all that follows the options is one argument, trimmed
@@ -36,21 +37,27 @@ struct CommandReference
     unsigned int commandId = 0;
 };
 
-/// Base of all commands. A command object serves one run: the runner gives it output, environment and flags, then calls
-/// OnStart, HandleStandardOptions, Main and OnExit.
+/// Base of all commands. A command object serves one run, on one thread: the runner gives it output, environment and
+/// flags, then calls OnStart, HandleStandardOptions, Main and OnExit.
 class HOST_API CommandBase
 {
 public:
     virtual WString GetName() = 0;
     virtual unsigned int GetCommandId() = 0;
+    /// When the source was made, as text for people; may be empty. Lives as long as the command's library.
     virtual const char* GetSourceCodeTimestamp() = 0;
     virtual CommandType GetCommandType();
     /// Does the command's work; an ExitCode thrown out of it is its result as well.
     virtual ExitCode Main(ArgumentList& arguments, Options& options) = 0;
     virtual void ShowUsage() = 0;
+    /// With the parsed line, before the other operations of a run. An ExitCode thrown out of it is the command's
+    /// result, and Main is not called.
     virtual void OnStart(ArgumentList& arguments, Options& options);
+    /// At the end of each run, failed or not; may change its exit code.
     virtual void OnExit(ExitCode& exitCode);
+    /// Takes the options that several commands share, before Main looks at the rest.
     virtual void HandleStandardOptions(Options& options);
+    // Called by hosts that abort, hold or signal single commands; never by this one.
     virtual void OnAbort(bool& handled);
     virtual void OnPause(bool pause, PauseArgument& argument);
     virtual void SignalHandler(const CommandReference& sender, unsigned int signal, Object* argument);

@@ -4,12 +4,12 @@
 #include "Commands/CommandBase.h"
 #include "HostApi.h"
 #include "Text/WString.h"
-#include "Text/WStringArray.h"
 
 #include <memory>
 #include <string>
 #include <vector>
 
+/// Makes a command, which the caller owns.
 using CommandFactory = CommandBase* (*)();
 
 /// The commands and automatic tests that can be run, by name in any case. Filled at start; not locked.
@@ -27,6 +27,7 @@ public:
     /// Makes one command to ask for its name and id, and adds it. A name already taken is refused with false.
     static bool Add(CommandFactory factory, const std::string& file);
     static void AddTest(const AutomaticTestEntry& entry);
+    /// Null when there is none of that name; valid until the next Add.
     static const Entry* FindOrNull(const WString& name);
     static const std::vector<Entry>& GetEntries();
     static const std::vector<AutomaticTestEntry>& GetTests();

@@ -6,7 +6,8 @@
 
 #include <memory>
 
-/// Runs command lines.
+/// Runs command lines. Threads may do so at once, each with an output of its own; the nesting is counted for each
+/// thread.
 class HOST_API CommandRunner
 {
 public:

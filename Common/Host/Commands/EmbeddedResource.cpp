@@ -34,6 +34,20 @@ bool TryFindSection(Elf* elf, const std::string& section, std::string& contents)
     }
     return false;
 }
+
+bool TryReadSection(const std::string& file, const std::string& section, std::string& contents)
+{
+    const FileDescriptor descriptor(open(file.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!descriptor.IsOpen() || elf_version(EV_CURRENT) == EV_NONE)
+        return false;
+    const std::unique_ptr<Elf, ElfEnder> elf(elf_begin(descriptor.Get(), ELF_C_READ, nullptr));
+    return elf && TryFindSection(elf.get(), section, contents);
+}
+
+std::string GetSectionName(const wchar_t* resourceName)
+{
+    return ".ov." + WString(resourceName).ToUtf8();
+}
 } // namespace
 
 EmbeddedResource::EmbeddedResource(const wchar_t* commandName, const wchar_t* resourceName)
@@ -41,9 +55,14 @@ EmbeddedResource::EmbeddedResource(const wchar_t* commandName, const wchar_t* re
     const CommandRegistry::Entry* entry = CommandRegistry::FindOrNull(commandName);
     if (!entry)
         throw HostException(HostError::FileError, WString(L"no command ") + commandName);
-    const std::string section = ".ov." + WString(resourceName).ToUtf8();
+    const std::string section = GetSectionName(resourceName);
     if (!TryReadSection(entry->file, section, text))
         throw HostException(HostError::FileError, WString::FromUtf8(entry->file + ": no section " + section));
+}
+
+EmbeddedResource::EmbeddedResource(const std::string& file, const wchar_t* resourceName)
+{
+    TryReadSection(file, GetSectionName(resourceName), text);
 }
 
 WString EmbeddedResource::ReadLine()
@@ -54,13 +73,4 @@ WString EmbeddedResource::ReadLine()
     if (line.ends_with('\r'))
         line.remove_suffix(1);
     return WString::FromUtf8(line);
-}
-
-bool EmbeddedResource::TryReadSection(const std::string& file, const std::string& section, std::string& contents)
-{
-    const FileDescriptor descriptor(open(file.c_str(), O_RDONLY | O_CLOEXEC));
-    if (!descriptor.IsOpen() || elf_version(EV_CURRENT) == EV_NONE)
-        return false;
-    const std::unique_ptr<Elf, ElfEnder> elf(elf_begin(descriptor.Get(), ELF_C_READ, nullptr));
-    return elf && TryFindSection(elf.get(), section, contents);
 }

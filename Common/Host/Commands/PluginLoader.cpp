@@ -3,9 +3,9 @@
 #include "Commands/CommandRegistry.h"
 #include "Text/HostError.h"
 
-#include <cstring>
 #include <dlfcn.h>
 #include <filesystem>
+#include <system_error>
 
 // The registry that every plug-in exports; the names carry the types of the arguments.
 using GetNextCommand = CommandFactory(unsigned int index);
@@ -45,7 +45,7 @@ void PluginLoader::Load(const std::string& path)
         Find<TryGetNextAutomaticTest>(library, file, "_Z34DllRegistryTryGetNextAutomaticTestiR18AutomaticTestEntry");
 
     if (const int error = selectDll(file.c_str()))
-        Fail(file, std::string("its registry cannot name its file: ") + std::strerror(error));
+        Fail(file, "its registry cannot name its file: " + std::generic_category().message(error));
     unsigned int commands = 0;
     for (; const CommandFactory factory = getNextCommand(commands); ++commands) {
         if (!CommandRegistry::Add(factory, file))

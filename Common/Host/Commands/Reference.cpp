@@ -7,28 +7,12 @@
 #include <algorithm>
 
 namespace {
-bool TryGetConfig(const WString& name, WString& value)
-{
-    WString section;
-    WString key;
-    return Reference::TrySplitConfigName(name, section, key) && System::config.TryGetString(section, key, value);
-}
-
-bool TryGetUsage(const WString& name, WString& value)
-{
-    int count = 0;
-    if (!System::usage.TryGetUsageValue(name.ToCString(), count))
-        return false;
-    value = WString::Format(L"%d", count);
-    return true;
-}
-
 bool TryGetValue(wchar_t kind, const WString& name, const Environment& environment, WString& value)
 {
     switch (ToUpper(kind)) {
     case L'S': return System::status.TryGetFormattedString(name, value);
-    case L'C': return TryGetConfig(name, value);
-    case L'U': return TryGetUsage(name, value);
+    case L'C': return Reference::TryGetConfig(name, value);
+    case L'U': return Reference::TryGetUsage(name, value);
     default: return environment.TryGetString(name, value);
     }
 }
@@ -71,5 +55,21 @@ bool Reference::TrySplitConfigName(const WString& name, WString& section, WStrin
         return false;
     section = WString(text.substr(bracketed, end - bracketed)).Trim();
     key = WString(text.substr(end + 1)).Trim();
+    return true;
+}
+
+bool Reference::TryGetConfig(const WString& name, WString& value)
+{
+    WString section;
+    WString key;
+    return TrySplitConfigName(name, section, key) && System::config.TryGetString(section, key, value);
+}
+
+bool Reference::TryGetUsage(const WString& name, WString& value)
+{
+    int count = 0;
+    if (!System::usage.TryGetUsageValue(name.ToCString(), count))
+        return false;
+    value = WString::Format(L"%d", count);
     return true;
 }

@@ -13,4 +13,8 @@ HOST_API WString ReplaceAll(const WString& text, const Environment& environment)
 
 /// Splits "[section]key" or "section key"; false when the name is neither.
 HOST_API bool TrySplitConfigName(const WString& name, WString& section, WString& key);
+/// The text of the setting of such a name; false when there is none.
+HOST_API bool TryGetConfig(const WString& name, WString& value);
+/// The value of the usage counter as text; false when there is none.
+HOST_API bool TryGetUsage(const WString& name, WString& value);
 } // namespace Reference

@@ -6,7 +6,8 @@
 
 #include <vector>
 
-/// One run of an automatic test: it counts the checks, keeps the failures, and lets the test run commands.
+/// One run of an automatic test: it counts the checks, keeps the failures, and lets the test run commands. For the
+/// thread that runs the test.
 class HOST_API TestCommand
 {
 public:

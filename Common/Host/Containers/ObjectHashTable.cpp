@@ -35,6 +35,7 @@ Object* ObjectHashTable::GetObjectOrNull(std::wstring_view name) const noexcept
 
 void ObjectHashTable::GetKeys(WStringArray& names) const
 {
+    names.Clear();
     for (const auto& entry : objects)
         names.Add(entry.first);
 }

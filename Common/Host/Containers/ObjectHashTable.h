@@ -36,10 +36,11 @@ public:
     bool Add(const WString& name, std::shared_ptr<Object> object);
     /// Adds the object or replaces the one of that name.
     void Insert(const WString& name, std::shared_ptr<Object> object);
+    /// Null when there is none; the table goes on owning the object, until it is replaced or the table is cleared.
     Object* GetObjectOrNull(std::wstring_view name) const noexcept;
     std::size_t Count() const noexcept { return objects.size(); }
     void Clear() noexcept { objects.clear(); }
-    /// Adds the names to `names`, in no particular order.
+    /// All names, in no particular order.
     void GetKeys(WStringArray& names) const;
 
 private:

@@ -4,7 +4,7 @@
 #include "Text/HostError.h"
 
 #include <cmath>
-#include <limits>
+#include <concepts>
 #include <mutex>
 #include <optional>
 #include <vector>
@@ -36,15 +36,36 @@ void ConfigFileData::Data::Reload()
             file.TryDelete(section, key);
 }
 
+static bool TryRead(const WString& text, bool& value, bool, bool)
+{
+    return text.TryGetBool(value);
+}
+
+static bool TryRead(const WString& text, double& value, double min, double max)
+{
+    return text.TryParseDouble(value, min, max);
+}
+
 /// A whole number in any decimal form: "12", "12.0" or "1.2e1".
-template <typename Integer>
-static bool TryReadWhole(const WString& text, Integer& value, Integer min, Integer max)
+template <std::integral Integer>
+static bool TryRead(const WString& text, Integer& value, Integer min, Integer max)
 {
     double number = 0;
     if (!text.TryParseDouble(number, min, max) || number != std::floor(number))
         return false;
     value = static_cast<Integer>(number);
     return true;
+}
+
+template <typename Value>
+static Value GetOrUseDefault(const ConfigFileData& config, const WString& section, const WString& key,
+    ConfigDataType type, Value value, const ExitCode& failure, Value min, Value max)
+{
+    config.GetMetaData().Update(section, key, type, nullptr, min, max, value);
+    WString text;
+    if (config.TryGetString(section, key, text) && !TryRead(text, value, min, max))
+        throw failure;
+    return value;
 }
 
 ConfigFileData::ConfigFileData() : data(std::make_unique<Data>()) {}
@@ -58,7 +79,7 @@ void ConfigFileData::Load(const std::string& path)
     data->changes.clear();
 }
 
-void ConfigFileData::Save() const
+void ConfigFileData::Save()
 {
     const std::lock_guard guard(data->lock);
     const WholeFile::Lock fileLock(data->file.GetPath());
@@ -89,14 +110,14 @@ bool ConfigFileData::TryGetBool(const WString& section, const WString& key, bool
 bool ConfigFileData::TryGetInt(const WString& section, const WString& key, int& value, int min, int max) const
 {
     WString text;
-    return TryGetString(section, key, text) && TryReadWhole(text, value, min, max);
+    return TryGetString(section, key, text) && TryRead(text, value, min, max);
 }
 
 bool ConfigFileData::TryGetUInt(
     const WString& section, const WString& key, unsigned int& value, unsigned int min, unsigned int max) const
 {
     WString text;
-    return TryGetString(section, key, text) && TryReadWhole(text, value, min, max);
+    return TryGetString(section, key, text) && TryRead(text, value, min, max);
 }
 
 bool ConfigFileData::TryGetDouble(
@@ -109,45 +130,25 @@ bool ConfigFileData::TryGetDouble(
 bool ConfigFileData::GetBoolOrUseDefault(
     const WString& section, const WString& key, bool defaultValue, const ExitCode& failure) const
 {
-    data->metaData.Update(section, key, ConfigDataType::Bool, nullptr, 0, 1, defaultValue);
-    WString text;
-    bool value = defaultValue;
-    if (TryGetString(section, key, text) && !text.TryGetBool(value))
-        throw failure;
-    return value;
+    return GetOrUseDefault(*this, section, key, ConfigDataType::Bool, defaultValue, failure, false, true);
 }
 
 int ConfigFileData::GetIntOrUseDefault(
     const WString& section, const WString& key, int defaultValue, const ExitCode& failure, int min, int max) const
 {
-    data->metaData.Update(section, key, ConfigDataType::Int, nullptr, min, max, defaultValue);
-    WString text;
-    int value = defaultValue;
-    if (TryGetString(section, key, text) && !TryReadWhole(text, value, min, max))
-        throw failure;
-    return value;
+    return GetOrUseDefault(*this, section, key, ConfigDataType::Int, defaultValue, failure, min, max);
 }
 
 unsigned int ConfigFileData::GetUIntOrUseDefault(const WString& section, const WString& key, unsigned int defaultValue,
     const ExitCode& failure, unsigned int min, unsigned int max) const
 {
-    data->metaData.Update(section, key, ConfigDataType::UInt, nullptr, min, max, defaultValue);
-    WString text;
-    unsigned int value = defaultValue;
-    if (TryGetString(section, key, text) && !TryReadWhole(text, value, min, max))
-        throw failure;
-    return value;
+    return GetOrUseDefault(*this, section, key, ConfigDataType::UInt, defaultValue, failure, min, max);
 }
 
 double ConfigFileData::GetDoubleOrUseDefault(const WString& section, const WString& key, double defaultValue,
     const ExitCode& failure, double min, double max) const
 {
-    data->metaData.Update(section, key, ConfigDataType::Dbl, nullptr, min, max, defaultValue);
-    WString text;
-    double value = defaultValue;
-    if (TryGetString(section, key, text) && !text.TryParseDouble(value, min, max))
-        throw failure;
-    return value;
+    return GetOrUseDefault(*this, section, key, ConfigDataType::Dbl, defaultValue, failure, min, max);
 }
 
 WString ConfigFileData::GetStringOrUseDefault(const WString& section, const WString& key, const WString& defaultValue,

@@ -6,6 +6,7 @@
 #include "Text/WString.h"
 #include "Text/WStringArray.h"
 
+#include <limits>
 #include <memory>
 #include <string>
 
@@ -26,7 +27,7 @@ public:
     void Load(const std::string& path);
     /// Writes what was set or deleted to the file, on top of what others saved there, which is taken over. Throws
     /// HostException (FileError, or Aborted while another process saves), and the changes stay to be saved.
-    void Save() const;
+    void Save();
 
     bool Contains(const WString& section, const WString& key) const;
     bool TryGetString(const WString& section, const WString& key, WString& value) const;
@@ -34,7 +35,8 @@ public:
     bool TryGetInt(const WString& section, const WString& key, int& value, int min, int max) const;
     bool TryGetUInt(
         const WString& section, const WString& key, unsigned int& value, unsigned int min, unsigned int max) const;
-    bool TryGetDouble(const WString& section, const WString& key, double& value, double min, double max) const;
+    bool TryGetDouble(const WString& section, const WString& key, double& value,
+        double min = std::numeric_limits<double>::lowest(), double max = std::numeric_limits<double>::max()) const;
 
     bool GetBoolOrUseDefault(
         const WString& section, const WString& key, bool defaultValue, const ExitCode& failure) const;

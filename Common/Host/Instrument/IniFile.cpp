@@ -4,6 +4,7 @@
 
 #include <SimpleIni.h>
 
+#include <algorithm>
 #include <cerrno>
 
 namespace {
@@ -98,6 +99,10 @@ struct IniFile::Contents
 };
 
 IniFile::IniFile() : contents(std::make_unique<Contents>("")) {}
+
+IniFile::IniFile(const IniFile& other)
+    : contents(std::make_unique<Contents>(other.contents->GetText())), path(other.path), stamp(other.stamp)
+{}
 
 IniFile::~IniFile() = default;
 

@@ -13,6 +13,7 @@ class IniFile
 {
 public:
     IniFile();
+    IniFile(const IniFile& other);
     ~IniFile();
 
     /// Replaces everything by the contents of the file, in UTF-8; an absent file gives none. Throws

@@ -23,7 +23,7 @@ bool IsBool(const WString& text)
 bool IsDouble(const WString& text)
 {
     double value = 0;
-    return text.TryParseDouble(value, -std::numeric_limits<double>::max(), std::numeric_limits<double>::max());
+    return text.TryParseDouble(value);
 }
 
 bool IsExitCode(const WString& text)

@@ -11,7 +11,7 @@ struct StatusItemType
 };
 
 /// The row of a type, or null.
-HOST_API const StatusItemType* FindStatusItemType(StatusType type) noexcept;
+const StatusItemType* FindStatusItemType(StatusType type) noexcept;
 
 /// Splits "type:value", the type's name in any case; false, with the reason, when there is no such type or the value
 /// does not fit.

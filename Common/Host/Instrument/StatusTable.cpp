@@ -192,10 +192,12 @@ void StatusTable::Data::Save()
 {
     const WholeFile::Lock fileLock(file->GetPath());
     ReadChanges();
+    auto changed = std::make_unique<IniFile>(*file); // what could not be saved is not known as the file's
     for (const auto& [name, item] : items)
         if (!item.IsLive())
-            file->Set(section_lc, name, FindStatusItemType(item.type)->name + (L":" + item.text));
-    file->Save();
+            changed->Set(section_lc, name, FindStatusItemType(item.type)->name + (L":" + item.text));
+    changed->Save();
+    file.swap(changed);
 }
 
 std::optional<Item> StatusTable::Data::Find(const WString& name)
@@ -255,7 +257,7 @@ void StatusTable::Load(const std::string& path)
     data->Load(path);
 }
 
-void StatusTable::Refresh() const
+void StatusTable::Refresh()
 {
     const std::lock_guard guard(data->lock);
     data->Refresh(0);
@@ -327,7 +329,7 @@ bool StatusTable::TrySet(const WString& name, const WString& value)
     return data->TrySet(name, value);
 }
 
-bool StatusTable::SetAfter(const WString& name, const WString& value, unsigned int milliseconds)
+bool StatusTable::TrySetAfter(const WString& name, const WString& value, unsigned int milliseconds)
 {
     constexpr unsigned int longest = std::numeric_limits<int>::max(); // the clock wraps
     const std::lock_guard guard(data->lock);
@@ -350,7 +352,7 @@ void StatusTable::AddLive(const WString& name, StatusType type, std::function<WS
     data->items[name] = {type, WString(), std::move(read)};
 }
 
-void StatusTable::Save() const
+void StatusTable::Save()
 {
     const std::lock_guard guard(data->lock);
     data->Save();

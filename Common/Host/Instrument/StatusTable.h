@@ -6,6 +6,7 @@
 #include "Text/WStringArray.h"
 
 #include <functional>
+#include <limits>
 #include <memory>
 #include <string>
 
@@ -45,13 +46,14 @@ public:
     /// the reason, and changes nothing.
     void Load(const std::string& path);
     /// Looks at the file at once. A file that is faulty just then, perhaps half edited, changes nothing.
-    void Refresh() const;
+    void Refresh();
 
     bool ContainsItem(const WString& name) const;
     /// The item's type, ST_None when there is no such item.
     int GetItemType(const WString& name) const;
     bool TryGetBool(const WString& name, bool& value) const;
-    bool TryGetDouble(const WString& name, double& value, double min, double max) const;
+    bool TryGetDouble(const WString& name, double& value, double min = std::numeric_limits<double>::lowest(),
+        double max = std::numeric_limits<double>::max()) const;
     bool TryGetString(const WString& name, WString& value) const;
     bool TryGetExitCode(const WString& name, ExitCode& value) const;
     bool TryGetInt(const WString& name, int& value, int min, int max) const;
@@ -66,7 +68,7 @@ public:
     bool TrySet(const WString& name, const WString& value);
     /// As TrySet, to take effect in this process after a delay (24 days at most). False when TrySet would fail now; a
     /// value that no longer fits when it is due is dropped. Replaces an earlier delayed value.
-    bool SetAfter(const WString& name, const WString& value, unsigned int milliseconds);
+    bool TrySetAfter(const WString& name, const WString& value, unsigned int milliseconds);
     /// Adds or replaces an item of a type with its value as text; false when the text does not fit.
     bool TryAdd(const WString& name, StatusType type, const WString& value);
     /// A live item: its text is asked for at every reading, by the thread that reads. Outlives Load, and hides the
@@ -74,7 +76,7 @@ public:
     void AddLive(const WString& name, StatusType type, std::function<WString()> read);
     /// Writes the items that are not live back to their file, in one step, on top of what others changed there. Throws
     /// HostException (FileError, or Aborted while another process saves).
-    void Save() const;
+    void Save();
     /// All names, sorted.
     void GetNames(WStringArray& names) const;
 

@@ -2,7 +2,8 @@
 
 #include "HostApi.h"
 
-/// Time as the host sees it. Tests put a clock of their own in place to control waits without waiting.
+/// Time as the host sees it. Safe under threads. Tests put a clock of their own in place to control waits without
+/// waiting.
 class HOST_API Clock
 {
 public:
@@ -13,7 +14,8 @@ public:
     virtual void Sleep(unsigned int milliseconds);
 
     static Clock& Get() noexcept;
-    /// Puts `clock` in place (not owned; null for the real one).
+    /// Puts `clock` in place, null for the real one. It is not owned, and must live until it is replaced and no other
+    /// thread is in an operation of it any more.
     static void Replace(Clock* clock) noexcept;
 };
 

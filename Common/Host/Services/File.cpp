@@ -61,12 +61,13 @@ std::uint64_t File::GetFileSize() const
 
 void File::Read(Buffer& buffer)
 {
-    Abort::ThrowIfRequested();
     buffer.SetLength(buffer.GetCapacity());
     std::size_t filled = 0;
     while (filled < buffer.GetCapacity()) {
-        const ssize_t count =
-            Retry([&] { return read(descriptor, buffer.GetData() + filled, buffer.GetCapacity() - filled); });
+        const ssize_t count = Retry([&] {
+            Abort::ThrowIfRequested(); // each time: the signal of an abort ends a read that waits
+            return read(descriptor, buffer.GetData() + filled, buffer.GetCapacity() - filled);
+        });
         if (count == -1)
             WholeFile::Fail(path, errno);
         if (count == 0)

@@ -9,9 +9,9 @@
 
 enum class FileOpenMode
 {
-    OpenExisting,
-    Create,
-    Append
+    OpenExisting, // fails when there is no such file
+    Create,       // makes the file, or empties the one that is there
+    Append        // makes the file, or writes behind what is there
 };
 
 enum class FileAccessMode
@@ -20,9 +20,9 @@ enum class FileAccessMode
     Write
 };
 
-/// A file named by a path in UTF-8 once encoded; a relative name is relative to the working folder. Operations throw
-/// HostException(HostError::FileError) with the name and the system's reason. Reading is for regular files: a folder
-/// or a device is refused with that reason, without opening it. Closed by the destructor.
+/// An open file. Its name is a path, taken from the working folder when it is relative; the system gets it in UTF-8.
+/// Operations throw HostException(HostError::FileError) with the name and the system's reason. Reading is for regular
+/// files: a folder or a device is refused with that reason, without opening it. Closed by the destructor.
 class HOST_API File
 {
 public:
@@ -41,7 +41,7 @@ public:
     std::uint64_t GetFileSize() const;
     /// Replaces the buffer's contents by the next block, as long as the buffer's capacity or to the end of the file;
     /// 0 bytes at the end. Throws HostException(HostError::Aborted) when an abort is requested, so that reading a
-    /// long file ends.
+    /// long file, or one that makes its reader wait, ends.
     void Read(Buffer& buffer);
     void Write(const void* data, std::size_t count);
     void Close() noexcept;

@@ -3,6 +3,7 @@
 #include "Services/FileDescriptor.h"
 #include "Services/System.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <mutex>
 #include <vector>
@@ -83,8 +84,10 @@ std::string LogFile::GetPath() const
 
 void LogFile::DoWriteLine(const WString& line)
 {
+    if (!IsEnabled())
+        return;
     const std::string path = GetPath();
-    if (!IsEnabled() || path.empty())
+    if (path.empty())
         return;
     std::string text = line.ToUtf8() + "\n";
     constexpr int flags = O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
@@ -104,7 +107,9 @@ void LogFile::DoWriteLine(const WString& line)
         }
         if (size == 0 && !firstText.IsEmpty())
             text.insert(0, firstText.ToUtf8() + "\n");
-        [[maybe_unused]] const ssize_t written = write(file.Get(), text.data(), text.size());
+        // What the disk took of a line for which it has no room is taken back.
+        [[maybe_unused]] const bool isWhole = write(file.Get(), text.data(), text.size()) == std::ssize(text) ||
+            ftruncate(file.Get(), opened.st_size) == 0;
         return;
     }
 }

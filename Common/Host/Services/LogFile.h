@@ -8,8 +8,8 @@
 
 /// A text log in the data folder, "<name>.txt" in UTF-8, with one older generation, "<name>.old.txt", once it has
 /// reached its size limit. Safe under threads and between processes: lines are never mixed or cut, and the limit is
-/// kept by all of them together. A log that cannot be written, or that another
-/// process keeps locked for 100 ms, loses the line in silence: logging neither fails a command nor holds it up.
+/// kept by all of them together. A log that cannot be written, or that another process keeps locked for 100 ms, loses
+/// the line in silence: logging neither fails a command nor holds it up.
 class HOST_API LogFile
 {
 public:
@@ -33,7 +33,6 @@ public:
             DoWriteLine(WString::Format(format, arguments...));
     }
 
-    const WString& GetName() const noexcept { return name; }
     /// The file's path; empty while the host has no data folder.
     std::string GetPath() const;
 

@@ -12,7 +12,8 @@ struct DebugObjectCount
     int (*read)();
 };
 
-/// Registers a counter for the life of the process; made as a static object. `name` must be a literal.
+/// Registers a counter for the life of the process; made as a static object, since the list is not locked: it is filled
+/// while libraries are loaded and only read after that. `name` must be a literal; any thread may call `read`.
 class HOST_API AddToDebugObjectCountVector
 {
 public:

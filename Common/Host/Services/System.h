@@ -22,10 +22,10 @@ public:
     /// Opens the data folder with its files Config.ini, Status.ini and Usage.db. The folder is made when it is missing,
     /// and so are the files, the first two as copies from `profileFolder`; a folder that cannot be written is used for
     /// reading alone when it holds them all. Registers the live status items InfoDate, InfoTime and UpTime (seconds
-    /// since now), seeds `random` from `[Random] Seed` when that is set, and configures the logs. Throws
-    /// HostException(FileError).
+    /// since now), seeds `random` from `[Random] Seed` when that is set, and configures the logs. Called before other
+    /// threads use any of these. Throws HostException(FileError).
     static void Start(const std::string& dataFolder, const std::string& profileFolder);
-    /// The absolute path of the folder given to Start; empty before.
+    /// The absolute path of the folder given to Start; empty before. Safe under threads once Start has returned.
     static const std::string& GetDataFolder() noexcept;
 
     /// The id of a running process whose command name, and command line when one is given, match the patterns (`*`,

@@ -18,6 +18,7 @@ static constexpr HostMessage messages_lc[] = {
     {HostError::UnknownOption, L"Unknown option"},
     {HostError::FileError, L"File error"},
     {HostError::ExitRequested, L"Told to exit"},
+    {HostError::TextTooLong, L"The text is too long"},
     {HostError::EmptyContainer, L"Container is empty"},
 };
 

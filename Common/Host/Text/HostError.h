@@ -16,6 +16,7 @@ enum class HostError : unsigned int
     UnknownOption = 9,
     FileError = 10,
     ExitRequested = 11,
+    TextTooLong = 12,
     EmptyContainer = 22,
 };
 

@@ -1,11 +1,11 @@
 #include "Text/WString.h"
 
 #include "Text/CharacterCase.h"
+#include "Text/HostError.h"
 
 #include <algorithm>
-#include <stdexcept>
 
-static constexpr std::size_t maxLength_lc = PTRDIFF_MAX / sizeof(wchar_t) - 1;
+static constexpr std::size_t maxLength_lc = 1u << 24; // a text that keeps doubling must not eat the memory
 
 WString::WString(std::size_t count, wchar_t ch)
 {
@@ -20,7 +20,7 @@ WString::WString(std::size_t count, wchar_t ch)
 static std::size_t GrownCapacity(std::size_t capacity, std::size_t needed)
 {
     if (needed > maxLength_lc)
-        throw std::length_error("WString: the text is too long");
+        throw HostException(HostError::TextTooLong);
     return std::max(needed, std::min(capacity * 2, maxLength_lc));
 }
 

@@ -6,15 +6,16 @@
 #include <cstddef>
 #include <cstring>
 #include <cwchar>
+#include <limits>
 #include <string>
 #include <string_view>
 
 class WStringArray;
 
 /// Wide text with value semantics: no copy shares storage with its source. Texts of up to 15 characters live inside
-/// the object, so that tokens are made and copied without an allocation. Indexes and lengths count characters.
-/// Operations on case use the one-to-one mappings of CharacterCase.h and never the locale of the process; neither do
-/// numbers.
+/// the object, so that tokens are made and copied without an allocation. Indexes and lengths count characters; what
+/// would become longer than 2^26 of them throws HostException(HostError::TextTooLong). Operations on case use the
+/// one-to-one mappings of CharacterCase.h and never the locale of the process; neither do numbers.
 class HOST_API WString
 {
 public:
@@ -105,9 +106,10 @@ public:
     bool IsWildcardMatch(const wchar_t* pattern, bool ignoreCase) const noexcept;
 
     /// The whole text as a decimal number within [min, max]: optional sign, digits with optional fraction ("5." and
-    /// ".5" too) and exponent; no blanks, hexadecimal, "inf" or "nan". `value` is written on success only, as in all
-    /// Try operations here.
-    bool TryParseDouble(double& value, double min, double max) const;
+    /// ".5" too) and exponent; no blanks, hexadecimal, "inf" or "nan". Without limits any finite number serves. `value`
+    /// is written on success only, as in all Try operations here.
+    bool TryParseDouble(double& value, double min = std::numeric_limits<double>::lowest(),
+        double max = std::numeric_limits<double>::max()) const;
     /// The whole text as a hexadecimal number within [min, max]: optional "0x", digits of either case. `error`, when
     /// given, receives the reason for a refusal.
     bool TryGetHexUInt(unsigned int& value, unsigned int min, unsigned int max, WString* error = nullptr) const;

@@ -20,7 +20,8 @@ bool WString::EndsWith(const WString& suffix, bool ignoreCase) const noexcept
 }
 
 namespace {
-/// Finds one text in others, in time linear in both (Knuth, Morris, Pratt: Fast Pattern Matching in Strings, 1977).
+/// Finds one text in others, in time linear in both (Knuth, Morris, Pratt: Fast Pattern Matching in Strings, 1977):
+/// texts come from users, and none may make a search take the product of the two lengths.
 class Finder
 {
 public:
