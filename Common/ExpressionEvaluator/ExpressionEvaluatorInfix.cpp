@@ -184,6 +184,7 @@ bool SubExpression::TakeOperand(const EEToken& token)
 }
 } // namespace
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the form that other plug-ins are linked against
 bool ExpressionEvaluator::Infix2Postfix(WString expression, EETokenStack& postfix)
 {
     return Convert(expression.ToCString(), postfix);

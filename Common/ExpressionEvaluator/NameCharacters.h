@@ -4,6 +4,7 @@
 
 #include <bitset>
 #include <memory>
+#include <string>
 
 /// The set of characters that names may consist of. Never changed once made, so that evaluators share it.
 class NameCharacters
@@ -19,7 +20,7 @@ public:
 
     bool Contains(wchar_t ch) const noexcept
     {
-        const auto code = static_cast<unsigned>(ch);
+        const auto code = std::char_traits<wchar_t>::to_int_type(ch); // unsigned on every platform
         return code < ascii.size() ? ascii[code] : ContainsOther(ch);
     }
 

@@ -21,8 +21,9 @@ void CheckErrors(const std::string& call)
         const std::string head = WithoutMarks(call.substr(0, start));
         const std::string tail = WithoutMarks(call.substr(end));
         const std::size_t place = head.size() + 1;
-        EXPECT_EQ(Outcome(head + "1/0" + tail), "133 Divide by zero @" + std::to_string(place + 2)) << call;
-        EXPECT_EQ(Outcome(head + "kaka" + tail), "48 Missing variable: kaka @" + std::to_string(place)) << call;
+        const auto outcome = [&](const char* argument) { return Outcome(std::string(head).append(argument) + tail); };
+        EXPECT_EQ(outcome("1/0"), "133 Divide by zero @" + std::to_string(place + 2)) << call;
+        EXPECT_EQ(outcome("kaka"), "48 Missing variable: kaka @" + std::to_string(place)) << call;
     }
 }
 } // namespace

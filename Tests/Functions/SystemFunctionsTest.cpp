@@ -34,7 +34,7 @@ void StartSystem(const std::string& folder)
 void WriteFiles(const TemporaryFolder& folder)
 {
     using namespace std::string_literals;
-    const std::string ones(2 * 4096, '\x01'); // 2048 words of 0x01010101
+    const std::string ones(8192, '\x01'); // 2048 words of 0x01010101
     folder.Write("empty", "");
     folder.Write("ä b", "123456789");
     folder.Write("five bytes", "\1\0\0\0\2"s);

@@ -3,6 +3,7 @@
 #include "Support/Patience.h"
 #include "Support/TemporaryFolder.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -15,7 +16,10 @@
 class Labsh
 {
 public:
-    explicit Labsh(std::vector<std::string> arguments, const std::string& input = "") { Start(arguments, input); }
+    explicit Labsh(std::vector<std::string> arguments, const std::string& input = "")
+    {
+        Start(std::move(arguments), input);
+    }
     /// For files that are to be there at the start.
     Labsh() = default;
     ~Labsh()
@@ -59,10 +63,8 @@ inline void Labsh::Start(std::vector<std::string> arguments, const std::string& 
 {
     folder.Write("input", input);
     arguments.insert(arguments.begin(), {LABSH_FILE, "--data", "data"});
-    std::vector<char*> pointers;
-    for (std::string& argument : arguments)
-        pointers.push_back(argument.data());
-    pointers.push_back(nullptr);
+    std::vector<char*> pointers(arguments.size() + 1); // ends with a null pointer
+    std::ranges::transform(arguments, pointers.begin(), [](std::string& argument) { return argument.data(); });
 
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);

@@ -11,7 +11,7 @@ class ChildProcess
 {
 public:
     template <typename Function>
-    explicit ChildProcess(Function&& run) : id(fork())
+    explicit ChildProcess(const Function& run) : id(fork())
     {
         if (id < 0)
             throw std::runtime_error("no child process");
@@ -37,7 +37,7 @@ private:
     pid_t id;
 
     template <typename Function>
-    [[noreturn]] static void RunAndEnd(Function&& run) noexcept // an exception is the end as well
+    [[noreturn]] static void RunAndEnd(const Function& run) noexcept // an exception is the end as well
     {
         _exit(run() ? 0 : 1);
     }

@@ -15,10 +15,9 @@ class LinkedList
 public:
     struct Node
     {
-        /// GCC clears the whole of an aggregate before it fills it; what has a constructor it leaves alone.
-        template <typename Value>
-        explicit Node(Value&& value) : value(std::forward<Value>(value))
-        {}
+        // GCC clears the whole of an aggregate before it fills it; what has a constructor it leaves alone.
+        explicit Node(const T& value) : value(value) {}
+        explicit Node(T&& value) : value(std::move(value)) {}
 
         T value;
         Node* previous; // set when the node is linked
