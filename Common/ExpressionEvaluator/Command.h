@@ -55,7 +55,7 @@ protected:
     /// Evaluates the condition of a statement. An error is its exit code, reported on the output or, when verbose, in
     /// the error log.
     ExitCode EvaluateCondition(const WString& condition, bool verbose, bool& result);
-    /// The pieces of a list, at most 100. Throws ExitCode(exitNumber), with `refusal` as the message, when there are
+    /// The pieces of a list, none to 100. Throws ExitCode(exitNumber), with `refusal` as the message, when there are
     /// more or one is longer than `maxLength`.
     WStringArray SplitList(const WString& list, unsigned int exitNumber, unsigned int maxLength,
         const WString& separators, const WString& refusal);

@@ -7,7 +7,8 @@ constexpr const wchar_t* usage_lc[] = {
     L"Usage: Run <file>",
     L" Runs the commands of a script, one a line, up to the first that fails.",
     L" The script shares the environment variables of the line that runs it.",
-    L" A final backslash continues a line; a line that begins with # is a comment.",
+    L" A final backslash continues a line, when there is a next one; a line that",
+    L" begins with # is a comment.",
 };
 constexpr BuiltInRecord record_lc = {L"Run", 2009, usage_lc};
 

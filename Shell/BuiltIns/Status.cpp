@@ -13,7 +13,8 @@ constexpr const wchar_t* usage_lc[] = {
     L" double or string. Put double quotes around blanks.",
     L"Options:",
     L" -d<seconds>  Set the item after this time, 0 to 86400, while the shell goes",
-    L"               on. A script, or the line of a command, ends when it is set.",
+    L"               on. A script, or the line of a command, ends when it is set,",
+    L"               unless a failure or Exit ends it before.",
     L"Example: Status -d2.5 TempOpticsStable=true",
 };
 constexpr BuiltInRecord record_lc = {L"Status", 2010, usage_lc};

@@ -9,8 +9,8 @@
 
 /// Named counters for several processes at once, in an SQLite file. Names compare in any case. Safe under threads,
 /// once it is open: Open comes before other threads use it. Without an open file all reads find nothing and increments
-/// are dropped: counting never fails a command. An operation waits for other processes that write, 1 s at most and no
-/// longer than until an abort is requested, and then fails.
+/// are dropped: counting never fails a command. An operation waits for other processes that write, 1 s at most (Open 2
+/// s) and no longer than until an abort is requested, and then fails.
 ///
 /// Every change is a transaction of its own that survives the death of the process at any moment, and no change is lost
 /// to another process. A power failure may lose the last changes but never damages the file: it is not flushed to the

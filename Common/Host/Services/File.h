@@ -41,7 +41,8 @@ public:
     std::uint64_t GetFileSize() const;
     /// Replaces the buffer's contents by the next block, as long as the buffer's capacity or to the end of the file;
     /// 0 bytes at the end. Throws HostException(HostError::Aborted) when an abort is requested, so that reading a
-    /// long file, or one that makes its reader wait, ends.
+    /// long file, or one that makes its reader wait, ends; the buffer's contents
+    /// are then undefined.
     void Read(Buffer& buffer);
     void Write(const void* data, std::size_t count);
     void Close() noexcept;

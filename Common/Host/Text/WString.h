@@ -14,7 +14,7 @@ class WStringArray;
 
 /// Wide text with value semantics: no copy shares storage with its source. Texts of up to 15 characters live inside
 /// the object, so that tokens are made and copied without an allocation. Indexes and lengths count characters; what
-/// would become longer than 2^26 of them throws HostException(HostError::TextTooLong). Operations on case use the
+/// would become longer than 2^24 of them throws HostException(HostError::TextTooLong). Operations on case use the
 /// one-to-one mappings of CharacterCase.h and never the locale of the process; neither do numbers.
 class HOST_API WString
 {
@@ -122,7 +122,7 @@ public:
     bool TryGetListItem(WString& item, unsigned int index, wchar_t separator) const;
     /// Splits at the first occurrence of `keyword` outside double quotes, as a whole word in any case; both sides are
     /// trimmed, and either may be put into this text. A word consists of letters, digits, "_" and ".". Inside quotes a
-    /// backslash takes the character behind it along, so that \" ends nothing.
+    /// backslash before a quote or a backslash takes that character along, so that \" ends nothing.
     bool TrySplitAtKeyword(const wchar_t* keyword, WString& before, WString& after) const;
     /// Splits outside double quotes, as above, at any of `separators`, trims the pieces and drops empty ones. A text
     /// without any piece gives an empty array. Otherwise throws ExitCode(exitNumber) when there are fewer than
