@@ -1,8 +1,8 @@
 #include "DelayedStatus.h"
 
-#include "Services/Abort.h"
+#include "Instrument/System.h"
 #include "Services/Clock.h"
-#include "Services/System.h"
+#include "Text/Abort.h"
 
 #include <algorithm>
 #include <optional>

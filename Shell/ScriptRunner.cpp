@@ -1,6 +1,6 @@
 #include "ScriptRunner.h"
 
-#include "Services/System.h"
+#include "Instrument/System.h"
 #include "Text/HostError.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "Terminal.h"
 
-#include "Services/Abort.h"
+#include "Text/Abort.h"
 #include "Text/HostError.h"
 #include "Text/WString.h"
 #include "WaitForInput.h"

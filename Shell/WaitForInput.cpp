@@ -1,6 +1,6 @@
 #include "WaitForInput.h"
 
-#include "Services/Abort.h"
+#include "Text/Abort.h"
 
 #include <cerrno>
 #include <csignal>

@@ -3,12 +3,12 @@
 #include "Commands/PluginLoader.h"
 #include "DelayedStatus.h"
 #include "FileLines.h"
+#include "Instrument/System.h"
 #include "Report.h"
 #include "ScriptRunner.h"
-#include "Services/Abort.h"
 #include "Services/Clock.h"
-#include "Services/System.h"
 #include "Terminal.h"
+#include "Text/Abort.h"
 #include "Text/HostError.h"
 
 #include <csignal>

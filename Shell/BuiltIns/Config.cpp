@@ -1,6 +1,6 @@
 #include "BuiltIns/ItemCommand.h"
 #include "Commands/Reference.h"
-#include "Services/System.h"
+#include "Instrument/System.h"
 
 namespace {
 constexpr const wchar_t* usage_lc[] = {

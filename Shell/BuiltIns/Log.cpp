@@ -1,7 +1,7 @@
 #include "BuiltIns/BuiltIn.h"
 #include "FileLines.h"
+#include "Instrument/System.h"
 #include "Services/File.h"
-#include "Services/System.h"
 #include "Text/CharacterCase.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "BuiltIns/ItemCommand.h"
 #include "DelayedStatus.h"
-#include "Services/System.h"
+#include "Instrument/System.h"
 
 #include <optional>
 

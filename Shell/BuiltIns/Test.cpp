@@ -1,7 +1,7 @@
 #include "BuiltIns/BuiltIn.h"
 #include "BuiltIns/JUnitReport.h"
 #include "Commands/TestCommand.h"
-#include "Services/Abort.h"
+#include "Text/Abort.h"
 #include "Text/HostError.h"
 
 namespace {

@@ -5,11 +5,11 @@
 #include "Commands/CommandRegistry.h"
 #include "ExpressionEvaluator.h"
 #include "If.h"
-#include "Services/Abort.h"
-#include "Services/System.h"
+#include "Instrument/System.h"
 #include "SetCommand.h"
 #include "Support/HostTexts.h"
 #include "Support/TestFiles.h"
+#include "Text/Abort.h"
 #include "While.h"
 
 namespace {

@@ -2,11 +2,11 @@
 
 #include "CommandTest.h"
 #include "Commands/TestCommand.h"
-#include "ExpressionEvaluatorTester.h"
-#include "Services/Abort.h"
-#include "Services/System.h"
+#include "Instrument/System.h"
+#include "SelfTest.h"
 #include "SetCommand.h"
 #include "Support/HostTexts.h"
+#include "Text/Abort.h"
 
 #include <gmock/gmock.h>
 #include <memory>

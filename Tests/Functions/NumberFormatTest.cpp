@@ -1,7 +1,7 @@
 // What expressions do not reach: digits beyond 15, numbers that are not finite, and a locale with a decimal comma.
 
 #include "NumberFormat.h"
-#include "ExpressionEvaluatorFunctionClasses.h"
+#include "FunctionClasses.h"
 #include "Support/DecimalCommaLocale.h"
 #include "Support/Expressions.h"
 #include "Support/ThrownError.h"

@@ -1,4 +1,4 @@
-#include "Services/System.h"
+#include "Instrument/System.h"
 #include "Support/Expressions.h"
 
 #include <set>

@@ -2,8 +2,8 @@
 // with all of it set up: the data files of Profile, a usage value, variables, and files.
 
 #include "Instrument/OS9EventManager.h"
+#include "Instrument/System.h"
 #include "NumberFormat.h"
-#include "Services/System.h"
 #include "Support/ExpressionFile.h"
 
 #include <sys/prctl.h>

@@ -1,8 +1,8 @@
 #include "Commands/CommandRunner.h"
 #include "Commands/EmbeddedResource.h"
-#include "Services/Abort.h"
 #include "Support/HostTexts.h"
 #include "Support/TemporaryFolder.h"
+#include "Text/Abort.h"
 #include "Text/HostError.h"
 
 #include <functional>

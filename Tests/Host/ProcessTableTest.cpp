@@ -1,4 +1,4 @@
-#include "Services/System.h"
+#include "Instrument/System.h"
 #include "Support/ChildProcess.h"
 #include "Support/TemporaryFolder.h"
 

@@ -1,10 +1,10 @@
-#include "Services/Abort.h"
 #include "Services/Clock.h"
 #include "Services/DateTime.h"
 #include "Services/File.h"
 #include "Services/Rand.h"
 #include "Support/HostTexts.h"
 #include "Support/TemporaryFolder.h"
+#include "Text/Abort.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
-#include "Services/Abort.h"
+#include "Instrument/System.h"
 #include "Services/FileDescriptor.h"
-#include "Services/System.h"
 #include "Support/ChildProcess.h"
 #include "Support/HostTexts.h"
 #include "Support/TemporaryFolder.h"
+#include "Text/Abort.h"
 
 #include <gtest/gtest.h>
 

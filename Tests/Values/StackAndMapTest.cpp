@@ -1,7 +1,7 @@
 #include "EETokenMap.h"
 #include "EETokenStack.h"
 #include "EvaluatorLog.h"
-#include "Services/System.h"
+#include "Instrument/System.h"
 #include "Support/ChildProcess.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/ThrownError.h"

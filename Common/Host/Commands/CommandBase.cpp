@@ -1,8 +1,8 @@
 #include "Commands/CommandBase.h"
 
 #include "Commands/CommandRunner.h"
-#include "Services/Abort.h"
 #include "Services/Clock.h"
+#include "Text/Abort.h"
 
 #include <algorithm>
 

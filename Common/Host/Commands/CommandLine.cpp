@@ -1,6 +1,6 @@
 #include "Commands/CommandLine.h"
 
-#include "Commands/CommandBase.h"
+#include "Commands/CommandFlags.h"
 #include "Text/CharacterCase.h"
 #include "Text/HostError.h"
 #include "Text/QuoteTracker.h"

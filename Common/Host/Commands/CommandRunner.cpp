@@ -2,7 +2,7 @@
 
 #include "Commands/CommandLine.h"
 #include "Commands/Reference.h"
-#include "Services/Abort.h"
+#include "Text/Abort.h"
 #include "Text/HostError.h"
 
 #include <exception>

@@ -1,6 +1,6 @@
 #include "Commands/Reference.h"
 
-#include "Services/System.h"
+#include "Instrument/System.h"
 #include "Text/CharacterCase.h"
 #include "Text/HostError.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Services/CriticalSection.h"
+#include "Containers/CriticalSection.h"
 
 #include <cstddef>
 #include <new>

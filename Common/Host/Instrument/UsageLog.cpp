@@ -1,7 +1,7 @@
 #include "Instrument/UsageLog.h"
 
-#include "Services/Abort.h"
 #include "Services/WholeFile.h"
+#include "Text/Abort.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #include "Services/Clock.h"
 
-#include "Services/Abort.h"
+#include "Text/Abort.h"
 
 #include <algorithm>
 #include <atomic>

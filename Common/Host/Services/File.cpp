@@ -1,7 +1,7 @@
 #include "Services/File.h"
 
-#include "Services/Abort.h"
 #include "Services/WholeFile.h"
+#include "Text/Abort.h"
 #include "Text/HostError.h"
 
 #include <cerrno>

@@ -1,6 +1,6 @@
 #include "Services/FileDescriptor.h"
 
-#include "Services/Abort.h"
+#include "Text/Abort.h"
 
 #include <cerrno>
 #include <chrono>

@@ -1,7 +1,6 @@
 #include "Services/LogFile.h"
 
 #include "Services/FileDescriptor.h"
-#include "Services/System.h"
 
 #include <cstdint>
 #include <cstdio>
@@ -20,6 +19,8 @@ struct Registry
 {
     std::mutex lock;
     std::vector<LogFile*> logs;
+    std::string folder; // empty before the logs are attached
+    LogFile::Switch isToBeEnabled = nullptr;
 
     static Registry& Get()
     {
@@ -48,8 +49,8 @@ LogFile::LogFile(const wchar_t* firstText, const wchar_t* name, unsigned int siz
     Registry& registry = Registry::Get();
     const std::lock_guard guard(registry.lock);
     registry.logs.push_back(this);
-    if (!System::GetDataFolder().empty())
-        Configure();
+    if (registry.isToBeEnabled)
+        SetEnabled(registry.isToBeEnabled(name, IsEnabled()));
 }
 
 LogFile::~LogFile()
@@ -59,26 +60,30 @@ LogFile::~LogFile()
     std::erase(registry.logs, this);
 }
 
+void LogFile::Attach(const std::string& folder, Switch isToBeEnabled)
+{
+    Registry& registry = Registry::Get();
+    {
+        const std::lock_guard guard(registry.lock);
+        registry.folder = folder;
+        registry.isToBeEnabled = isToBeEnabled;
+    }
+    ConfigureAll();
+}
+
 void LogFile::ConfigureAll()
 {
     Registry& registry = Registry::Get();
     const std::lock_guard guard(registry.lock);
+    if (!registry.isToBeEnabled)
+        return;
     for (LogFile* log : registry.logs)
-        log->Configure();
-}
-
-void LogFile::Configure()
-{
-    bool value = IsEnabled();
-    System::config.GetMetaData().Update(
-        L"Log", name, ConfigDataType::Bool, (L"Write " + name + L".txt").ToCString(), 0, 1, value);
-    System::config.TryGetBool(L"Log", name, value);
-    SetEnabled(value);
+        log->SetEnabled(registry.isToBeEnabled(log->name, log->IsEnabled()));
 }
 
 std::string LogFile::GetPath() const
 {
-    const std::string& folder = System::GetDataFolder();
+    const std::string& folder = Registry::Get().folder;
     return folder.empty() ? folder : GetFile(folder, name, ".txt");
 }
 
@@ -101,7 +106,7 @@ void LogFile::DoWriteLine(const WString& line)
             continue;
         const auto size = static_cast<std::uintmax_t>(opened.st_size);
         if (size != 0 && size + text.size() > sizeLimit) {
-            if (std::rename(path.c_str(), GetFile(System::GetDataFolder(), name, ".old.txt").c_str()) != 0)
+            if (std::rename(path.c_str(), GetFile(Registry::Get().folder, name, ".old.txt").c_str()) != 0)
                 return;
             continue;
         }

@@ -13,8 +13,8 @@
 class HOST_API LogFile
 {
 public:
-    /// `firstText` begins each new file when it is not empty; `sizeLimit` is in bytes. A log starts out disabled unless
-    /// the configuration names it: `[Log] <name>=true`, read when the host starts and when a log is made after that.
+    /// `firstText` begins each new file when it is not empty; `sizeLimit` is in bytes. A log starts out disabled,
+    /// unless the logs have been attached and their switch says otherwise.
     LogFile(const wchar_t* firstText, const wchar_t* name, unsigned int sizeLimit);
     ~LogFile();
     LogFile(const LogFile&) = delete;
@@ -33,11 +33,15 @@ public:
             DoWriteLine(WString::Format(format, arguments...));
     }
 
-    /// The file's path; empty while the host has no data folder.
+    /// The file's path; empty while the logs have no folder.
     std::string GetPath() const;
 
-    /// Reads the `[Log]` settings for every log of the process; called when the host has its configuration. A log that
-    /// they do not name stays as it is.
+    /// Says whether the log of that name is to be enabled, which now is `enabled`.
+    using Switch = bool (*)(const WString& name, bool enabled);
+    /// Gives every log of the process, those made later too, its folder and its switch, and asks that of each. Called
+    /// once, before other threads write to any log.
+    static void Attach(const std::string& folder, Switch isToBeEnabled);
+    /// Asks the switch again for every log; nothing before the logs are attached.
     static void ConfigureAll();
 
 private:
@@ -45,6 +49,4 @@ private:
     const WString name;
     const unsigned int sizeLimit;
     std::atomic<bool> enabled{false};
-
-    void Configure();
 };

@@ -1,6 +1,6 @@
 #include "Services/WholeFile.h"
 
-#include "Services/Abort.h"
+#include "Text/Abort.h"
 #include "Text/HostError.h"
 #include "Text/WString.h"
 

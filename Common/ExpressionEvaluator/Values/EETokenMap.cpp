@@ -1,7 +1,5 @@
 #include "EETokenMap.h"
 
-#include "Services/ObjectCounters.h"
-
 #include <algorithm>
 
 std::atomic<int> EETokenMap::liveCount{0};
@@ -12,9 +10,6 @@ int GetDebugObjectCountExpressionEvaluator_CTokenMap()
 }
 
 namespace {
-const AddToDebugObjectCountVector liveCounterEntry_lc(
-    L"ExpressionEvaluator_CTokenMap", GetDebugObjectCountExpressionEvaluator_CTokenMap);
-
 template <typename Value>
 EEToken ValueToken(Value value)
 {

@@ -1,7 +1,7 @@
 #include "ExpressionEvaluator.h"
 
 #include "EvaluatorErrors.h"
-#include "Services/System.h"
+#include "Instrument/System.h"
 
 #include <limits>
 

@@ -1,8 +1,6 @@
-#include "ExpressionEvaluatorFunctionClasses.h"
 #include "FunctionArguments.h"
+#include "FunctionClasses.h"
 #include "NumberFormat.h"
-#include "Saturate.h"
-#include "Services/DateTime.h"
 
 namespace {
 /// A count of digits or decimals as it was given, and where.
@@ -64,25 +62,4 @@ void EERound::Evaluate(EEToken& result, EETokenStack& arguments)
     const int decimals = PopDigits(arguments).Within(0, maxDigits, Errors::RoundDecimals);
     const WString format = WString::Format(L"%%.%df", decimals);
     result.SetValue(WString::Format(format.ToCString(), efAdjustDblForDisplay(value, decimals)));
-}
-
-double DateToDays(double date)
-{
-    const int dateInt = Saturate<int>(date);
-    DateTime dateTime;
-    if (dateInt == 0 || !dateTime.TrySetValue(dateInt, 0))
-        throw ExpressionEvaluatorException(
-            Errors::InvalidDate.number, WString::Format(Errors::InvalidDate.message, dateInt), -1);
-    return dateTime.ToDays();
-}
-
-double DaysToDate(double days)
-{
-    constexpr int floorDate = 16010101;
-    const int dayNumber = Saturate<int>(days);
-    if (!DateTime::IsDaysValid(dayNumber))
-        throw ExpressionEvaluatorException(
-            Errors::InvalidDays.number, WString::Format(Errors::InvalidDays.message, dayNumber), -1);
-    const int date = DateTime::FromDays(dayNumber).ToDateInt();
-    return date != 0 ? date : floorDate; // a host may answer 0 for its first day
 }

@@ -1,5 +1,7 @@
-#include "Services/System.h"
+#include "Services/ProcessTable.h"
+
 #include "Services/WholeFile.h"
+#include "Text/WString.h"
 
 #include <algorithm>
 #include <charconv>
@@ -65,7 +67,7 @@ int GetId(const std::filesystem::path& folder)
 
 } // namespace
 
-int System::GetMatchingProcess(const wchar_t* command, const wchar_t* commandLine)
+int ProcessTable::FindMatching(const wchar_t* command, const wchar_t* commandLine)
 {
     int lowest = -1;
     std::error_code error;

@@ -1,7 +1,7 @@
-#include "ExpressionEvaluatorFunctionClasses.h"
 #include "FunctionArguments.h"
+#include "FunctionClasses.h"
+#include "Instrument/System.h"
 #include "Saturate.h"
-#include "Services/System.h"
 
 #include <cmath>
 #include <limits>

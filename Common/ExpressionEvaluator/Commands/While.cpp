@@ -1,7 +1,6 @@
 #include "While.h"
 
-#include "DllRegistryUtils.h"
-#include "Services/System.h"
+#include "Instrument/System.h"
 
 #include <limits>
 
@@ -54,7 +53,6 @@ constexpr UsageLine usage_lc[] = {
     {L""},
 };
 
-const AddToCommandVector addWhile(CreateCommandWhile);
 } // namespace
 
 /// One statement: what its command line asks for.

@@ -1,7 +1,6 @@
 #include "SetCommand.h"
 
 #include "Commands/TableFormatter.h"
-#include "DllRegistryUtils.h"
 #include "ExpressionEvaluator.h"
 #include "NameCharacters.h"
 
@@ -23,8 +22,6 @@ constexpr UsageLine usage_lc[] = {
     {L" -v                 Use verbose output"},
     {L" -z                 Zap/Delete environment variable if it exists."},
 };
-
-const AddToCommandVector addSetCommand(CreateCommandSetCommand);
 
 bool IsWildcard(wchar_t ch)
 {

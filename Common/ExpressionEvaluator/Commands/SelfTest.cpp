@@ -1,4 +1,4 @@
-#include "ExpressionEvaluatorTester.h"
+#include "SelfTest.h"
 
 #include "Commands/TestCommand.h"
 #include "ExpressionEvaluator.h"

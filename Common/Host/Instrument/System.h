@@ -28,8 +28,6 @@ public:
     /// The absolute path of the folder given to Start; empty before. Safe under threads once Start has returned.
     static const std::string& GetDataFolder() noexcept;
 
-    /// The id of a running process whose command name, and command line when one is given, match the patterns (`*`,
-    /// `?`, any case; the command line has its arguments joined by blanks); the lowest id when there are several, -1
-    /// when there is none. This process counts too.
+    /// ProcessTable::FindMatching, the form that plug-ins know.
     static int GetMatchingProcess(const wchar_t* command, const wchar_t* commandLine);
 };

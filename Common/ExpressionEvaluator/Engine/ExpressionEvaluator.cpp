@@ -2,9 +2,9 @@
 
 #include "Commands/CommandBase.h"
 #include "ExpressionEvaluatorException.h"
+#include "Instrument/System.h"
 #include "NameCharacters.h"
 #include "Saturate.h"
-#include "Services/System.h"
 
 #include <utility>
 

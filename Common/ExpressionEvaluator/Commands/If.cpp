@@ -1,7 +1,5 @@
 #include "If.h"
 
-#include "DllRegistryUtils.h"
-
 namespace {
 constexpr UsageLine usage_lc[] = {
     {L"Usage: If <condition> Then <command1> [Else <command2>]"},
@@ -25,7 +23,6 @@ constexpr UsageLine usage_lc[] = {
     {L""},
 };
 
-const AddToCommandVector addIf(CreateCommandIf);
 } // namespace
 
 struct If::Statement

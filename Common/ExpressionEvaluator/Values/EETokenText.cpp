@@ -1,7 +1,7 @@
 #include "EEToken.h"
 
+#include "Containers/CriticalSection.h"
 #include "NumberFormat.h"
-#include "Services/CriticalSection.h"
 
 #include <cstddef>
 #include <iterator>

@@ -2,7 +2,6 @@
 
 #include "EEMissingVariableException.h"
 #include "OperatorTable.h"
-#include "Services/ObjectCounters.h"
 
 std::atomic<int> EEToken::liveCount{0};
 
@@ -10,11 +9,6 @@ int GetDebugObjectCountExpressionEvaluator_EEToken()
 {
     return EEToken::liveCount;
 }
-
-namespace {
-const AddToDebugObjectCountVector liveCounterEntry_lc(
-    L"ExpressionEvaluator_EEToken", GetDebugObjectCountExpressionEvaluator_EEToken);
-} // namespace
 
 void EEToken::SetToken(int newType, const wchar_t* newText)
 {

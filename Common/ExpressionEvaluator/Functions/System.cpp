@@ -1,9 +1,9 @@
+#include "Instrument/System.h"
 #include "ExpressionEvaluator.h"
-#include "ExpressionEvaluatorFunctionClasses.h"
 #include "FunctionArguments.h"
+#include "FunctionClasses.h"
 #include "Instrument/OS9EventManager.h"
 #include "Services/File.h"
-#include "Services/System.h"
 
 #include <limits>
 

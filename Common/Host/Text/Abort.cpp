@@ -1,4 +1,4 @@
-#include "Services/Abort.h"
+#include "Text/Abort.h"
 
 #include "Text/HostError.h"
 

@@ -1,7 +1,8 @@
-#include "Services/System.h"
+#include "Instrument/System.h"
 
 #include "Services/Clock.h"
 #include "Services/DateTime.h"
+#include "Services/ProcessTable.h"
 #include "Services/WholeFile.h"
 #include "Text/HostError.h"
 
@@ -9,7 +10,6 @@
 #include <filesystem>
 #include <limits>
 
-// The order of these matters: a log looks for the folder when it is made. Logs of plug-ins are made after all of them.
 static std::string dataFolder_lc;
 ConfigFileData System::config;
 StatusTable System::status;
@@ -73,6 +73,16 @@ void SeedRandom(const std::string& configFile)
     System::random.Seed(seed);
 }
 
+/// `[Log] <name>`; a log that the configuration does not name stays as it is.
+bool IsLogToBeEnabled(const WString& name, bool enabled)
+{
+    bool value = enabled;
+    System::config.GetMetaData().Update(
+        L"Log", name, ConfigDataType::Bool, (L"Write " + name + L".txt").ToCString(), 0, 1, enabled);
+    System::config.TryGetBool(L"Log", name, value);
+    return value;
+}
+
 } // namespace
 
 void System::Start(const std::string& dataFolder, const std::string& profileFolder)
@@ -89,10 +99,15 @@ void System::Start(const std::string& dataFolder, const std::string& profileFold
     SeedRandom(folder + "/Config.ini");
     dataFolder_lc = folder;
     errorLog.SetEnabled(true);
-    LogFile::ConfigureAll();
+    LogFile::Attach(folder, IsLogToBeEnabled);
 }
 
 const std::string& System::GetDataFolder() noexcept
 {
     return dataFolder_lc;
+}
+
+int System::GetMatchingProcess(const wchar_t* command, const wchar_t* commandLine)
+{
+    return ProcessTable::FindMatching(command, commandLine);
 }

@@ -1,7 +1,7 @@
 #include "Command.h"
 
 #include "ExpressionEvaluator.h"
-#include "Services/System.h"
+#include "Instrument/System.h"
 
 Command::Command()
 {

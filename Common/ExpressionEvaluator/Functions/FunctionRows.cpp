@@ -1,24 +1,7 @@
 #include "ExpressionEvaluatorFunctions.h"
-
-#include "EvaluatorErrors.h"
-#include "ExpressionEvaluatorException.h"
-#include "ExpressionEvaluatorFunctionClasses.h"
-#include "Services/ObjectCounters.h"
+#include "FunctionClasses.h"
 
 #include <cmath>
-#include <iterator>
-
-std::atomic<int> EEFunction::liveCount{0};
-
-int GetDebugObjectCountExpressionEvaluator_CExprFn()
-{
-    return EEFunction::liveCount;
-}
-
-static const AddToDebugObjectCountVector liveCounterEntry_lc(
-    L"ExpressionEvaluator_CExprFn", GetDebugObjectCountExpressionEvaluator_CExprFn);
-
-EEFunctionTable fnTable_gb;
 
 namespace {
 /// A function's name and what makes it.
@@ -138,41 +121,8 @@ const OneArgumentRow oneArgFn_lc[] = {
     {L"", nullptr},
 };
 
-static_assert(std::size(functions_lc) + std::size(oneArgFn_lc) - 1 == 89);
-
 constexpr unsigned int functionBuckets = 67;
 } // namespace
-
-EEFunction::EEFunction(const wchar_t* name, int parameterCount) : name(name), parameterCount(parameterCount) {}
-
-void EEFunction::Evaluate(EEToken& result, EETokenStack&)
-{
-    throw ExpressionEvaluatorException(Errors::WrongEvaluateOverload, result.GetPosition());
-}
-
-void EEFunction::Evaluate(EEToken& result, EETokenStack& arguments, ExpressionEvaluator*)
-{
-    Evaluate(result, arguments);
-}
-
-EEMathFunctionPointer::EEMathFunctionPointer(const wchar_t* name, double (*routine)(double))
-    : EEFunction(name, 1), routine(routine), routineName(name)
-{}
-
-void EEMathFunctionPointer::Evaluate(EEToken& result, EETokenStack& arguments)
-{
-    if (arguments.Count() != 1)
-        throw ExpressionEvaluatorException(Errors::OneParameterRequired.number,
-            WString::Format(Errors::OneParameterRequired.message, routineName), arguments.GetTail().GetPosition());
-    const EEToken& argument = arguments.Pop();
-    const double answer = routine(argument.GetNumber());
-    if (!std::isnan(answer)) {
-        result.SetValue(answer);
-        return;
-    }
-    result.SetException(Errors::InvalidOperation.number, Errors::InvalidOperation.message);
-    result.SetPosition(argument.GetPosition() - 1);
-}
 
 EEFunctionTable::EEFunctionTable() : functions(functionBuckets)
 {
@@ -180,39 +130,4 @@ EEFunctionTable::EEFunctionTable() : functions(functionBuckets)
         AddFn(row.make(row.name));
     for (const OneArgumentRow* row = oneArgFn_lc; row->name[0]; ++row)
         AddFn(new EEMathFunctionPointer(row->name, row->routine));
-}
-
-EEFunction* EEFunctionTable::FindOrNull(std::wstring_view name) const
-{
-    return static_cast<EEFunction*>(functions.GetObjectOrNull(name));
-}
-
-bool EEFunctionTable::IsFunction(const wchar_t* name, int* parameterCount) const
-{
-    const EEFunction* function = FindOrNull(name);
-    if (function && parameterCount)
-        *parameterCount = function->GetParameterCount();
-    return function != nullptr;
-}
-
-void EEFunctionTable::Evaluate(
-    EEToken& result, const wchar_t* name, EETokenStack& arguments, ExpressionEvaluator* evaluator) const
-{
-    EEFunction* function = FindOrNull(name);
-    if (!function)
-        throw ExpressionEvaluatorException(
-            Errors::UnknownFunctionInTable.number, WString::Format(Errors::UnknownFunctionInTable.message, name), 0);
-    function->Evaluate(result, arguments, evaluator);
-}
-
-void EEFunctionTable::GetSupportedFunctions(WStringArray& names) const
-{
-    names.Clear();
-    functions.GetKeys(names);
-}
-
-void EEFunctionTable::AddFn(EEFunction* function)
-{
-    std::shared_ptr<Object> owned(function);
-    functions.Add(function->GetName(), std::move(owned));
 }

@@ -1,7 +1,7 @@
-#include "ExpressionEvaluatorFunctionClasses.h"
 #include "FunctionArguments.h"
+#include "FunctionClasses.h"
+#include "Instrument/System.h"
 #include "Saturate.h"
-#include "Services/System.h"
 
 #include <algorithm>
 #include <cmath>
@@ -150,14 +150,4 @@ void EERand::Evaluate(EEToken& result, EETokenStack& arguments)
         drawn = System::random.Next32(std::min(first, second), std::max(first, second));
     } while (rejects && drawn == rejected);
     result.SetValue(static_cast<double>(drawn));
-}
-
-double sign(double value)
-{
-    return value < 0 ? -1 : 1;
-}
-
-double MyInt(double value)
-{
-    return std::trunc(value);
 }

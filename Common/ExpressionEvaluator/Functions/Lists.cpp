@@ -1,5 +1,5 @@
-#include "ExpressionEvaluatorFunctionClasses.h"
 #include "FunctionArguments.h"
+#include "FunctionClasses.h"
 
 #include <algorithm>
 #include <limits>

@@ -1,7 +1,6 @@
 #include "Calc.h"
 
 #include "Commands/EmbeddedResource.h"
-#include "DllRegistryUtils.h"
 #include "ExpressionEvaluator.h"
 
 namespace {
@@ -31,8 +30,6 @@ constexpr UsageLine usage_lc[] = {
     {L"         %s=-1. Used for automatic testing.", errorPositionName_lc},
     {L""},
 };
-
-const AddToCommandVector addCalc(CreateCommandCalc);
 
 void WriteResource(Pipe& pipe, const wchar_t* resourceName, const wchar_t* indent)
 {

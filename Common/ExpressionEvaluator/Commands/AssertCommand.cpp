@@ -1,8 +1,7 @@
 #include "AssertCommand.h"
 
-#include "DllRegistryUtils.h"
 #include "ExpressionEvaluator.h"
-#include "Services/System.h"
+#include "Instrument/System.h"
 
 namespace {
 constexpr int retryDelay_lc = 100; // milliseconds
@@ -26,7 +25,6 @@ constexpr UsageLine usage_lc[] = {
     {L""},
 };
 
-const AddToCommandVector addAssertCommand(CreateCommandAssertCommand);
 } // namespace
 
 CommandBase* CreateCommandAssertCommand()

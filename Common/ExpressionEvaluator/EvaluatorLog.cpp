@@ -1,3 +1,0 @@
-#include "EvaluatorLog.h"
-
-LogFile eeLog_gb(L"", L"EELog", 0x100000);
