@@ -7,24 +7,36 @@ namespace {
 constexpr int retryDelay_lc = 100; // milliseconds
 
 constexpr UsageLine usage_lc[] = {
-    {L"Usage: Assert [<options>] <boolean expression>"},
-    {L" Evaluates the specified expression."},
-    {L" If the expression result is true, the command succeeds."},
-    {L" If the expression is false, the command generates an error."},
-    {L" NOTE: Any options must preceede the expression"},
-    {L" Example: Assert %%S{HotelDoorOpen}=true"},
-    {L"Arguments:"},
-    {L" <boolean expression>   The expression that must be true."},
-    {L"Options:"},
-    {L" -q     Quiet mode, do not display anything, just return the value"},
-    {L"         in the command return string."},
-    {L" -c<retryCount> Retry max this number of times if the assertion fails."},
-    {L"                There is a 0.1s delay between the retries."},
-    {L"                Typically needed for testing status updates from server"},
-    {L"                 commands."},
-    {L""},
+    L"Usage: Assert [<options>] <boolean expression>",
+    L" Evaluates the specified expression.",
+    L" If the expression result is true, the command succeeds.",
+    L" If the expression is false, the command generates an error.",
+    L" NOTE: Any options must preceede the expression",
+    L" Example: Assert %%S{HotelDoorOpen}=true",
+    L"Arguments:",
+    L" <boolean expression>   The expression that must be true.",
+    L"Options:",
+    L" -q     Quiet mode, do not display anything, just return the value",
+    L"         in the command return string.",
+    L" -c<retryCount> Retry max this number of times if the assertion fails.",
+    L"                There is a 0.1s delay between the retries.",
+    L"                Typically needed for testing status updates from server",
+    L"                 commands.",
+    L"",
 };
 
+constexpr FlagOption quiet_lc(L"q", 3, L"Show no retries and no error of the evaluation");
+constexpr WholeNumberOption retryCount_lc(L"c", 4, 1, 1000, L"Try again so many times, every 0.1 s");
+constexpr OptionRecord options_lc[] = {quiet_lc, retryCount_lc};
+
+constexpr CommandRecord record_lc = {
+    L"Assert", 9015, CreateCommandAssertCommand, usage_lc, options_lc, CommandFlags::restAsItStands};
+
+enum ExitNumber : unsigned int
+{
+    assertionFailed = 13,
+    badLogSetting = 20
+};
 } // namespace
 
 CommandBase* CreateCommandAssertCommand()
@@ -32,26 +44,17 @@ CommandBase* CreateCommandAssertCommand()
     return new AssertCommand;
 }
 
-WString AssertCommand::GetName()
-{
-    return L"Assert";
-}
-
-unsigned int AssertCommand::GetCommandId()
-{
-    return 9015;
-}
+AssertCommand::AssertCommand() : Command(record_lc) {}
 
 ExitCode AssertCommand::Main(ArgumentList& arguments, Options& options)
 {
-    const bool quiet = options.TryGetFlag(L"q", 3);
+    const bool quiet = options.TryGetFlag(quiet_lc);
     int retryCount = 0;
-    options.TryGetInt(L"c", 4, retryCount, 1, 1000);
+    options.TryGetInt(retryCount_lc, retryCount);
 
     if (arguments.Count() == 0)
-        return ExitCode(1);
-    ExitCode refusal;
-    if (!TryStart(options, refusal))
+        return ExitCode(CommonExit::wrongCount);
+    if (const ExitCode refusal = Start(options); refusal.IsError())
         return refusal;
 
     const WString& expression = arguments.At(0);
@@ -79,7 +82,7 @@ ExitCode AssertCommand::Main(ArgumentList& arguments, Options& options)
 bool AssertCommand::LogsFailures()
 {
     try {
-        return System::config.GetBoolOrUseDefault(L"Debug", L"LogAssertFail", true, 20) &&
+        return System::config.GetBoolOrUseDefault(L"Debug", L"LogAssertFail", true, badLogSetting) &&
             (GetFlags() & CommandFlags::noFailureLog) == 0;
     } catch (const ExitCode&) {
         SetFailureMessage(L"[Debug]LogAssertFail is not a boolean");
@@ -105,7 +108,7 @@ ExitCode AssertCommand::FailAssertion(const WString& expression, const WString& 
     WString variable;
     while (!(variable = variableTrace.StrTok(L"\n", position)).IsEmpty())
         WriteFailureLine(L"  " + variable, logFailure);
-    return Refuse(13, message);
+    return Refuse(assertionFailed, message);
 }
 
 void AssertCommand::WriteFailureLine(const WString& line, bool logFailure)
@@ -117,5 +120,5 @@ void AssertCommand::WriteFailureLine(const WString& line, bool logFailure)
 
 void AssertCommand::ShowUsage()
 {
-    WriteUsage(usage_lc, L"Supported operators:", L"Supported functions:");
+    WriteUsage(L"Supported operators:", L"Supported functions:");
 }

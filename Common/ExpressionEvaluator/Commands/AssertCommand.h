@@ -6,8 +6,7 @@
 class AssertCommand : public Command
 {
 public:
-    WString GetName() override;
-    unsigned int GetCommandId() override;
+    AssertCommand();
     ExitCode Main(ArgumentList& arguments, Options& options) override;
     void ShowUsage() override;
 

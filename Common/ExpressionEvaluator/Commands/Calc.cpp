@@ -8,28 +8,37 @@ constexpr wchar_t errorMessageName_lc[] = L"ErrMsg";
 constexpr wchar_t errorPositionName_lc[] = L"ErrPos";
 
 constexpr UsageLine usage_lc[] = {
-    {L"Usage: Calc [<options>] <expression>"},
-    {L" Calculates the specified expression. Expresions can yield "},
-    {L" a numeric, boolean or string result. It may even contain"},
-    {L" functions. See list of supported functions below."},
-    {L" NOTE: Any options must preceede the expression"},
-    {L" Example: 2+3*4"},
-    {L"          Int(GetConfig(\"Detection\",\"MaxLight\",0.9)*100)"},
-    {L"          \"Current Date Is: \" & %%S{InfoDate}"},
-    {L"          Rand(1, 100)"},
-    {L"Arguments:"},
-    {L" <expression>   The expression to evaluate."},
-    {L"Options:"},
-    {L" -h[elp] Shows a description of all supported expression evaulator"},
-    {L"          functions. Must be used without command arguments."},
-    {L" -q     Quiet mode, do not display anything, just return the value"},
-    {L"         in the command return string."},
+    L"Usage: Calc [<options>] <expression>",
+    L" Calculates the specified expression. Expresions can yield ",
+    L" a numeric, boolean or string result. It may even contain",
+    L" functions. See list of supported functions below.",
+    L" NOTE: Any options must preceede the expression",
+    L" Example: 2+3*4",
+    L"          Int(GetConfig(\"Detection\",\"MaxLight\",0.9)*100)",
+    L"          \"Current Date Is: \" & %%S{InfoDate}",
+    L"          Rand(1, 100)",
+    L"Arguments:",
+    L" <expression>   The expression to evaluate.",
+    L"Options:",
+    L" -h[elp] Shows a description of all supported expression evaulator",
+    L"          functions. Must be used without command arguments.",
+    L" -q     Quiet mode, do not display anything, just return the value",
+    L"         in the command return string.",
     {L" -v     Verification mode, update the environment variables %s &", errorMessageName_lc},
     {L"         %s with the error message and offending character position", errorPositionName_lc},
     {L"         in the expression on failure. If successful %s=\"\" and", errorMessageName_lc},
     {L"         %s=-1. Used for automatic testing.", errorPositionName_lc},
-    {L""},
+    L"",
 };
+
+constexpr FlagOption quiet_lc(L"q", 3, L"Show nothing, only return the value");
+constexpr FlagOption help_lc(L"help", 4, L"Describe the functions and operators");
+constexpr FlagOption shortHelp_lc(L"h", 4, L"Describe the functions and operators");
+constexpr FlagOption verify_lc(L"v", 5, L"Leave an error in the variables ErrMsg and ErrPos");
+constexpr OptionRecord options_lc[] = {quiet_lc, help_lc, shortHelp_lc, verify_lc};
+
+constexpr CommandRecord record_lc = {
+    L"Calc", 1043, CreateCommandCalc, usage_lc, options_lc, CommandFlags::restAsItStands};
 
 void WriteResource(Pipe& pipe, const wchar_t* resourceName, const wchar_t* indent)
 {
@@ -44,26 +53,17 @@ CommandBase* CreateCommandCalc()
     return new Calc;
 }
 
-WString Calc::GetName()
-{
-    return L"Calc";
-}
-
-unsigned int Calc::GetCommandId()
-{
-    return 1043;
-}
+Calc::Calc() : Command(record_lc) {}
 
 ExitCode Calc::Main(ArgumentList& arguments, Options& options)
 {
-    const bool quiet = options.TryGetFlag(L"q", 3);
-    const bool help = options.TryGetFlag(L"help", 4) || options.TryGetFlag(L"h", 4);
-    const bool verify = options.TryGetFlag(L"v", 5);
+    const bool quiet = options.TryGetFlag(quiet_lc);
+    const bool help = options.TryGetFlag(help_lc) || options.TryGetFlag(shortHelp_lc);
+    const bool verify = options.TryGetFlag(verify_lc);
 
     if (help != (arguments.Count() == 0))
-        return ExitCode(1);
-    ExitCode refusal;
-    if (!TryStart(options, refusal))
+        return ExitCode(CommonExit::wrongCount);
+    if (const ExitCode refusal = Start(options); refusal.IsError())
         return refusal;
     return help ? ShowHelpTexts() : Evaluate(arguments.At(0), quiet, verify);
 }
@@ -94,7 +94,7 @@ ExitCode Calc::Evaluate(const WString& expression, bool quiet, bool verify)
     EEToken result;
     ExpressionEvaluator evaluator(this, 0);
     if (!evaluator.TryEvaluate(expression, result))
-        return Fail(TakeError(evaluator, expression), quiet, verify);
+        return FailEvaluation(TakeError(evaluator, expression), quiet, verify);
 
     GetReturnString() = result.ToString();
     if (!quiet)
@@ -102,7 +102,7 @@ ExitCode Calc::Evaluate(const WString& expression, bool quiet, bool verify)
     return ExitCode(0);
 }
 
-ExitCode Calc::Fail(EvaluationError error, bool quiet, bool verify)
+ExitCode Calc::FailEvaluation(EvaluationError error, bool quiet, bool verify)
 {
     if (error.code.GetCommandId() == 0)
         error.code.SetCommandId(static_cast<unsigned short>(GetCommandId()));
@@ -126,5 +126,5 @@ ExitCode Calc::Fail(EvaluationError error, bool quiet, bool verify)
 
 void Calc::ShowUsage()
 {
-    WriteUsage(usage_lc, L"Supported operators:", L"Supported functions:");
+    WriteUsage(L"Supported operators:", L"Supported functions:");
 }

@@ -6,15 +6,14 @@
 class Calc : public Command
 {
 public:
-    WString GetName() override;
-    unsigned int GetCommandId() override;
+    Calc();
     ExitCode Main(ArgumentList& arguments, Options& options) override;
     void ShowUsage() override;
 
 private:
     ExitCode ShowHelpTexts();
     ExitCode Evaluate(const WString& expression, bool quiet, bool verify);
-    ExitCode Fail(EvaluationError error, bool quiet, bool verify);
+    ExitCode FailEvaluation(EvaluationError error, bool quiet, bool verify);
 };
 
 /// A new command, which the caller owns.

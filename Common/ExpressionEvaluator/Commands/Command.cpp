@@ -3,34 +3,12 @@
 #include "ExpressionEvaluator.h"
 #include "Instrument/System.h"
 
-Command::Command()
-{
-    flags |= CommandFlags::noSubstitution | CommandFlags::singleArgument | CommandFlags::optionsFirst;
-}
-
 const char* Command::GetSourceCodeTimestamp()
 {
     return "Fri Sep  8 16:51:25 2023";
 }
 
 void Command::OnExit(ExitCode&) {}
-
-ExitCode Command::Refuse(unsigned int exitNumber, const WString& message)
-{
-    SetFailureMessage(message);
-    return ExitCode(exitNumber);
-}
-
-bool Command::TryStart(const Options& options, ExitCode& refusal)
-{
-    if (options.ContainsUnusedOptions()) {
-        refusal = ExitCode(2);
-        return false;
-    }
-    SendSignalGoAheadIfRequested();
-    WaitForTimeControlPointIfRequested();
-    return true;
-}
 
 EvaluationError Command::TakeError(const ExpressionEvaluator& evaluator, const WString& expression)
 {
@@ -75,16 +53,15 @@ WStringArray Command::SplitCommandList(const WString& list, const WString& separ
 void Command::InheritRecordHeader(Options& options, const wchar_t* variable)
 {
     WString id;
-    if (!options.TryGetString(L"R", 7, id, 1, 32))
+    if (!options.TryGetString(recordHeaderOption, id))
         return;
     const WString header = L"-r" + id;
     GetEnvironment().SetString(L"RecordHeader", header);
     GetEnvironment().SetString(variable, header);
 }
 
-void Command::WriteUsage(std::span<const UsageLine> lines, const wchar_t* operatorsTitle, const wchar_t* functionsTitle)
+void Command::WriteUsage(const wchar_t* operatorsTitle, const wchar_t* functionsTitle)
 {
-    for (const UsageLine& line : lines)
-        GetPipe().WriteLine(line.format, line.argument);
+    RecordedCommand::ShowUsage();
     ExpressionEvaluator::DisplaySupportedOperatorsAndFunctionsHelpText(GetPipe(), true, operatorsTitle, functionsTitle);
 }

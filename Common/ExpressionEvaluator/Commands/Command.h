@@ -1,18 +1,12 @@
 #pragma once
 
-#include "Commands/CommandBase.h"
+#include "Commands/RecordedCommand.h"
 #include "ExpressionEvaluatorApi.h"
-
-#include <span>
 
 class ExpressionEvaluator;
 
-/// One line of a usage text: a format of Pipe::WriteLine, and the text for the "%s" in it if there is one.
-struct UsageLine
-{
-    const wchar_t* format;
-    const wchar_t* argument = L"";
-};
+/// The record header that a statement leaves for the commands that it runs.
+constexpr TextOption recordHeaderOption(L"r", 7, 1, 32, L"Give this record header to the commands");
 
 /// Why an expression could not be evaluated.
 struct EvaluationError
@@ -33,22 +27,15 @@ void WriteReport(Output& output, const EvaluationError& error, const wchar_t* pr
     output.WriteLine(L"%s%s", indent, error.marker);
 }
 
-/// What the commands that take an expression have in common. Such a command reads its options, checks its arguments,
-/// calls TryStart, and only then does its work.
-class Command : public CommandBase
+/// What the commands that take an expression have in common.
+class Command : public RecordedCommand
 {
 public:
     const char* GetSourceCodeTimestamp() override;
     void OnExit(ExitCode& exitCode) override;
 
 protected:
-    Command();
-
-    /// Fails without output; the message is for the report of whoever ran the command.
-    ExitCode Refuse(unsigned int exitNumber, const WString& message);
-    /// Tells the caller that the command line is accepted and waits until the command may go on. False, with
-    /// ExitCode(2) in `refusal`, when an option was given that the command did not ask for.
-    bool TryStart(const Options& options, ExitCode& refusal);
+    using RecordedCommand::RecordedCommand;
 
     /// The error of the evaluator's last evaluation, whose message is left for the report of whoever ran the command.
     EvaluationError TakeError(const ExpressionEvaluator& evaluator, const WString& expression);
@@ -61,10 +48,10 @@ protected:
         const WString& separators, const WString& refusal);
     /// The commands of a list, as SplitList.
     WStringArray SplitCommandList(const WString& list, const WString& separator, unsigned int exitNumber);
-    /// Leaves the record header of the option -r for the commands that this one runs, under "RecordHeader" and under
+    /// Leaves the record header of its option for the commands that this one runs, under "RecordHeader" and under
     /// `variable`.
     void InheritRecordHeader(Options& options, const wchar_t* variable);
 
-    /// Writes the lines, then the operators and functions that an expression may consist of.
-    void WriteUsage(std::span<const UsageLine> lines, const wchar_t* operatorsTitle, const wchar_t* functionsTitle);
+    /// Writes the lines of the record, then the operators and functions that an expression may consist of.
+    void WriteUsage(const wchar_t* operatorsTitle, const wchar_t* functionsTitle);
 };

@@ -2,27 +2,40 @@
 
 namespace {
 constexpr UsageLine usage_lc[] = {
-    {L"Usage: If <condition> Then <command1> [Else <command2>]"},
-    {L" Conditional statement, executes a command if the condition"},
-    {L" is true and optionally another statement if the condition is false."},
-    {L"Arguments:"},
-    {L" <condition>    The condition that is to be evaluated."},
-    {L"                 The operators and functions that can be used"},
-    {L"                 are listed below."},
-    {L" <command1>     Command(s) with arguments that is to be run if the"},
-    {L"                 condition is true."},
-    {L" <command2>     Optional: Command(s) with arguments that is to be run if"},
-    {L"                 the condition is false."},
-    {L"Options: (Must be specified before the condition)"},
-    {L"  -l<char> Separator to use between commands when multiple commands are used."},
-    {L"           Default: ;"},
-    {L"  -v     Verbose mode, display the outcome of the condition and any errors."},
-    {L"  -r<id> Standard record header option. This option can be inherited by the"},
+    L"Usage: If <condition> Then <command1> [Else <command2>]",
+    L" Conditional statement, executes a command if the condition",
+    L" is true and optionally another statement if the condition is false.",
+    L"Arguments:",
+    L" <condition>    The condition that is to be evaluated.",
+    L"                 The operators and functions that can be used",
+    L"                 are listed below.",
+    L" <command1>     Command(s) with arguments that is to be run if the",
+    L"                 condition is true.",
+    L" <command2>     Optional: Command(s) with arguments that is to be run if",
+    L"                 the condition is false.",
+    L"Options: (Must be specified before the condition)",
+    L"  -l<char> Separator to use between commands when multiple commands are used.",
+    L"           Default: ;",
+    L"  -v     Verbose mode, display the outcome of the condition and any errors.",
+    L"  -r<id> Standard record header option. This option can be inherited by the",
     {L"         conditionally started command through the %%E{%s} or", L"RecordHeader"},
-    {L"          %%E{RH_IF} variable."},
-    {L""},
+    L"          %%E{RH_IF} variable.",
+    L"",
 };
 
+constexpr TextOption separator_lc(L"l", 8, 1, 1, L"Separate commands by this character instead of ;");
+constexpr FlagOption verbose_lc(L"v", 6, L"Show how the condition came out, and log its errors");
+constexpr OptionRecord options_lc[] = {separator_lc, verbose_lc, recordHeaderOption};
+
+constexpr CommandRecord record_lc = {L"If", 1042, CreateCommandIf, usage_lc, options_lc, CommandFlags::restAsItStands};
+
+enum ExitNumber : unsigned int
+{
+    missingThen = 3,
+    emptyThen = 4,
+    emptyElse = 5,
+    badCommandList = 9
+};
 } // namespace
 
 struct If::Statement
@@ -37,32 +50,24 @@ CommandBase* CreateCommandIf()
     return new If;
 }
 
-WString If::GetName()
-{
-    return L"If";
-}
-
-unsigned int If::GetCommandId()
-{
-    return 1042;
-}
+If::If() : Command(record_lc) {}
 
 ExitCode If::Main(ArgumentList& arguments, Options& options)
 {
     if (arguments.Count() == 0)
-        return ExitCode(1);
+        return ExitCode(CommonExit::wrongCount);
     WString separator = L";";
-    options.TryGetString(L"L", 8, separator, 1, 1);
-    const bool verbose = options.TryGetFlag(L"v", 6);
+    options.TryGetString(separator_lc, separator);
+    const bool verbose = options.TryGetFlag(verbose_lc);
     InheritRecordHeader(options, L"RH_IF");
 
     Statement statement;
     ExitCode failure = SplitStatement(arguments.At(0), statement);
-    if (failure.IsError() || !TryStart(options, failure))
-        return failure;
-
+    if (!failure.IsError())
+        failure = Start(options);
     bool holds = false;
-    failure = EvaluateCondition(statement.condition, verbose, holds);
+    if (!failure.IsError())
+        failure = EvaluateCondition(statement.condition, verbose, holds);
     if (failure.IsError())
         return failure;
     const WString& chosen = holds ? statement.thenList : statement.elseList;
@@ -80,24 +85,24 @@ ExitCode If::SplitStatement(const WString& text, Statement& statement)
 {
     WString lists;
     if (!text.TrySplitAtKeyword(L"THEN", statement.condition, lists))
-        return Refuse(3, L"THEN is missing");
+        return Refuse(missingThen, L"THEN is missing");
     const bool hasElse = lists.TrySplitAtKeyword(L"ELSE", statement.thenList, statement.elseList);
     if (!hasElse)
         statement.thenList = lists;
     if (statement.thenList.IsEmpty())
-        return Refuse(4, L"No command after THEN");
+        return Refuse(emptyThen, L"No command after THEN");
     if (hasElse && statement.elseList.IsEmpty())
-        return Refuse(5, L"No command after ELSE");
+        return Refuse(emptyElse, L"No command after ELSE");
     return ExitCode(0);
 }
 
 void If::RunCommandList(const WString& list, const WString& separator)
 {
-    for (const WString& command : SplitCommandList(list, separator, 9))
+    for (const WString& command : SplitCommandList(list, separator, badCommandList))
         Run(command, GetPipe(), CommandFlags::inheritedOutput);
 }
 
 void If::ShowUsage()
 {
-    WriteUsage(usage_lc, L"Supported operators in the condition:", L"Supported functions in the condition:");
+    WriteUsage(L"Supported operators in the condition:", L"Supported functions in the condition:");
 }

@@ -6,8 +6,7 @@
 class If : public Command
 {
 public:
-    WString GetName() override;
-    unsigned int GetCommandId() override;
+    If();
     ExitCode Main(ArgumentList& arguments, Options& options) override;
     void ShowUsage() override;
 

@@ -8,19 +8,35 @@
 
 namespace {
 constexpr UsageLine usage_lc[] = {
-    {L"Usage: Set [<VariableName>[=<expression>]] [<options>]"},
-    {L" Sets or gets an environment variable value."},
-    {L" No arguments are specified, all environment variables are listed."},
-    {L"Arguments:"},
-    {L"  <VariableName>    The environment variable name."},
-    {L"  <expression>      Expression whose result is assigned to the"},
-    {L"                     specified environment variable."},
-    {L"Options:"},
-    {L" -i                 Initialize environment variable when it does"},
-    {L"                     not exist using the expression. Ignored if"},
-    {L"                     variable already is defined."},
-    {L" -v                 Use verbose output"},
-    {L" -z                 Zap/Delete environment variable if it exists."},
+    L"Usage: Set [<VariableName>[=<expression>]] [<options>]",
+    L" Sets or gets an environment variable value.",
+    L" No arguments are specified, all environment variables are listed.",
+    L"Arguments:",
+    L"  <VariableName>    The environment variable name.",
+    L"  <expression>      Expression whose result is assigned to the",
+    L"                     specified environment variable.",
+    L"Options:",
+    L" -i                 Initialize environment variable when it does",
+    L"                     not exist using the expression. Ignored if",
+    L"                     variable already is defined.",
+    L" -v                 Use verbose output",
+    L" -z                 Zap/Delete environment variable if it exists.",
+};
+
+constexpr FlagOption verbose_lc(L"v", 6, L"Show the value and the errors");
+constexpr FlagOption initialize_lc(L"i", 7, L"Leave a variable that exists as it is");
+constexpr FlagOption zap_lc(L"z", 8, L"Delete the variable");
+constexpr OptionRecord options_lc[] = {verbose_lc, initialize_lc, zap_lc};
+
+constexpr CommandRecord record_lc = {
+    L"Set", 1045, CreateCommandSetCommand, usage_lc, options_lc, CommandFlags::restAsItStands};
+
+enum ExitNumber : unsigned int
+{
+    blankInName = 3,
+    badCharacterInName = 4,
+    noSuchVariable = 5,
+    deletedAndAssigned = 9
 };
 
 bool IsWildcard(wchar_t ch)
@@ -39,36 +55,30 @@ CommandBase* CreateCommandSetCommand()
     return new SetCommand;
 }
 
-WString SetCommand::GetName()
-{
-    return L"Set";
-}
-
-unsigned int SetCommand::GetCommandId()
-{
-    return 1045;
-}
+SetCommand::SetCommand() : Command(record_lc) {}
 
 ExitCode SetCommand::Main(ArgumentList& arguments, Options& options)
 {
     if (arguments.Count() >= 2)
-        return ExitCode(1);
-    const bool verbose = options.TryGetFlag(L"v", 6);
-    const bool initialize = options.TryGetFlag(L"i", 7);
-    const bool zap = options.TryGetFlag(L"z", 8);
+        return ExitCode(CommonExit::wrongCount);
+    const bool verbose = options.TryGetFlag(verbose_lc);
+    const bool initialize = options.TryGetFlag(initialize_lc);
+    const bool zap = options.TryGetFlag(zap_lc);
 
     WString name, expression;
     ExitCode refusal;
     if (arguments.Count() == 1)
         refusal = SplitArgument(arguments.At(0), name, expression);
-    if (refusal.IsError() || !TryStart(options, refusal))
+    if (!refusal.IsError())
+        refusal = Start(options);
+    if (refusal.IsError())
         return refusal;
 
     if (arguments.Count() == 0)
         return List(L"*");
     if (!expression.IsEmpty()) {
         if (zap)
-            return Refuse(9, L"A variable cannot be deleted and assigned at once");
+            return Refuse(deletedAndAssigned, L"A variable cannot be deleted and assigned at once");
         if (!initialize || !GetEnvironment().ContainsKey(name))
             return Assign(name, expression, verbose);
         if (verbose)
@@ -80,7 +90,7 @@ ExitCode SetCommand::Main(ArgumentList& arguments, Options& options)
     if (zap)
         return Delete(name);
     SetFailureMessage(L"No such variable: " + name);
-    return Show(name, GetEnvironment().GetString(name, 5));
+    return Show(name, GetEnvironment().GetString(name, noSuchVariable));
 }
 
 /// `name`, or `name=expression`; without an expression the name may hold wildcards.
@@ -99,9 +109,9 @@ ExitCode SetCommand::SplitArgument(const WString& argument, WString& name, WStri
         return NameCharacters::Default()->Contains(ch) || (isPattern && IsWildcard(ch));
     };
     if (std::ranges::any_of(name, IsBlank))
-        return Refuse(3, L"Blank in variable name: " + name);
+        return Refuse(blankInName, L"Blank in variable name: " + name);
     if (!std::ranges::all_of(name, isValid))
-        return Refuse(4, L"Invalid character in variable name: " + name);
+        return Refuse(badCharacterInName, L"Invalid character in variable name: " + name);
     return ExitCode(0);
 }
 
@@ -185,5 +195,5 @@ ExitCode SetCommand::WildcardDelete(const WString& pattern)
 
 void SetCommand::ShowUsage()
 {
-    WriteUsage(usage_lc, L"Supported operators in the expression:", L"Supported functions in the expression:");
+    WriteUsage(L"Supported operators in the expression:", L"Supported functions in the expression:");
 }

@@ -6,8 +6,7 @@
 class SetCommand : public Command
 {
 public:
-    WString GetName() override;
-    unsigned int GetCommandId() override;
+    SetCommand();
     ExitCode Main(ArgumentList& arguments, Options& options) override;
     void ShowUsage() override;
 

@@ -8,51 +8,67 @@ namespace {
 constexpr wchar_t exitCodeName_lc[] = L"EC_While";
 
 constexpr UsageLine usage_lc[] = {
-    {L"Usage: While <condition> Do <command>[;...]"},
-    {L" Conditional statement, executes a command(s) while the condition"},
-    {L" is true."},
-    {L"Arguments:"},
-    {L" <condition>    The condition that is to be evaluated."},
-    {L"                 The operators and functions that can be used"},
-    {L"                 are listed below."},
-    {L" <command>     Command(s) with arguments that is to be run while the"},
-    {L"                 condition is true."},
-    {L"Options: (Must be specified before the condition)"},
-    {L"  -c<maxCount> Max number of iterations."},
-    {L"  -er<exitCodes> Ignore if any of the commands after DO fails with an exit code"},
-    {L"                 that matches any exit code in the specified list."},
-    {L"                 The listed exit code(s) may contain wildcards (*/?)."},
-    {L"  -l<char> Separator to use between commands when multiple commands are used."},
-    {L"           Default: ;"},
-    {L"  -v     Verbose mode, display the outcome of the condition and any errors."},
-    {L"  -w<wait> Wait time in seconds between each iteration (max 3 decimals allowed)"},
-    {L"  -r<id> Standard record header option. This option can be inherited by the"},
+    L"Usage: While <condition> Do <command>[;...]",
+    L" Conditional statement, executes a command(s) while the condition",
+    L" is true.",
+    L"Arguments:",
+    L" <condition>    The condition that is to be evaluated.",
+    L"                 The operators and functions that can be used",
+    L"                 are listed below.",
+    L" <command>     Command(s) with arguments that is to be run while the",
+    L"                 condition is true.",
+    L"Options: (Must be specified before the condition)",
+    L"  -c<maxCount> Max number of iterations.",
+    L"  -er<exitCodes> Ignore if any of the commands after DO fails with an exit code",
+    L"                 that matches any exit code in the specified list.",
+    L"                 The listed exit code(s) may contain wildcards (*/?).",
+    L"  -l<char> Separator to use between commands when multiple commands are used.",
+    L"           Default: ;",
+    L"  -v     Verbose mode, display the outcome of the condition and any errors.",
+    L"  -w<wait> Wait time in seconds between each iteration (max 3 decimals allowed)",
+    L"  -r<id> Standard record header option. This option can be inherited by the",
     {L"         conditionally started command through the %%E{%s} or", L"RecordHeader"},
-    {L"          %%E{RH_WHILE} variable."},
-    {L""},
-    {L"Environment variables:"},
-    {L"  i        - loop index, starting at 1"},
-    {L"  EC_While - Suppressed exit code from the started commands, \"0\" if successful."},
-    {L"             Only available when the -er option is used."},
-    {L"Example: Loop until 10, using the automatic loop index i and write the values"},
-    {L"          to the terminal, one second delay between lines."},
-    {L" WHILE -w1 i<=1 DO ECHO %%E{i}"},
-    {L""},
-    {L"Example: Loop until 10 and write each value to the terminal."},
-    {L" SET loopIndex=1"},
-    {L" WHILE loopIndex<=10 DO ECHO %%E{loopIndex}; SET loopIndex=loopIndex+1"},
-    {L""},
-    {L"Example: Wait for stable temperature"},
-    {L" WHILE NOT(%%S{TempOpticsStable}) DO WAIT 1"},
-    {L""},
-    {L"Example: Ignoring all exit codes starting with 9015."},
-    {L" WHILE -w1 -c10 -er9015:* i<=10 DO Assert i > 5"},
-    {L""},
-    {L"Example: Retry writing until the file is no longer locked."},
-    {L" WHILE -w1 -c100 -er*:100:32 i<=1 OR EC_While<>\"0\" DO ECHO -ftest.txt OK"},
-    {L""},
+    L"          %%E{RH_WHILE} variable.",
+    L"",
+    L"Environment variables:",
+    L"  i        - loop index, starting at 1",
+    L"  EC_While - Suppressed exit code from the started commands, \"0\" if successful.",
+    L"             Only available when the -er option is used.",
+    L"Example: Loop until 10, using the automatic loop index i and write the values",
+    L"          to the terminal, one second delay between lines.",
+    L" WHILE -w1 i<=1 DO ECHO %%E{i}",
+    L"",
+    L"Example: Loop until 10 and write each value to the terminal.",
+    L" SET loopIndex=1",
+    L" WHILE loopIndex<=10 DO ECHO %%E{loopIndex}; SET loopIndex=loopIndex+1",
+    L"",
+    L"Example: Wait for stable temperature",
+    L" WHILE NOT(%%S{TempOpticsStable}) DO WAIT 1",
+    L"",
+    L"Example: Ignoring all exit codes starting with 9015.",
+    L" WHILE -w1 -c10 -er9015:* i<=10 DO Assert i > 5",
+    L"",
+    L"Example: Retry writing until the file is no longer locked.",
+    L" WHILE -w1 -c100 -er*:100:32 i<=1 OR EC_While<>\"0\" DO ECHO -ftest.txt OK",
+    L"",
 };
 
+constexpr WholeNumberOption maxCount_lc(L"c", 8, 0, std::numeric_limits<int>::max(), L"End after so many iterations");
+constexpr TextOption separator_lc(L"l", 9, 1, 1, L"Separate commands by this character instead of ;");
+constexpr NumberOption wait_lc(L"w", 10, 0.001, 86400.0, L"Wait so many seconds after each iteration");
+constexpr FlagOption verbose_lc(L"v", 6, L"Show how the condition came out and what is run, and log errors");
+constexpr TextOption ignoredCodes_lc(L"er", 12, 1, 1000, L"Go on after a failure with one of these exit codes");
+constexpr OptionRecord options_lc[] = {
+    maxCount_lc, separator_lc, wait_lc, verbose_lc, ignoredCodes_lc, recordHeaderOption};
+
+constexpr CommandRecord record_lc = {
+    L"While", 1064, CreateCommandWhile, usage_lc, options_lc, CommandFlags::restAsItStands};
+
+enum ExitNumber : unsigned int
+{
+    missingDo = 3,
+    badCommandList = 11
+};
 } // namespace
 
 /// One statement: what its command line asks for.
@@ -72,29 +88,20 @@ CommandBase* CreateCommandWhile()
     return new While;
 }
 
-WString While::GetName()
-{
-    return L"While";
-}
-
-unsigned int While::GetCommandId()
-{
-    return 1064;
-}
+While::While() : Command(record_lc) {}
 
 ExitCode While::Main(ArgumentList& arguments, Options& options)
 {
     if (arguments.Count() == 0)
-        return ExitCode(1);
+        return ExitCode(CommonExit::wrongCount);
     Loop loop;
     ReadOptions(options, loop);
 
     WString commandList;
     if (!arguments.At(0).TrySplitAtKeyword(L"DO", loop.condition, commandList))
-        return Refuse(3, L"DO is missing");
-    loop.commands = SplitCommandList(commandList, loop.separator, 11);
-    ExitCode refusal;
-    if (!TryStart(options, refusal))
+        return Refuse(missingDo, L"DO is missing");
+    loop.commands = SplitCommandList(commandList, loop.separator, badCommandList);
+    if (const ExitCode refusal = Start(options); refusal.IsError())
         return refusal;
     return RunLoop(loop);
 }
@@ -102,16 +109,17 @@ ExitCode While::Main(ArgumentList& arguments, Options& options)
 void While::ReadOptions(Options& options, Loop& loop)
 {
     int maxCount = 0;
-    if (options.TryGetInt(L"c", 8, maxCount, 0, std::numeric_limits<int>::max()))
+    if (options.TryGetInt(maxCount_lc, maxCount))
         loop.maxCount = static_cast<unsigned int>(maxCount);
-    options.TryGetString(L"L", 9, loop.separator, 1, 1);
+    options.TryGetString(separator_lc, loop.separator);
     double seconds = 0;
-    if (options.TryGetDouble(L"w", 10, seconds, 0.001, 86400.0))
+    if (options.TryGetDouble(wait_lc, seconds))
         loop.wait = static_cast<int>(seconds * 1000.0);
-    loop.verbose = options.TryGetFlag(L"v", 6);
+    loop.verbose = options.TryGetFlag(verbose_lc);
     WString patterns;
-    if (options.TryGetString(L"er", 12, patterns, 1, 1000))
-        loop.ignoredCodes = SplitList(patterns, 12, 30, L";,", L"Bad value of option -er" + patterns);
+    if (options.TryGetString(ignoredCodes_lc, patterns))
+        loop.ignoredCodes =
+            SplitList(patterns, ignoredCodes_lc.exitNumber, 30, L";,", L"Bad value of option -er" + patterns);
     InheritRecordHeader(options, L"RH_WHILE");
 }
 
@@ -182,5 +190,5 @@ bool While::IsExitCodeIgnored(const ExitCode& code, const WStringArray& patterns
 
 void While::ShowUsage()
 {
-    WriteUsage(usage_lc, L"Supported operators in the condition:", L"Supported functions in the condition:");
+    WriteUsage(L"Supported operators in the condition:", L"Supported functions in the condition:");
 }

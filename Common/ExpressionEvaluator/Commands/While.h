@@ -6,8 +6,7 @@
 class While : public Command
 {
 public:
-    WString GetName() override;
-    unsigned int GetCommandId() override;
+    While();
     ExitCode Main(ArgumentList& arguments, Options& options) override;
     void ShowUsage() override;
 

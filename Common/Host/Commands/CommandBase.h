@@ -15,6 +15,8 @@ enum class CommandType
     Normal
 };
 
+struct CommandRecord;
+
 /// What a paused command is told.
 struct PauseArgument
 {
@@ -58,6 +60,9 @@ public:
     /// over it.
     ExitCode Run(const WString& line, Pipe& output, unsigned int runFlags);
 
+    /// What describes the command; null when nothing but the operations above does.
+    const CommandRecord* GetRecord() const noexcept { return record; }
+
     Pipe& GetPipe() noexcept { return *pipe; }
     Environment& GetEnvironment() noexcept { return environment; }
     unsigned int GetFlags() const noexcept { return flags; }
@@ -70,6 +75,8 @@ protected:
     CommandBase(const CommandBase&) = delete;
     CommandBase& operator=(const CommandBase&) = delete;
 
+    /// The record outlives the command.
+    void SetRecord(const CommandRecord& commandRecord) noexcept { record = &commandRecord; }
     void SetFailureMessage(const WString& message) { failureMessage = message; }
     /// What is known of the failure of the command that Run ran last; empty when it succeeded.
     const WString& GetRunMessage() const noexcept { return runMessage; }
@@ -88,6 +95,7 @@ protected:
 
 private:
     friend class CommandRunner;
+    const CommandRecord* record = nullptr;
     Pipe* pipe;
     Environment environment;
     WString returnString;

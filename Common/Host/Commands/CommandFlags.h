@@ -9,4 +9,7 @@ constexpr unsigned int optionsFirst = 1u << 6;    // options come before the arg
 constexpr unsigned int inheritedOutput = 0x100;   // run by another command, on its output
 constexpr unsigned int toleratesFailure = 0x1;    // the caller deals with a failing code
 constexpr unsigned int noFailureLog = 0x800;      // failures are not written to the error log
+
+/// The options, then the rest of the line as it stands.
+constexpr unsigned int restAsItStands = noSubstitution | singleArgument | optionsFirst;
 } // namespace CommandFlags

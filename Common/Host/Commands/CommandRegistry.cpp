@@ -24,7 +24,7 @@ bool CommandRegistry::Add(CommandFactory factory, const std::string& file)
     const WString name = command->GetName();
     if (FindOrNull(name))
         return false;
-    GetRegistry().entries.push_back({name, command->GetCommandId(), factory, file});
+    GetRegistry().entries.push_back({name, command->GetCommandId(), factory, file, command->GetRecord()});
     return true;
 }
 

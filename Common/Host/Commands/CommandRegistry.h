@@ -2,15 +2,13 @@
 
 #include "Commands/AutomaticTestEntry.h"
 #include "Commands/CommandBase.h"
+#include "Commands/CommandRecord.h"
 #include "HostApi.h"
 #include "Text/WString.h"
 
 #include <memory>
 #include <string>
 #include <vector>
-
-/// Makes a command, which the caller owns.
-using CommandFactory = CommandBase* (*)();
 
 /// The commands and automatic tests that can be run, by name in any case. Filled at start; not locked.
 class HOST_API CommandRegistry
@@ -21,7 +19,8 @@ public:
         WString name;
         unsigned int commandId;
         CommandFactory factory;
-        std::string file; // the file of the plug-in it came from; empty for the shell's own
+        std::string file;            // the file of the plug-in it came from; empty for the shell's own
+        const CommandRecord* record; // null when the command has none
     };
 
     /// Makes one command to ask for its name and id, and adds it. A name already taken is refused with false.

@@ -58,9 +58,9 @@ WString Describe(const ExitCode& code, const Options& options)
 {
     if (!options.GetRefusedOption().IsEmpty())
         return L"Bad value of option " + options.GetRefusedOption();
-    if (code.GetModule() == 0 && code.GetNumber() == 1)
+    if (code.GetModule() == 0 && code.GetNumber() == CommonExit::wrongCount)
         return L"Wrong number of arguments";
-    if (code.GetModule() == 0 && code.GetNumber() == 2)
+    if (code.GetModule() == 0 && code.GetNumber() == CommonExit::badOption)
         return HostException(HostError::UnknownOption, options.GetUnusedOption()).GetMessage();
     return GetHostMessage(code);
 }

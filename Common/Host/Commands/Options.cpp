@@ -55,6 +55,27 @@ bool Options::TryGetString(
     });
 }
 
+bool Options::TryGetFlag(const FlagOption& row)
+{
+    return TryGetFlag(row.name, row.exitNumber);
+}
+
+bool Options::TryGetInt(const WholeNumberOption& row, int& value)
+{
+    return TryGetInt(row.name, row.exitNumber, value, static_cast<int>(row.least), static_cast<int>(row.greatest));
+}
+
+bool Options::TryGetDouble(const NumberOption& row, double& value)
+{
+    return TryGetDouble(row.name, row.exitNumber, value, row.least, row.greatest);
+}
+
+bool Options::TryGetString(const TextOption& row, WString& value)
+{
+    return TryGetString(
+        row.name, row.exitNumber, value, static_cast<unsigned int>(row.least), static_cast<unsigned int>(row.greatest));
+}
+
 bool Options::ContainsUnusedOptions() const noexcept
 {
     for (const Option& option : options) {

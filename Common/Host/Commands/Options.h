@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Commands/OptionRecord.h"
 #include "HostApi.h"
 #include "Text/WString.h"
 #include "Text/WStringArray.h"
@@ -22,6 +23,12 @@ public:
     bool TryGetDouble(const wchar_t* name, unsigned int exitNumber, double& value, double min, double max);
     bool TryGetString(
         const wchar_t* name, unsigned int exitNumber, WString& value, unsigned int minLength, unsigned int maxLength);
+
+    /// The same by the row that describes the option.
+    bool TryGetFlag(const FlagOption& row);
+    bool TryGetInt(const WholeNumberOption& row, int& value);
+    bool TryGetDouble(const NumberOption& row, double& value);
+    bool TryGetString(const TextOption& row, WString& value);
 
     /// True while an option was given that no operation asked for.
     bool ContainsUnusedOptions() const noexcept;
