@@ -1,5 +1,5 @@
 #include "Arguments.h"
-#include "BuiltIns/BuiltIn.h"
+#include "BuiltIns/BuiltIns.h"
 #include "Commands/PluginLoader.h"
 #include "DelayedStatus.h"
 #include "FileLines.h"

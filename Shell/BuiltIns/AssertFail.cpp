@@ -2,7 +2,7 @@
 #include "Commands/CommandLine.h"
 
 namespace {
-constexpr const wchar_t* usage_lc[] = {
+constexpr UsageLine usage_lc[] = {
     L"Usage: AssertFail <exit code> <command>",
     L" Runs the command and succeeds when it fails with the exit code.",
     L" The rest of the line is the command, as it stands.",
@@ -10,13 +10,11 @@ constexpr const wchar_t* usage_lc[] = {
     L" <exit code>  The expected code; may contain wildcards (*/?).",
     L"Example: AssertFail 1043:505:133 Calc -q 1/0",
 };
-constexpr BuiltInRecord record_lc = {L"AssertFail", 2001, usage_lc,
-    CommandFlags::noSubstitution | CommandFlags::singleArgument | CommandFlags::optionsFirst};
 
 class AssertFail : public BuiltIn
 {
 public:
-    AssertFail() : BuiltIn(record_lc) {}
+    AssertFail() : BuiltIn(assertFail_gb) {}
     ExitCode Main(ArgumentList& arguments, Options& options) override;
 };
 
@@ -27,7 +25,7 @@ ExitCode AssertFail::Main(ArgumentList& arguments, Options& options)
     WString command;
     CommandLine::SplitName(arguments.At(0), expected, command);
     if (command.IsEmpty())
-        Fail(badCount, L"There is no command behind the exit code");
+        Fail(CommonExit::wrongCount, L"There is no command behind the exit code");
 
     const unsigned int runFlags =
         CommandFlags::inheritedOutput | CommandFlags::toleratesFailure | CommandFlags::noFailureLog;
@@ -40,7 +38,5 @@ ExitCode AssertFail::Main(ArgumentList& arguments, Options& options)
 }
 } // namespace
 
-CommandBase* CreateAssertFail()
-{
-    return new AssertFail();
-}
+constexpr CommandRecord assertFail_gb = {
+    L"AssertFail", 2001, Create<AssertFail>, usage_lc, {}, CommandFlags::restAsItStands};

@@ -1,39 +1,30 @@
-#include "BuiltIns/BuiltIn.h"
+#include "BuiltIns/BuiltIns.h"
+
 #include "Commands/CommandRegistry.h"
 
-// Each stands in the file of its name.
-CommandBase* CreateAssertFail();
-CommandBase* CreateConfig();
-CommandBase* CreateEcho();
-CommandBase* CreateEvent();
-CommandBase* CreateExit();
-CommandBase* CreateHelp();
-CommandBase* CreateLog();
-CommandBase* CreatePlugins();
-CommandBase* CreateRun();
-CommandBase* CreateStatus();
-CommandBase* CreateTest();
-CommandBase* CreateUsage();
-CommandBase* CreateWait();
-
-static constexpr CommandFactory factories_lc[] = {
-    CreateAssertFail,
-    CreateConfig,
-    CreateEcho,
-    CreateEvent,
-    CreateExit,
-    CreateHelp,
-    CreateLog,
-    CreatePlugins,
-    CreateRun,
-    CreateStatus,
-    CreateTest,
-    CreateUsage,
-    CreateWait,
+static constexpr const CommandRecord* records_lc[] = {
+    &assertFail_gb,
+    &config_gb,
+    &echo_gb,
+    &event_gb,
+    &exit_gb,
+    &help_gb,
+    &log_gb,
+    &plugins_gb,
+    &run_gb,
+    &status_gb,
+    &test_gb,
+    &usage_gb,
+    &wait_gb,
 };
+
+std::span<const CommandRecord* const> GetBuiltIns()
+{
+    return records_lc;
+}
 
 void AddBuiltIns()
 {
-    for (const CommandFactory factory : factories_lc)
-        CommandRegistry::Add(factory, "");
+    for (const CommandRecord* record : records_lc)
+        CommandRegistry::Add(record->factory, "");
 }

@@ -3,7 +3,7 @@
 #include "Instrument/System.h"
 
 namespace {
-constexpr const wchar_t* usage_lc[] = {
+constexpr UsageLine usage_lc[] = {
     L"Usage: Config [<pattern>]",
     L"       Config [<section>]<key>[=<value>]",
     L"       Config -doc",
@@ -14,12 +14,14 @@ constexpr const wchar_t* usage_lc[] = {
     L"        with their types, limits, defaults and descriptions.",
     L"Example: Config [Debug]LogAssertFail=false",
 };
-constexpr BuiltInRecord record_lc = {L"Config", 2002, usage_lc};
+
+constexpr FlagOption document_lc(L"doc", badOptionValue, L"Write the configuration document");
+constexpr OptionRecord options_lc[] = {document_lc};
 
 class Config : public ItemCommand
 {
 public:
-    Config() : ItemCommand(record_lc) {}
+    Config() : ItemCommand(config_gb) {}
     ExitCode Main(ArgumentList& arguments, Options& options) override;
 
 protected:
@@ -30,7 +32,7 @@ protected:
 
 ExitCode Config::Main(ArgumentList& arguments, Options& options)
 {
-    if (!options.TryGetFlag(L"doc", badOptionValue))
+    if (!options.TryGetFlag(document_lc))
         return ItemCommand::Main(arguments, options);
     Accept(arguments, options, 0, 0);
     WStringArray lines;
@@ -63,7 +65,4 @@ void Config::Set(const WString& name, const WString& value)
 }
 } // namespace
 
-CommandBase* CreateConfig()
-{
-    return new Config();
-}
+constexpr CommandRecord config_gb = {L"Config", 2002, Create<Config>, usage_lc, options_lc};

@@ -2,26 +2,28 @@
 #include "Services/File.h"
 
 namespace {
-constexpr const wchar_t* usage_lc[] = {
+constexpr UsageLine usage_lc[] = {
     L"Usage: Echo [-f<file>] [<text>]",
     L" Writes the text, its words separated by single blanks.",
     L" Put double quotes around blanks that are to be kept.",
     L"Options: (Must be specified before the text)",
     L" -f<file>  Append the text to the file instead.",
 };
-constexpr BuiltInRecord record_lc = {L"Echo", 2003, usage_lc, CommandFlags::optionsFirst};
+
+constexpr TextOption file_lc(L"f", badOptionValue, 1, 4096, L"Append the text to this file");
+constexpr OptionRecord options_lc[] = {file_lc};
 
 class Echo : public BuiltIn
 {
 public:
-    Echo() : BuiltIn(record_lc) {}
+    Echo() : BuiltIn(echo_gb) {}
     ExitCode Main(ArgumentList& arguments, Options& options) override;
 };
 
 ExitCode Echo::Main(ArgumentList& arguments, Options& options)
 {
     WString file;
-    const bool toFile = options.TryGetString(L"f", badOptionValue, file, 1, 4096);
+    const bool toFile = options.TryGetString(file_lc, file);
     Accept(arguments, options, 0, anyCount);
 
     WString text;
@@ -40,7 +42,4 @@ ExitCode Echo::Main(ArgumentList& arguments, Options& options)
 }
 } // namespace
 
-CommandBase* CreateEcho()
-{
-    return new Echo();
-}
+constexpr CommandRecord echo_gb = {L"Echo", 2003, Create<Echo>, usage_lc, options_lc, CommandFlags::optionsFirst};

@@ -4,7 +4,7 @@
 #include <memory>
 
 namespace {
-constexpr const wchar_t* usage_lc[] = {
+constexpr UsageLine usage_lc[] = {
     L"Usage: Event [<pattern>]",
     L"       Event <name>[=<number>]",
     L"       Event -z <name>",
@@ -13,7 +13,9 @@ constexpr const wchar_t* usage_lc[] = {
     L"Options:",
     L" -z  Zap/Delete the event.",
 };
-constexpr BuiltInRecord record_lc = {L"Event", 2004, usage_lc};
+
+constexpr FlagOption zap_lc(L"z", badOptionValue, L"Delete the event");
+constexpr OptionRecord options_lc[] = {zap_lc};
 
 struct ReferenceEnder
 {
@@ -24,7 +26,7 @@ using EventReference = std::unique_ptr<OS9EventData, ReferenceEnder>;
 class Event : public ItemCommand
 {
 public:
-    Event() : ItemCommand(record_lc) {}
+    Event() : ItemCommand(event_gb) {}
     ExitCode Main(ArgumentList& arguments, Options& options) override;
 
 protected:
@@ -35,7 +37,7 @@ protected:
 
 ExitCode Event::Main(ArgumentList& arguments, Options& options)
 {
-    if (!options.TryGetFlag(L"z", badOptionValue))
+    if (!options.TryGetFlag(zap_lc))
         return ItemCommand::Main(arguments, options);
     Accept(arguments, options, 1, 1);
     if (!OS9EventManager::TryDelete(arguments.At(0)))
@@ -61,7 +63,4 @@ void Event::Set(const WString& name, const WString& value)
 }
 } // namespace
 
-CommandBase* CreateEvent()
-{
-    return new Event();
-}
+constexpr CommandRecord event_gb = {L"Event", 2004, Create<Event>, usage_lc, options_lc};

@@ -2,16 +2,15 @@
 #include "Text/HostError.h"
 
 namespace {
-constexpr const wchar_t* usage_lc[] = {
+constexpr UsageLine usage_lc[] = {
     L"Usage: Exit",
     L" Ends the shell and all its scripts, without an error.",
 };
-constexpr BuiltInRecord record_lc = {L"Exit", 2005, usage_lc};
 
 class Exit : public BuiltIn
 {
 public:
-    Exit() : BuiltIn(record_lc) {}
+    Exit() : BuiltIn(exit_gb) {}
     ExitCode Main(ArgumentList& arguments, Options& options) override
     {
         Accept(arguments, options, 0, 0);
@@ -20,7 +19,4 @@ public:
 };
 } // namespace
 
-CommandBase* CreateExit()
-{
-    return new Exit();
-}
+constexpr CommandRecord exit_gb = {L"Exit", 2005, Create<Exit>, usage_lc};

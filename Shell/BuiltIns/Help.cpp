@@ -4,17 +4,16 @@
 #include "Text/CharacterCase.h"
 
 namespace {
-constexpr const wchar_t* usage_lc[] = {
+constexpr UsageLine usage_lc[] = {
     L"Usage: Help [<command or function>]",
     L" Lists the commands, shows the usage of a command, or describes a function",
     L" of the expression evaluator.",
 };
-constexpr BuiltInRecord record_lc = {L"Help", 2006, usage_lc};
 
 class Help : public BuiltIn
 {
 public:
-    Help() : BuiltIn(record_lc) {}
+    Help() : BuiltIn(help_gb) {}
     ExitCode Main(ArgumentList& arguments, Options& options) override;
 
 private:
@@ -96,7 +95,4 @@ bool Help::TryDescribeFunction(EmbeddedResource& texts, const WString& name)
 }
 } // namespace
 
-CommandBase* CreateHelp()
-{
-    return new Help();
-}
+constexpr CommandRecord help_gb = {L"Help", 2006, Create<Help>, usage_lc};

@@ -9,7 +9,7 @@
 #include <filesystem>
 
 namespace {
-constexpr const wchar_t* usage_lc[] = {
+constexpr UsageLine usage_lc[] = {
     L"Usage: Log [<options>] [<name>]",
     L" Shows the end of a log, or clears it, or turns it on or off.",
     L"Arguments:",
@@ -21,12 +21,17 @@ constexpr const wchar_t* usage_lc[] = {
     L" -e         Enable the log from now on.",
     L" -d         Disable the log from now on.",
 };
-constexpr BuiltInRecord record_lc = {L"Log", 2007, usage_lc};
+
+constexpr WholeNumberOption lineCount_lc(L"n", badOptionValue, 1, 1000000, L"Show so many lines");
+constexpr FlagOption clear_lc(L"c", badOptionValue, L"Clear the log");
+constexpr FlagOption enable_lc(L"e", badOptionValue, L"Enable the log");
+constexpr FlagOption disable_lc(L"d", badOptionValue, L"Disable the log");
+constexpr OptionRecord options_lc[] = {lineCount_lc, clear_lc, enable_lc, disable_lc};
 
 class Log : public BuiltIn
 {
 public:
-    Log() : BuiltIn(record_lc) {}
+    Log() : BuiltIn(log_gb) {}
     ExitCode Main(ArgumentList& arguments, Options& options) override;
 
 private:
@@ -46,13 +51,13 @@ bool IsLogName(const WString& name)
 ExitCode Log::Main(ArgumentList& arguments, Options& options)
 {
     int lineCount = 20;
-    const bool counts = options.TryGetInt(L"n", badOptionValue, lineCount, 1, 1000000);
-    const bool clears = options.TryGetFlag(L"c", badOptionValue);
-    const bool enables = options.TryGetFlag(L"e", badOptionValue);
-    const bool disables = options.TryGetFlag(L"d", badOptionValue);
+    const bool counts = options.TryGetInt(lineCount_lc, lineCount);
+    const bool clears = options.TryGetFlag(clear_lc);
+    const bool enables = options.TryGetFlag(enable_lc);
+    const bool disables = options.TryGetFlag(disable_lc);
     Accept(arguments, options, 0, 1);
     if (counts + clears + enables + disables > 1)
-        Fail(badOption, L"Only one of the options -n, -c, -e and -d can be given");
+        Fail(CommonExit::badOption, L"Only one of the options -n, -c, -e and -d can be given");
     const WString name = arguments.Count() == 0 ? L"ErrorLog" : arguments.At(0);
     if (!IsLogName(name))
         Fail(badValue, name + L" is no name of a log");
@@ -101,7 +106,4 @@ void Log::Enable(const WString& name, bool enabled)
 }
 } // namespace
 
-CommandBase* CreateLog()
-{
-    return new Log();
-}
+constexpr CommandRecord log_gb = {L"Log", 2007, Create<Log>, usage_lc, options_lc};

@@ -1,17 +1,17 @@
 #include "BuiltIns/BuiltIn.h"
+#include "Commands/CommandRegistry.h"
 #include "Commands/EmbeddedResource.h"
 
 namespace {
-constexpr const wchar_t* usage_lc[] = {
+constexpr UsageLine usage_lc[] = {
     L"Usage: Plugins",
     L" Lists the plug-ins that offer commands, with their version records.",
 };
-constexpr BuiltInRecord record_lc = {L"Plugins", 2008, usage_lc};
 
 class Plugins : public BuiltIn
 {
 public:
-    Plugins() : BuiltIn(record_lc) {}
+    Plugins() : BuiltIn(plugins_gb) {}
     ExitCode Main(ArgumentList& arguments, Options& options) override;
 
 private:
@@ -41,7 +41,4 @@ void Plugins::Show(const std::string& file)
 }
 } // namespace
 
-CommandBase* CreatePlugins()
-{
-    return new Plugins();
-}
+constexpr CommandRecord plugins_gb = {L"Plugins", 2008, Create<Plugins>, usage_lc};

@@ -3,19 +3,18 @@
 #include "ScriptRunner.h"
 
 namespace {
-constexpr const wchar_t* usage_lc[] = {
+constexpr UsageLine usage_lc[] = {
     L"Usage: Run <file>",
     L" Runs the commands of a script, one a line, up to the first that fails.",
     L" The script shares the environment variables of the line that runs it.",
     L" A final backslash continues a line, when there is a next one; a line that",
     L" begins with # is a comment.",
 };
-constexpr BuiltInRecord record_lc = {L"Run", 2009, usage_lc};
 
 class Run : public BuiltIn
 {
 public:
-    Run() : BuiltIn(record_lc) {}
+    Run() : BuiltIn(run_gb) {}
     ExitCode Main(ArgumentList& arguments, Options& options) override;
 };
 
@@ -36,7 +35,4 @@ ExitCode Run::Main(ArgumentList& arguments, Options& options)
 }
 } // namespace
 
-CommandBase* CreateRun()
-{
-    return new Run();
-}
+constexpr CommandRecord run_gb = {L"Run", 2009, Create<Run>, usage_lc};

@@ -5,7 +5,7 @@
 #include <optional>
 
 namespace {
-constexpr const wchar_t* usage_lc[] = {
+constexpr UsageLine usage_lc[] = {
     L"Usage: Status [<pattern>]",
     L"       Status [-d<seconds>] <name>[=<value>]",
     L" Lists the status items that match the pattern, or all; shows an item; or",
@@ -17,12 +17,14 @@ constexpr const wchar_t* usage_lc[] = {
     L"               unless a failure or Exit ends it before.",
     L"Example: Status -d2.5 TempOpticsStable=true",
 };
-constexpr BuiltInRecord record_lc = {L"Status", 2010, usage_lc};
+
+constexpr NumberOption delay_lc(L"d", badOptionValue, 0, 86400, L"Set the item after so many seconds");
+constexpr OptionRecord options_lc[] = {delay_lc};
 
 class Status : public ItemCommand
 {
 public:
-    Status() : ItemCommand(record_lc) {}
+    Status() : ItemCommand(status_gb) {}
     ExitCode Main(ArgumentList& arguments, Options& options) override;
 
 protected:
@@ -40,7 +42,7 @@ private:
 ExitCode Status::Main(ArgumentList& arguments, Options& options)
 {
     double seconds = 0;
-    if (options.TryGetDouble(L"d", badOptionValue, seconds, 0, 86400))
+    if (options.TryGetDouble(delay_lc, seconds))
         delay = seconds;
     return ItemCommand::Main(arguments, options);
 }
@@ -56,7 +58,4 @@ void Status::Set(const WString& name, const WString& value)
 }
 } // namespace
 
-CommandBase* CreateStatus()
-{
-    return new Status();
-}
+constexpr CommandRecord status_gb = {L"Status", 2010, Create<Status>, usage_lc, options_lc};

@@ -1,23 +1,26 @@
 #include "BuiltIns/BuiltIn.h"
 #include "BuiltIns/JUnitReport.h"
+#include "Commands/CommandRegistry.h"
 #include "Commands/TestCommand.h"
 #include "Text/Abort.h"
 #include "Text/HostError.h"
 
 namespace {
-constexpr const wchar_t* usage_lc[] = {
+constexpr UsageLine usage_lc[] = {
     L"Usage: Test [-junit<file>] [<pattern>]",
     L" Runs the automatic tests of the plug-ins whose names match the pattern, or",
     L" all, and writes a line for each.",
     L"Options:",
     L" -junit<file>  Write a JUnit report as well.",
 };
-constexpr BuiltInRecord record_lc = {L"Test", 2011, usage_lc};
+
+constexpr TextOption report_lc(L"junit", badOptionValue, 1, 4096, L"Write a JUnit report to this file");
+constexpr OptionRecord options_lc[] = {report_lc};
 
 class Test : public BuiltIn
 {
 public:
-    Test() : BuiltIn(record_lc) {}
+    Test() : BuiltIn(test_gb) {}
     ExitCode Main(ArgumentList& arguments, Options& options) override;
 
 private:
@@ -45,7 +48,7 @@ TestCommand RunTest(const AutomaticTestEntry& entry)
 ExitCode Test::Main(ArgumentList& arguments, Options& options)
 {
     WString reportFile;
-    const bool writesReport = options.TryGetString(L"junit", badOptionValue, reportFile, 1, 4096);
+    const bool writesReport = options.TryGetString(report_lc, reportFile);
     Accept(arguments, options, 0, 1);
     const WString pattern = arguments.Count() == 0 ? L"*" : arguments.At(0);
 
@@ -78,7 +81,4 @@ void Test::Show(const AutomaticTestEntry& entry, const TestCommand& test)
 }
 } // namespace
 
-CommandBase* CreateTest()
-{
-    return new Test();
-}
+constexpr CommandRecord test_gb = {L"Test", 2011, Create<Test>, usage_lc, options_lc};

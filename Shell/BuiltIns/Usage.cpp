@@ -3,18 +3,17 @@
 #include "Instrument/System.h"
 
 namespace {
-constexpr const wchar_t* usage_lc[] = {
+constexpr UsageLine usage_lc[] = {
     L"Usage: Usage [<pattern>]",
     L"       Usage <counter>[=<number>]",
     L" Lists the usage counters that match the pattern, or all; shows a counter;",
     L" or sets one.",
 };
-constexpr BuiltInRecord record_lc = {L"Usage", 2012, usage_lc};
 
 class Usage : public ItemCommand
 {
 public:
-    Usage() : ItemCommand(record_lc) {}
+    Usage() : ItemCommand(usage_gb) {}
 
 protected:
     void GetNames(WStringArray& names) override { System::usage.GetNames(names); }
@@ -29,7 +28,4 @@ void Usage::Set(const WString& name, const WString& value)
 }
 } // namespace
 
-CommandBase* CreateUsage()
-{
-    return new Usage();
-}
+constexpr CommandRecord usage_gb = {L"Usage", 2012, Create<Usage>, usage_lc};

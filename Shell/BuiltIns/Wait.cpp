@@ -1,16 +1,15 @@
 #include "BuiltIns/BuiltIn.h"
 
 namespace {
-constexpr const wchar_t* usage_lc[] = {
+constexpr UsageLine usage_lc[] = {
     L"Usage: Wait <seconds>",
     L" Waits for 0 to 86400 seconds. Milliseconds count.",
 };
-constexpr BuiltInRecord record_lc = {L"Wait", 2013, usage_lc};
 
 class Wait : public BuiltIn
 {
 public:
-    Wait() : BuiltIn(record_lc) {}
+    Wait() : BuiltIn(wait_gb) {}
     ExitCode Main(ArgumentList& arguments, Options& options) override;
 };
 
@@ -25,7 +24,4 @@ ExitCode Wait::Main(ArgumentList& arguments, Options& options)
 }
 } // namespace
 
-CommandBase* CreateWait()
-{
-    return new Wait();
-}
+constexpr CommandRecord wait_gb = {L"Wait", 2013, Create<Wait>, usage_lc};
