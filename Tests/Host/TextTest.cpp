@@ -106,14 +106,25 @@ TEST(WString, IgnoresCaseBeyondAscii)
     EXPECT_EQ(text, L"b");
 }
 
-TEST(WString, MatchesWildcardsInLinearTime)
+TEST(WString, MatchesWildcards)
 {
+    const WString piece(L"a piece that is longer than others a piece that is");
+    const std::tuple<WString, WString, bool> rows[] = {{L"", L"", true}, {L"", L"**", true}, {L"", L"?", false},
+        {L"a", L"", false}, {L"aB", L"Ab", true}, {L"ab", L"a?b", false}, {L"\u00C5b", L"\u00E5*b", true},
+        {L"aba", L"ab*ba", false}, {L"abba", L"ab*ba", true}, {L"abcbc", L"a*b?", true}, {L"aabab", L"*aba*", true},
+        {L"xaxbxxb", L"*x?xx*b", true}, {L"xaxbxxb", L"*x?x?x?x*", false}, {L"a*b?", L"A*?", true},
+        {piece + L" longer", L"*" + piece.Right(40) + L"*R", true}, {piece, L"*" + piece + L"?*", false}};
+    for (const auto& [text, pattern, matches] : rows)
+        EXPECT_EQ(text.IsWildcardMatch(pattern.ToCString(), true), matches) << Utf8(text) << " " << Utf8(pattern);
     EXPECT_FALSE(WString(L"File.TXT").IsWildcardMatch(L"*.txt", false));
+    // Neither many pieces nor a long one take the product of the lengths.
     WString stars;
     for (int i = 0; i < 200; ++i)
         stars += L"*a";
-    EXPECT_FALSE(WString(100'000, L'a').IsWildcardMatch((stars + L"*b").ToCString(), true));
-    EXPECT_TRUE(WString(100'000, L'a').IsWildcardMatch(stars.ToCString(), true));
+    const WString text(1'000'000, L'a');
+    EXPECT_FALSE(text.IsWildcardMatch((stars + L"*b").ToCString(), true));
+    EXPECT_FALSE(text.IsWildcardMatch((L"*" + text.Left(500'000) + L"b*").ToCString(), true));
+    EXPECT_TRUE(text.IsWildcardMatch(stars.ToCString(), true));
 }
 
 TEST(WString, SplitsAtKeywords)

@@ -1,5 +1,7 @@
 #include "Commands/TableFormatter.h"
 
+#include "Text/Abort.h"
+
 #include <algorithm>
 #include <vector>
 
@@ -37,11 +39,14 @@ void TableFormatter::WriteTable(Pipe& pipe) const
     std::vector<std::vector<WString>> table;
     std::vector<std::size_t> widths;
     for (const WString& row : rows) {
+        Abort::ThrowIfRequested();
         const auto& cells = table.emplace_back(SplitCells(row, table.empty() ? row.Length() + 1 : widths.size()));
         widths.resize(std::max(widths.size(), cells.size()));
         for (std::size_t column = 0; column < cells.size(); ++column)
             widths[column] = std::max(widths[column], cells[column].Length());
     }
-    for (const auto& cells : table)
+    for (const auto& cells : table) {
+        Abort::ThrowIfRequested();
         WriteRow(pipe, cells, widths);
+    }
 }

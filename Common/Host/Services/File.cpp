@@ -81,7 +81,10 @@ void File::Write(const void* data, std::size_t count)
 {
     const auto* bytes = static_cast<const std::uint8_t*>(data);
     while (count > 0) {
-        const ssize_t written = Retry([&] { return write(descriptor, bytes, count); });
+        const ssize_t written = Retry([&] {
+            Abort::ThrowIfRequested();
+            return write(descriptor, bytes, count);
+        });
         if (written == -1)
             WholeFile::Fail(path, errno);
         bytes += written;

@@ -44,6 +44,7 @@ public:
     /// long file, or one that makes its reader wait, ends; the buffer's contents
     /// are then undefined.
     void Read(Buffer& buffer);
+    /// Throws HostException(HostError::Aborted) when an abort is requested, before and while it waits.
     void Write(const void* data, std::size_t count);
     void Close() noexcept;
 

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <random>
 #include <system_error>
 
@@ -20,10 +21,8 @@ constexpr int longestWait = 10000; // ms for the lock of a file
 /// The file behind symbolic links, so that replacing it keeps the link.
 std::string Resolve(const std::string& path)
 {
-    char* resolved = realpath(path.c_str(), nullptr);
-    std::string result = resolved ? resolved : path;
-    std::free(resolved);
-    return result;
+    const std::unique_ptr<char, decltype(&std::free)> resolved(realpath(path.c_str(), nullptr), std::free);
+    return resolved ? resolved.get() : path;
 }
 
 FileStamp ToStamp(const struct stat& status)
@@ -97,6 +96,8 @@ int WholeFile::Read(const std::string& path, std::string& text)
     text.clear();
     char block[4096];
     for (;;) {
+        if (text.size() > Abort::interval)
+            Abort::ThrowIfRequested();
         const ssize_t count = read(file.Get(), block, sizeof(block));
         if (count == 0)
             return 0;
@@ -104,6 +105,8 @@ int WholeFile::Read(const std::string& path, std::string& text)
             text.append(block, static_cast<std::size_t>(count));
         else if (errno != EINTR)
             return errno;
+        else
+            Abort::ThrowIfRequested(); // by its signal
     }
 }
 

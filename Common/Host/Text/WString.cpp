@@ -1,5 +1,6 @@
 #include "Text/WString.h"
 
+#include "Text/Abort.h"
 #include "Text/CharacterCase.h"
 #include "Text/HostError.h"
 
@@ -24,9 +25,11 @@ static std::size_t GrownCapacity(std::size_t capacity, std::size_t needed)
     return std::max(needed, std::min(capacity * 2, maxLength_lc));
 }
 
-/// Makes room for `count` characters and keeps the text.
+/// Makes room for `count` characters and keeps the text. Whatever copies long texts or builds one comes by here.
 void WString::Reserve(std::size_t count)
 {
+    if (count > Abort::interval)
+        Abort::ThrowIfRequested();
     const std::size_t grownCapacity = GrownCapacity(capacity, count);
     wchar_t* grown = new wchar_t[grownCapacity + 1];
     std::wmemcpy(grown, data, length + 1);
@@ -79,22 +82,26 @@ WString WString::Substring(unsigned int start, int count) const
 WString WString::ToUpperCase() const
 {
     WString result(*this);
-    std::transform(result.begin(), result.end(), result.data, ToUpper);
+    Abort::Watch watch;
+    std::transform(begin(), end(), result.data, [&](wchar_t ch) { return watch.Step(), ToUpper(ch); });
     return result;
 }
 
 WString WString::ToLowerCase() const
 {
     WString result(*this);
-    std::transform(result.begin(), result.end(), result.data, ToLower);
+    Abort::Watch watch;
+    std::transform(begin(), end(), result.data, [&](wchar_t ch) { return watch.Step(), ToLower(ch); });
     return result;
 }
 
 WString WString::Trim() const
 {
-    const wchar_t* first = std::find_if_not(begin(), end(), IsWhiteSpace);
+    Abort::Watch watch;
+    const auto isWhiteSpace = [&](wchar_t ch) { return watch.Step(), IsWhiteSpace(ch); };
+    const wchar_t* first = std::find_if_not(begin(), end(), isWhiteSpace);
     const wchar_t* last = end();
-    while (last != first && IsWhiteSpace(last[-1]))
+    while (last != first && isWhiteSpace(last[-1]))
         --last;
     return WString(first, static_cast<std::size_t>(last - first));
 }

@@ -15,7 +15,9 @@ class WStringArray;
 /// Wide text with value semantics: no copy shares storage with its source. Texts of up to 15 characters live inside
 /// the object, so that tokens are made and copied without an allocation. Indexes and lengths count characters; what
 /// would become longer than 2^24 of them throws HostException(HostError::TextTooLong). Operations on case use the
-/// one-to-one mappings of CharacterCase.h and never the locale of the process; neither do numbers.
+/// one-to-one mappings of CharacterCase.h and never the locale of the process; neither do numbers. Operations on texts
+/// longer than Abort::interval throw HostException(HostError::Aborted) when an abort is requested, unless they are
+/// noexcept.
 class HOST_API WString
 {
 public:
@@ -80,9 +82,9 @@ public:
     bool operator==(const WString& other) const noexcept { return View() == other.View(); }
     bool operator==(const wchar_t* other) const noexcept { return View() == std::wstring_view(other); }
     auto operator<=>(const WString& other) const noexcept { return View() <=> other.View(); }
-    bool Equals(std::wstring_view other, bool ignoreCase) const noexcept;
-    bool StartsWith(const WString& prefix, bool ignoreCase) const noexcept;
-    bool EndsWith(const WString& suffix, bool ignoreCase) const noexcept;
+    bool Equals(std::wstring_view other, bool ignoreCase) const;
+    bool StartsWith(const WString& prefix, bool ignoreCase) const;
+    bool EndsWith(const WString& suffix, bool ignoreCase) const;
 
     /// The index of the first occurrence of `find` at or after `start`, or -1. A negative start counts as 0; an empty
     /// text is found at the start index as long as that lies within the text or at its end.
@@ -101,9 +103,9 @@ public:
     /// Replaces every occurrence of `find`, left to right and non-overlapping; an empty `find` changes nothing.
     void Replace(const WString& find, const WString& with, bool ignoreCase);
 
-    /// True when the whole text matches: `*` stands for any run of characters, `?` for one. At worst length times
-    /// length.
-    bool IsWildcardMatch(const wchar_t* pattern, bool ignoreCase) const noexcept;
+    /// True when the whole text matches: `*` stands for any run of characters, `?` for one. Takes time linear in both
+    /// lengths; a piece between two stars that holds a `?` takes the text's length times its own at worst.
+    bool IsWildcardMatch(const wchar_t* pattern, bool ignoreCase) const;
 
     /// The whole text as a decimal number within [min, max]: optional sign, digits with optional fraction ("5." and
     /// ".5" too) and exponent; no blanks, hexadecimal, "inf" or "nan". Without limits any finite number serves. `value`

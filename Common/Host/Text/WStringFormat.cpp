@@ -79,10 +79,15 @@ void WString::AppendFormatted(const wchar_t* format, const FormatArgument* argum
         const wchar_t* conversion = FindConversion(percent + 1);
         if (*conversion == 0)
             throw std::invalid_argument("WString::Format: a conversion is missing");
-        if (*conversion == L'%')
+        if (*conversion == L'%') {
             made += L'%';
-        else
-            made.Append(FormatOne(std::wstring(percent, conversion + 1), next < count ? arguments[next++] : missing));
+        } else {
+            const FormatArgument& argument = next < count ? arguments[next++] : missing;
+            if (*conversion == L's' && conversion == percent + 1 && argument.kind == FormatArgument::Kind::Text)
+                made.Append(argument.text); // as it stands: the most frequent one, and the only one that may be long
+            else
+                made.Append(FormatOne(std::wstring(percent, conversion + 1), argument));
+        }
         format = conversion + 1;
     }
     made += format;

@@ -1,3 +1,4 @@
+#include "Text/Abort.h"
 #include "Text/CharacterCase.h"
 #include "Text/ExitCode.h"
 #include "Text/QuoteTracker.h"
@@ -23,7 +24,9 @@ bool WString::TrySplitAtKeyword(const wchar_t* keyword, WString& before, WString
 {
     const std::wstring_view word(keyword);
     QuoteTracker quotes;
+    Abort::Watch watch;
     for (std::size_t i = 0; i < length; ++i) {
+        watch.Step();
         if (quotes.Next(View().substr(i)) != QuoteTracker::Role::Outside || !IsWordAt(View(), i, word))
             continue;
         WString left = WString(View().substr(0, i)).Trim(); // either result may be this text
@@ -51,10 +54,15 @@ bool WString::TryGetListItem(WString& item, unsigned int index, wchar_t separato
 
 WString WString::StrTok(const wchar_t* separators, std::size_t& position) const
 {
-    const std::size_t start = std::min(View().find_first_not_of(separators, position), length);
-    const std::size_t end = std::min(View().find_first_of(separators, start), length);
-    position = end;
-    return WString(View().substr(start, end - start));
+    Abort::Watch watch;
+    const auto isSeparator = [&, all = std::wstring_view(separators)](wchar_t ch) {
+        watch.Step();
+        return all.find(ch) != std::wstring_view::npos;
+    };
+    const wchar_t* start = std::find_if_not(begin() + std::min(position, length), end(), isSeparator);
+    const wchar_t* behind = std::find_if(start, end(), isSeparator);
+    position = static_cast<std::size_t>(behind - begin());
+    return WString(start, static_cast<std::size_t>(behind - start));
 }
 
 void WString::GetWStringArray(WStringArray& items, unsigned int minItems, unsigned int maxItems,
@@ -70,8 +78,10 @@ void WString::GetWStringArray(WStringArray& items, unsigned int minItems, unsign
         items.Add(std::move(piece));
     };
     QuoteTracker quotes;
+    Abort::Watch watch;
     std::size_t start = 0;
     for (std::size_t i = 0; i < length; ++i) {
+        watch.Step();
         if (quotes.Next(View().substr(i)) != QuoteTracker::Role::Outside ||
             separators.View().find(data[i]) == std::wstring_view::npos)
             continue;
