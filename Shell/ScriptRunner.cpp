@@ -4,6 +4,7 @@
 #include "Text/HostError.h"
 
 #include <algorithm>
+#include <new>
 
 namespace {
 bool IsBlankOrComment(const std::string& line)
@@ -56,20 +57,24 @@ bool CommandReader::TryRead(std::string& command)
 }
 
 CommandRunner::Outcome RunCommand(std::string& command, Pipe& output, const Environment& environment)
-{
-    if (command.size() > CommandRunner::maxLineLength) {
-        const HostException failure(HostError::CommandTooLong);
-        return {failure, L"labsh", failure.GetMessage(), {}};
-    }
+try {
+    if (command.size() > CommandRunner::maxLineLength)
+        throw HostException(HostError::CommandTooLong);
     // A NUL must not cut the line off: as a byte that is not UTF-8 it becomes U+FFFD.
     std::ranges::replace(command, '\0', '\xFF');
     return CommandRunner::Run(WString::FromUtf8(command), output, environment, 0);
+} catch (const HostException& failure) {
+    return {failure, L"labsh", failure.GetMessage(), {}};
+} catch (const std::bad_alloc&) {
+    const HostException failure(HostError::OutOfMemory);
+    return {failure, L"labsh", failure.GetMessage(), {}};
 }
 
 void CountCommand(const WString& name)
-{
+try {
     if (CommandRegistry::FindOrNull(name))
         System::usage.Increment((L"Command." + name).ToCString());
+} catch (const std::bad_alloc&) { // the command has run all the same
 }
 } // namespace
 
@@ -79,9 +84,9 @@ bool RunScript(LineSource& source, Pipe& output, const Environment& environment,
     CommandReader reader(source);
     std::string command;
     while (reader.TryRead(command)) {
-        const CommandRunner::Outcome outcome = RunCommand(command, output, environment);
-        CountCommand(outcome.command);
-        if (outcome.code.IsError() && !goesOn({outcome, reader.GetLine()}))
+        const ScriptFailure run = {RunCommand(command, output, environment), reader.GetLine()};
+        CountCommand(run.outcome.command);
+        if (run.outcome.code.IsError() && !goesOn(run))
             return false;
     }
     return true;

@@ -5,7 +5,7 @@
 
 #include <functional>
 
-/// A command of a script that failed.
+/// A command of a script and how it failed.
 struct ScriptFailure
 {
     CommandRunner::Outcome outcome;

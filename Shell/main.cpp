@@ -13,9 +13,12 @@
 
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
+#include <exception>
 #include <fcntl.h>
 #include <filesystem>
 #include <functional>
+#include <new>
 #include <unistd.h>
 
 /// No file that is opened later may be taken for a standard stream that was closed at the start.
@@ -63,7 +66,7 @@ static Ending RunCommands(LineSource& source, const WString& name, const std::fu
         const CommandRunner::Outcome& outcome = failure.outcome;
         if (IsHostError(outcome.code, HostError::ExitRequested))
             return false;
-        Report(FormatPlace(name, failure), outcome.code, outcome.message);
+        ReportFailure(name, failure);
         ending.succeeded = false;
         return goesOn(outcome.code);
     });
@@ -106,25 +109,62 @@ static void CheckOutput()
         throw HostException(HostError::FileError, L"standard output cannot be written");
 }
 
-int main(int count, char** texts)
+static void CountOnTime(unsigned int start)
+try {
+    System::usage.Increment(L"System.OnTime", (GetTickCount() - start) / 1000);
+} catch (const std::bad_alloc&) { // the commands have run all the same
+}
+
+/// The shell with its arguments read; yields its exit status.
+static int RunShell(const Arguments& arguments)
+try {
+    const unsigned int start = GetTickCount();
+    Start(arguments);
+    const bool succeeded = Run(arguments);
+    CountOnTime(start);
+    CheckOutput();
+    return succeeded ? 0 : 1;
+} catch (const HostException& failure) {
+    ReportFailure(failure);
+    return 1;
+} catch (const std::bad_alloc&) {
+    throw;
+} catch (const std::exception& exception) {
+    ReportFailure(HostException(HostError::UnexpectedException, WString::FromUtf8(exception.what())));
+    return 1;
+}
+
+static std::terminate_handler otherEnd_lc; // for faults of the program
+
+/// Where an exception finds no handler, which is also where memory runs out while a library is being loaded.
+[[noreturn]] static void Terminate()
 {
+    try {
+        if (std::current_exception())
+            throw;
+    } catch (const std::bad_alloc&) {
+        ReportShortage();
+        _exit(1);
+    } catch (...) {
+        otherEnd_lc(); // which names it
+    }
+    otherEnd_lc();
+    std::abort();
+}
+
+/// Called before the libraries make their static objects, for which they take memory.
+[[gnu::section(".preinit_array"), gnu::used]] static void (
+    *beforeLibraries_lc)() = [] { otherEnd_lc = std::set_terminate(Terminate); };
+
+int main(int count, char** texts)
+try {
     OccupyStandardStreams();
     Arguments arguments;
     if (const auto exitStatus = ReadArguments(count, texts, arguments))
         return *exitStatus;
     CatchInterrupt();
-    try {
-        const unsigned int start = GetTickCount();
-        Start(arguments);
-        const bool succeeded = Run(arguments);
-        System::usage.Increment(L"System.OnTime", (GetTickCount() - start) / 1000);
-        CheckOutput();
-        return succeeded ? 0 : 1;
-    } catch (const HostException& failure) {
-        Report(L"labsh: ", failure, failure.GetMessage());
-    } catch (const std::exception& exception) {
-        const HostException failure(HostError::UnexpectedException, WString::FromUtf8(exception.what()));
-        Report(L"labsh: ", failure, failure.GetMessage());
-    }
+    return RunShell(arguments);
+} catch (const std::bad_alloc&) {
+    ReportShortage();
     return 1;
 }

@@ -6,6 +6,7 @@
 #include "Text/HostError.h"
 
 #include <exception>
+#include <new>
 
 namespace {
 thread_local int nesting_lc = 0;
@@ -32,25 +33,34 @@ WString Shorten(const WString& text, unsigned int limit)
     return text.Length() <= limit ? text : text.Left(limit) + WString(L"...");
 }
 
-/// Makes the exception that is being handled the outcome.
-void TakeThrown(CommandRunner::Outcome& outcome)
+ExitCode MakeCode(HostError error) noexcept
 {
-    const auto take = [&](const HostException& exception) {
-        outcome.code = exception;
-        outcome.message = exception.GetMessage();
-    };
+    return ExitCode(0, ExitCode::hostModule, static_cast<unsigned int>(error));
+}
+
+/// Makes the exception that is being handled the outcome. Needs no memory: a code whose message cannot be had stands
+/// alone.
+void TakeThrown(CommandRunner::Outcome& outcome) noexcept
+try {
+    outcome.message.Clear();
     try {
         throw;
     } catch (const HostException& exception) {
-        take(exception);
+        outcome.code = exception;
+        outcome.message = Shorten(exception.GetMessage(), messageLimit_lc);
     } catch (const ExitCode& code) {
         outcome.code = code;
-        outcome.message.Clear();
+    } catch (const std::bad_alloc&) {
+        outcome.code = MakeCode(HostError::OutOfMemory);
+        outcome.message = outOfMemoryMessage;
     } catch (const std::exception& exception) {
-        take(HostException(HostError::UnexpectedException, WString::FromUtf8(exception.what())));
+        outcome.code = MakeCode(HostError::UnexpectedException);
+        const HostException described(HostError::UnexpectedException, WString::FromUtf8(exception.what()));
+        outcome.message = Shorten(described.GetMessage(), messageLimit_lc);
     } catch (...) {
-        take(HostException(HostError::UnexpectedException));
+        outcome.code = MakeCode(HostError::UnexpectedException);
     }
+} catch (...) { // nothing to add to the code
 }
 
 /// The messages of codes whose meaning is the same in all commands.
@@ -64,10 +74,20 @@ WString Describe(const ExitCode& code, const Options& options)
         return HostException(HostError::UnknownOption, options.GetUnusedOption()).GetMessage();
     return GetHostMessage(code);
 }
+
+/// Finds words for a failure that has none. The failure stays what it is when that fails.
+void AddMessage(CommandRunner::Outcome& outcome, const CommandBase& command, const Options& options) noexcept
+try {
+    if (outcome.code.IsError() && outcome.message.IsEmpty())
+        outcome.message = Shorten(command.GetFailureMessage(), messageLimit_lc);
+    if (outcome.code.IsError() && outcome.message.IsEmpty())
+        outcome.message = Shorten(Describe(outcome.code, options), messageLimit_lc);
+} catch (...) { // nothing to add to the code
+}
 } // namespace
 
 CommandRunner::Outcome CommandRunner::Run(
-    const WString& line, Pipe& output, const Environment& environment, unsigned int runFlags)
+    const WString& line, Pipe& output, const Environment& environment, unsigned int runFlags) noexcept
 {
     Outcome outcome;
     try {
@@ -75,7 +95,6 @@ CommandRunner::Outcome CommandRunner::Run(
     } catch (...) {
         TakeThrown(outcome);
     }
-    outcome.message = Shorten(outcome.message, messageLimit_lc);
     return outcome;
 }
 
@@ -139,9 +158,6 @@ void CommandRunner::RunCommand(CommandBase& command, const WString& rest, Outcom
         outcome.code.SetCommandId(static_cast<unsigned short>(command.GetCommandId()));
     command.OnExit(outcome.code);
 
-    outcome.returnString = command.GetReturnString();
-    if (outcome.code.IsError() && outcome.message.IsEmpty())
-        outcome.message = command.GetFailureMessage();
-    if (outcome.code.IsError() && outcome.message.IsEmpty())
-        outcome.message = Describe(outcome.code, options);
+    outcome.returnString = std::move(command.GetReturnString());
+    AddMessage(outcome, command, options);
 }

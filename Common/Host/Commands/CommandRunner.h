@@ -23,10 +23,12 @@ public:
     };
 
     /// Parses the line, makes the command and runs it on `output` in `environment`. Never throws: a thrown ExitCode is
-    /// the result, any other exception becomes HostError::UnexpectedException. A failing code gets the
-    /// command's id when it has none; only what keeps any command from being run (an unknown name, an abort, the
-    /// nesting, the line's length) has no id. A blank line succeeds and does nothing.
-    static Outcome Run(const WString& line, Pipe& output, const Environment& environment, unsigned int runFlags);
+    /// the result, std::bad_alloc becomes HostError::OutOfMemory, any other exception HostError::UnexpectedException. A
+    /// failing code gets the command's id when it has none; only what keeps any command from being run (an unknown
+    /// name, an abort, the nesting, the line's length, no memory for the command) has no id. A failure for whose
+    /// message there is no memory has none. A blank line succeeds and does nothing.
+    static Outcome Run(
+        const WString& line, Pipe& output, const Environment& environment, unsigned int runFlags) noexcept;
 
     /// True for a failure that ends the commands that ran this one as well: an abort, a request to exit, and too deep a
     /// nesting.

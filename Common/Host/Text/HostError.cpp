@@ -19,6 +19,7 @@ static constexpr HostMessage messages_lc[] = {
     {HostError::FileError, L"File error"},
     {HostError::ExitRequested, L"Told to exit"},
     {HostError::TextTooLong, L"The text is too long"},
+    {HostError::OutOfMemory, outOfMemoryMessage},
     {HostError::EmptyContainer, L"Container is empty"},
 };
 

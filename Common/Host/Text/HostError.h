@@ -17,6 +17,7 @@ enum class HostError : unsigned int
     FileError = 10,
     ExitRequested = 11,
     TextTooLong = 12,
+    OutOfMemory = 13,
     EmptyContainer = 22,
 };
 
@@ -33,6 +34,11 @@ public:
 private:
     WString message;
 };
+
+/// The message of the failure that tells of a shortage, for where there is no memory for texts: a WString holds it
+/// inside.
+inline constexpr wchar_t outOfMemoryMessage[] = L"Out of memory";
+static_assert(sizeof outOfMemoryMessage / sizeof *outOfMemoryMessage <= WString::inlineCapacity + 1);
 
 /// The message of a host error, or an empty text for codes of other modules and unknown numbers.
 HOST_API const wchar_t* GetHostMessage(const ExitCode& code) noexcept;
