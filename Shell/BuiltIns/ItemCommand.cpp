@@ -1,7 +1,7 @@
 #include "BuiltIns/ItemCommand.h"
 
 #include "Commands/TableFormatter.h"
-#include "Text/WholeNumber.h"
+#include "Text/NumberText.h"
 
 #include <limits>
 

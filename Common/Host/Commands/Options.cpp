@@ -1,7 +1,7 @@
 #include "Commands/Options.h"
 
 #include "Text/ExitCode.h"
-#include "Text/WholeNumber.h"
+#include "Text/NumberText.h"
 
 Options::Options(const WStringArray& texts)
 {

@@ -2,8 +2,8 @@
 
 #include "Instrument/IniFile.h"
 #include "Text/HostError.h"
+#include "Text/NumberText.h"
 
-#include <cmath>
 #include <concepts>
 #include <mutex>
 #include <optional>
@@ -46,15 +46,10 @@ static bool TryRead(const WString& text, double& value, double min, double max)
     return text.TryParseDouble(value, min, max);
 }
 
-/// A whole number in any decimal form: "12", "12.0" or "1.2e1".
 template <std::integral Integer>
 static bool TryRead(const WString& text, Integer& value, Integer min, Integer max)
 {
-    double number = 0;
-    if (!text.TryParseDouble(number, min, max) || number != std::floor(number))
-        return false;
-    value = static_cast<Integer>(number);
-    return true;
+    return TryReadWholeDecimal(text.begin(), text.end(), value, min, max);
 }
 
 template <typename Value>

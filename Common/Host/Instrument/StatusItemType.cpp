@@ -1,6 +1,6 @@
 #include "Instrument/StatusItemType.h"
 
-#include "Text/WholeNumber.h"
+#include "Text/NumberText.h"
 
 #include <cstdint>
 #include <limits>

@@ -5,7 +5,7 @@
 #include "Instrument/StatusItemType.h"
 #include "Services/Clock.h"
 #include "Text/HostError.h"
-#include "Text/WholeNumber.h"
+#include "Text/NumberText.h"
 
 #include <algorithm>
 #include <limits>

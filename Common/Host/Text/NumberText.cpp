@@ -14,9 +14,21 @@ static double ReadAnyDouble(const wchar_t* text, const wchar_t** end) noexcept
     return value;
 }
 
+static bool IsDigit(wchar_t ch) noexcept
+{
+    return ch >= L'0' && ch <= L'9';
+}
+
 static bool IsExponentMark(wchar_t ch) noexcept
 {
     return ch == L'e' || ch == L'E';
+}
+
+/// Whether a number begins as decimals do, without a sign; one that begins with "0x" is hexadecimal.
+static bool StartsDecimal(const wchar_t* at) noexcept
+{
+    const bool isHexadecimal = *at == L'0' && (at[1] == L'x' || at[1] == L'X');
+    return (IsDigit(*at) || *at == L'.') && !isHexadecimal;
 }
 
 /// Whether a decimal number may go on at `at`. A sign belongs to it directly behind the "e" only: "1+2" is read to the
@@ -25,14 +37,12 @@ static bool ContinuesDecimal(const wchar_t* at) noexcept
 {
     if (*at == L'+' || *at == L'-')
         return IsExponentMark(at[-1]);
-    return (*at >= L'0' && *at <= L'9') || *at == L'.' || IsExponentMark(*at);
+    return IsDigit(*at) || *at == L'.' || IsExponentMark(*at);
 }
 
 double ReadDouble(const wchar_t* text, const wchar_t** end) noexcept
 {
-    const bool startsPlain = (*text >= L'0' && *text <= L'9') || *text == L'.';
-    const bool isHexadecimal = *text == L'0' && (text[1] == L'x' || text[1] == L'X');
-    if (!startsPlain || isHexadecimal)
+    if (!StartsDecimal(text))
         return ReadAnyDouble(text, end);
 
     // Ordinary numbers: several times faster than wcstod, with the same value.
@@ -52,27 +62,82 @@ double ReadDouble(const wchar_t* text, const wchar_t** end) noexcept
     return value;
 }
 
+bool TryReadDecimal(const wchar_t* text, const wchar_t* end, double& value, double min, double max) noexcept
+{
+    const bool negative = *text == L'-';
+    if (negative || *text == L'+')
+        ++text;
+    if (!StartsDecimal(text))
+        return false;
+    const wchar_t* behind = nullptr;
+    const double magnitude = ReadDouble(text, &behind);
+    const double number = negative ? -magnitude : magnitude;
+    if (behind != end || number < min || number > max)
+        return false;
+    value = number;
+    return true;
+}
+
 static unsigned int DigitValue(wchar_t ch) noexcept
 {
-    if (ch >= L'0' && ch <= L'9')
+    if (IsDigit(ch))
         return static_cast<unsigned int>(ch - L'0');
     const wchar_t letter = static_cast<wchar_t>(ch | 0x20);
     return letter >= L'a' && letter <= L'f' ? static_cast<unsigned int>(letter - L'a') + 10 : 16;
 }
 
-bool TryReadUnsigned(std::wstring_view text, unsigned int base, unsigned int max, unsigned int& value) noexcept
+bool TryReadUnsigned(
+    std::wstring_view text, unsigned int base, unsigned long long max, unsigned long long& value) noexcept
 {
     unsigned long long read = 0;
     for (const wchar_t ch : text) {
         const unsigned int digit = DigitValue(ch);
-        if (digit >= base)
+        if (digit >= base || digit > max || read > (max - digit) / base)
             return false;
         read = read * base + digit;
-        if (read > max)
-            return false;
     }
     if (text.empty())
         return false;
+    value = read;
+    return true;
+}
+
+bool TryReadUnsigned(std::wstring_view text, unsigned int base, unsigned int max, unsigned int& value) noexcept
+{
+    unsigned long long read = 0;
+    if (!TryReadUnsigned(text, base, static_cast<unsigned long long>(max), read))
+        return false;
     value = static_cast<unsigned int>(read);
+    return true;
+}
+
+bool TryReadHexadecimal(std::wstring_view text, unsigned int& value, unsigned int min, unsigned int max) noexcept
+{
+    if (text.starts_with(L"0x") || text.starts_with(L"0X"))
+        text.remove_prefix(2);
+    unsigned int read = 0;
+    if (!TryReadUnsigned(text, 16, max, read) || read < min)
+        return false;
+    value = read;
+    return true;
+}
+
+bool TryReadVersion(std::wstring_view text, unsigned long long& value) noexcept
+{
+    constexpr unsigned int parts = 4;
+    unsigned long long version = 0;
+    unsigned int count = 0;
+    for (;;) {
+        const std::size_t dot = text.find(L'.');
+        unsigned int number = 0;
+        if (count == parts || !TryReadUnsigned(text.substr(0, dot), 10, 0xFFFF, number))
+            return false;
+        version = version << 16 | number;
+        ++count;
+        if (dot == std::wstring_view::npos)
+            break;
+        text.remove_prefix(dot + 1);
+    }
+    value = version << 16 * (parts - count);
     return true;
 }
