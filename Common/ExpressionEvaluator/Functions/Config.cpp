@@ -2,6 +2,7 @@
 #include "FunctionClasses.h"
 #include "Instrument/System.h"
 #include "Saturate.h"
+#include "Text/NumberText.h"
 
 #include <cmath>
 #include <limits>
@@ -28,32 +29,35 @@ ConfigArguments PopConfigArguments(EETokenStack& arguments, const EvaluatorError
     return {std::move(section), std::move(key), arguments.IsEmpty() ? nullptr : &arguments.Pop()};
 }
 
-bool TryReadConfig(EEToken& result, const WString& section, const WString& key, ConfigDataType type)
+/// The text of a setting as the type.
+bool TrySetConfig(EEToken& result, const WString& text, ConfigDataType type)
 {
-    const ConfigFileData& config = System::config;
     switch (type) {
     case ConfigDataType::Int:
-        if (int value; config.TryGetInt(section, key, value, IntLimits::min(), IntLimits::max()))
+        if (int value; TryReadWholeDecimal(text.begin(), text.end(), value, IntLimits::min(), IntLimits::max()))
             return result.SetValue(static_cast<double>(value)), true;
         return false;
     case ConfigDataType::UInt:
-        if (unsigned int value; config.TryGetUInt(section, key, value, 0, UIntLimits::max()))
+        if (unsigned int value; TryReadWholeDecimal(text.begin(), text.end(), value, 0U, UIntLimits::max()))
             return result.SetValue(static_cast<double>(value)), true;
         return false;
     case ConfigDataType::Dbl:
-        if (double value; config.TryGetDouble(section, key, value))
+        if (double value; text.TryParseDouble(value))
             return result.SetValue(value), true;
         return false;
-    case ConfigDataType::Str:
-        if (WString value; config.TryGetString(section, key, value))
-            return result.SetValue(value), true;
-        return false;
+    case ConfigDataType::Str: return result.SetValue(text), true;
     case ConfigDataType::Bool:
-        if (bool value; config.TryGetBool(section, key, value))
+        if (bool value; text.TryGetBool(value))
             return result.SetValue(value), true;
         return false;
     }
     throw ExpressionEvaluatorException(Errors::ConfigTypeUnsupported, -1);
+}
+
+void SetConfig(EEToken& result, const WString& text, ConfigDataType type)
+{
+    if (!TrySetConfig(result, text, type))
+        throw ExpressionEvaluatorException(Errors::ConfigNotConvertible, -1);
 }
 } // namespace
 
@@ -61,15 +65,12 @@ void EEGetConfig::Evaluate(EEToken& result, EETokenStack& arguments)
 {
     const auto [section, key, defaultValue] = PopConfigArguments(arguments, Errors::GetConfigParameters);
     const ConfigDataType type = defaultValue ? GetDataTypeOfDefault(*defaultValue) : ConfigDataType::Str;
-    if (!System::config.Contains(section, key))
+    WString text;
+    if (!System::config.TryGetString(section, key, text))
         return SetupConfigDefaultValue(result, defaultValue, section, key, type);
     RegisterConfigDefaultValue(defaultValue, section, key, type);
-    WString text;
     double number;
-    if (System::config.TryGetString(section, key, text) && text.TryParseDouble(number))
-        GetExistingConfigValue(result, section, key, GetBestDataTypeForNumber(number));
-    else
-        GetExistingConfigValue(result, section, key, type);
+    SetConfig(result, text, text.TryParseDouble(number) ? GetBestDataTypeForNumber(number) : type);
 }
 
 EEGetConfigType::EEGetConfigType(const wchar_t* name, int parameterCount, ConfigDataType type)
@@ -80,17 +81,20 @@ EEGetConfigType::EEGetConfigType(const wchar_t* name, int parameterCount, Config
 void EEGetConfigType::Evaluate(EEToken& result, EETokenStack& arguments)
 {
     const auto [section, key, defaultValue] = PopConfigArguments(arguments, Errors::GetConfigTypeParameters);
-    if (!System::config.Contains(section, key))
+    WString text;
+    if (!System::config.TryGetString(section, key, text))
         return SetupConfigDefaultValue(result, defaultValue, section, key, type);
     RegisterConfigDefaultValue(defaultValue, section, key, type);
-    GetExistingConfigValue(result, section, key, type);
+    SetConfig(result, text, type);
 }
 
 void EEGetConfig::GetExistingConfigValue(
     EEToken& result, const WString& section, const WString& key, ConfigDataType type)
 {
-    if (!TryReadConfig(result, section, key, type))
+    WString text;
+    if (!System::config.TryGetString(section, key, text))
         throw ExpressionEvaluatorException(Errors::ConfigNotConvertible, -1);
+    SetConfig(result, text, type);
 }
 
 void EEGetConfig::SetupConfigDefaultValue(

@@ -1,11 +1,12 @@
 #include "Instrument/IniFile.h"
 
-#include "Instrument/NameOrder.h"
+#include "Instrument/NamedValues.h"
 
 #include <SimpleIni.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <vector>
 
 namespace {
 
@@ -66,20 +67,38 @@ bool HasAny(const WString& text, std::wstring_view characters)
     return text.View().find_first_of(characters) != std::wstring_view::npos;
 }
 
-void CopyNames(Ini::TNamesDepend& entries, WStringArray& names)
+using Settings = NamedValues<WString>;
+using Sections = NamedValues<Settings>;
+
+void CopySettings(const Ini::TKeyVal& entries, Settings& settings)
 {
-    entries.sort(Ini::Entry::LoadOrder());
-    names.Clear();
-    for (const Ini::Entry& entry : entries)
-        names.Add(WString::FromUtf8(entry.pItem));
+    std::vector<const Ini::TKeyVal::value_type*> sorted;
+    for (const auto& entry : entries)
+        sorted.push_back(&entry);
+    std::ranges::sort(sorted, {}, [](const auto* entry) { return entry->first.nOrder; });
+    for (const auto* entry : sorted)
+        settings.Get(WString::FromUtf8(entry->first.pItem)) = WString::FromUtf8(entry->second);
+}
+
+Sections CopySections(const Ini& ini)
+{
+    Ini::TNamesDepend names;
+    ini.GetAllSections(names);
+    names.sort(Ini::Entry::LoadOrder());
+    Sections sections;
+    for (const Ini::Entry& name : names)
+        CopySettings(*ini.GetSection(name.pItem), sections.Get(WString::FromUtf8(name.pItem)));
+    return sections;
 }
 
 } // namespace
 
+/// The file's text in the hands of the parser, which alone knows its comments, and the settings that it gives.
 struct IniFile::Contents
 {
     Ini ini;
     std::string lastComment; // the parser drops what follows the last key
+    Sections sections;
 
     explicit Contents(const std::string& text)
     {
@@ -89,6 +108,7 @@ struct IniFile::Contents
         if (ini.LoadData(text.data(), length) < 0)
             throw std::bad_alloc();
         lastComment = text.substr(length);
+        sections = CopySections(ini);
     }
     std::string GetText() const
     {
@@ -134,10 +154,11 @@ void IniFile::Save()
 
 bool IniFile::TryGet(const WString& section, const WString& key, WString& value) const
 {
-    const char* found = contents->ini.GetValue(section.ToUtf8().c_str(), key.ToUtf8().c_str());
+    const Settings* settings = contents->sections.Find(section);
+    const WString* found = settings ? settings->Find(key) : nullptr;
     if (!found)
         return false;
-    value = WString::FromUtf8(found);
+    value = *found;
     return true;
 }
 
@@ -151,24 +172,30 @@ bool IniFile::CanHold(const WString& section, const WString& key, const WString&
 
 void IniFile::Set(const WString& section, const WString& key, const WString& value)
 {
-    contents->ini.SetValue(section.Trim().ToUtf8().c_str(), key.Trim().ToUtf8().c_str(), value.Trim().ToUtf8().c_str());
+    const std::string utf8[] = {section.Trim().ToUtf8(), key.Trim().ToUtf8(), value.Trim().ToUtf8()};
+    contents->ini.SetValue(utf8[0].c_str(), utf8[1].c_str(), utf8[2].c_str());
+    Settings& settings = contents->sections.Get(WString::FromUtf8(utf8[0]));
+    settings.Get(WString::FromUtf8(utf8[1])) = WString::FromUtf8(utf8[2]); // as the file gives it back
 }
 
 bool IniFile::TryDelete(const WString& section, const WString& key)
 {
-    return contents->ini.Delete(section.ToUtf8().c_str(), key.ToUtf8().c_str());
+    Settings* settings = contents->sections.Find(section);
+    if (!settings || !settings->TryDelete(key))
+        return false;
+    contents->ini.Delete(section.ToUtf8().c_str(), key.ToUtf8().c_str());
+    return true;
 }
 
 void IniFile::GetSections(WStringArray& sections) const
 {
-    Ini::TNamesDepend entries;
-    contents->ini.GetAllSections(entries);
-    CopyNames(entries, sections);
+    contents->sections.GetNames(sections);
 }
 
 void IniFile::GetKeys(const WString& section, WStringArray& keys) const
 {
-    Ini::TNamesDepend entries;
-    contents->ini.GetAllKeys(section.ToUtf8().c_str(), entries);
-    CopyNames(entries, keys);
+    if (const Settings* settings = contents->sections.Find(section))
+        settings->GetNames(keys);
+    else
+        keys.Clear();
 }
