@@ -2,8 +2,12 @@
 
 #include "EvaluatorErrors.h"
 #include "Instrument/System.h"
+#include "Text/ReferenceText.h"
 
+#include <cwchar>
 #include <limits>
+
+using ReferenceText::Fault;
 
 namespace {
 constexpr int largestInt = std::numeric_limits<int>::max();
@@ -27,6 +31,27 @@ void SetTypedValue(EEToken& token, const WString& text)
 WString Reference(const wchar_t* opening, const WString& name)
 {
     return WString(opening) + name + L"}";
+}
+
+/// The text up to the end of a reference, or up to its own: what follows need not be measured.
+std::wstring_view ViewToBrace(const wchar_t* text)
+{
+    const wchar_t* brace = std::wcschr(text, L'}');
+    return brace ? std::wstring_view(text, brace + 1) : std::wstring_view(text);
+}
+
+/// Takes the name of what was read at `start`, and moves the cursor behind it; or records what is wrong.
+bool TryTakeName(ExpressionEvaluator& evaluator, const ReferenceText::Reference& reference, wchar_t* start,
+    wchar_t** cursor, WString& name)
+{
+    wchar_t* const end = start + reference.end;
+    if (reference.fault == Fault::Opening)
+        return evaluator.Fail(Errors::ReferenceStartExpected, end + 1);
+    if (reference.fault == Fault::Closing)
+        return evaluator.Fail(Errors::ReferenceEndExpected, end);
+    *cursor = end;
+    name = WString(reference.name);
+    return true;
 }
 
 /// Reads an item into the token by the item's type.
@@ -73,22 +98,22 @@ void ExpressionEvaluator::LogIfEnabled(const wchar_t* prefix, const WString& nam
 /// reference: "%" kind "{" name "}"
 bool ExpressionEvaluator::TryGetSystemVariable(EEToken& token, wchar_t** cursor)
 {
-    if (**cursor != L'%')
+    wchar_t* const start = *cursor;
+    if (*start != L'%')
         return false;
-    const wchar_t* reference = *cursor;
-    const wchar_t kind = reference[1] & ~L' '; // the upper case of a letter
-    token.SetNA();                             // for the log, should nothing be read
-    *cursor += 2;
-    if (kind != L'S' && kind != L'C' && kind != L'U' && kind != L'E')
+    token.SetNA(); // for the log, should nothing be read
+    const ReferenceText::Reference reference = ReferenceText::Read(ViewToBrace(start));
+    *cursor = start + 2;
+    if (reference.fault == Fault::Kind)
         return Fail(Errors::ReferenceTypeInvalid, *cursor);
-    if (kind == L'E' && !hasEnvironment)
+    if (reference.kind == L'E' && !hasEnvironment)
         return Fail(Errors::EnvironmentUnsupported, *cursor);
 
     WString name;
-    if (!TryGetSystemVariableName(cursor, name))
+    if (!TryTakeName(*this, reference, start, cursor, name))
         return false;
-    const wchar_t* at = reference + 4; // the errors of a value are placed behind the first character of its name
-    switch (kind) {
+    const wchar_t* at = start + 4; // the errors of a value are placed behind the first character of its name
+    switch (reference.kind) {
     case L'S': return TryGetStatusValue(token, name, at);
     case L'C': return TryGetConfigValue(token, name, at);
     case L'U': return TryGetUsageLogValue(token, name, at);
@@ -99,16 +124,7 @@ bool ExpressionEvaluator::TryGetSystemVariable(EEToken& token, wchar_t** cursor)
 bool ExpressionEvaluator::TryGetSystemVariableName(wchar_t** cursor, WString& name)
 {
     name.Clear();
-    if (**cursor != L'{')
-        return Fail(Errors::ReferenceStartExpected, *cursor + 1);
-    const wchar_t* start = *cursor + 1;
-    wchar_t* end = *cursor + 1;
-    while (*end != L'}')
-        if (*end++ == 0)
-            return Fail(Errors::ReferenceEndExpected, end - 1);
-    *cursor = end + 1;
-    name = WString(start, static_cast<std::size_t>(end - start)).Trim();
-    return true;
+    return TryTakeName(*this, ReferenceText::ReadName(ViewToBrace(*cursor)), *cursor, cursor, name);
 }
 
 bool ExpressionEvaluator::TryGetStatusValue(EEToken& token, const WString& name, const wchar_t* at)
@@ -139,22 +155,17 @@ bool ExpressionEvaluator::TryGetConfigValue(EEToken& token, const WString& name,
     return read;
 }
 
-/// name: "[" section "]" key | section blank key
 bool ExpressionEvaluator::TryGetConfigValueNoLog(EEToken& token, const WString& name, const wchar_t* at)
 {
-    const bool bracketed = name.StartsWith(L"[", false);
-    const std::size_t start = bracketed ? 1 : 0;
-    const std::size_t end = name.View().find_first_of(bracketed ? L"]" : L" \t");
-    if (end == std::wstring_view::npos) {
-        const EvaluatorError& error = bracketed ? Errors::ConfigSectionUnclosed : Errors::ConfigSectionMissing;
+    const ReferenceText::SettingName setting = ReferenceText::ReadSettingName(name.View());
+    if (setting.fault != Fault::None) {
+        const bool unclosed = setting.fault == Fault::SectionEnd;
+        const EvaluatorError& error = unclosed ? Errors::ConfigSectionUnclosed : Errors::ConfigSectionMissing;
         ErrMsg(error.number, at, WString::Format(error.message, name).ToCString());
         return false;
     }
-    const WString section = WString(name.View().substr(start, end - start)).Trim();
-    const WString key = WString(name.View().substr(end + 1)).Trim();
-
     WString text;
-    if (System::config.TryGetString(section, key, text))
+    if (System::config.TryGetString(WString(setting.section), WString(setting.key), text))
         SetTypedValue(token, text);
     else
         token.SetMissingVariable(Reference(L"%C{", name));

@@ -1,15 +1,14 @@
 #include "Commands/Reference.h"
 
 #include "Instrument/System.h"
-#include "Text/CharacterCase.h"
 #include "Text/HostError.h"
+#include "Text/ReferenceText.h"
 
-#include <algorithm>
+using ReferenceText::Fault;
 
-namespace {
-bool TryGetValue(wchar_t kind, const WString& name, const Environment& environment, WString& value)
+static bool TryGetValue(wchar_t kind, const WString& name, const Environment& environment, WString& value)
 {
-    switch (ToUpper(kind)) {
+    switch (kind) {
     case L'S': return System::status.TryGetFormattedString(name, value);
     case L'C': return Reference::TryGetConfig(name, value);
     case L'U': return Reference::TryGetUsage(name, value);
@@ -17,44 +16,31 @@ bool TryGetValue(wchar_t kind, const WString& name, const Environment& environme
     }
 }
 
-bool StartsReference(std::wstring_view text)
-{
-    constexpr std::wstring_view kinds = L"SCUE";
-    return text.size() >= 3 && text[0] == L'%' && text[2] == L'{' && kinds.find(ToUpper(text[1])) != kinds.npos;
-}
-} // namespace
-
 WString Reference::ReplaceAll(const WString& text, const Environment& environment)
 {
     WString result;
     std::wstring_view rest = text.View();
-    while (!rest.empty()) {
-        if (!StartsReference(rest)) {
-            result += rest.front();
-            rest.remove_prefix(1);
-            continue;
-        }
-        const std::wstring_view reference = rest.substr(0, rest.find(L'}'));
-        const WString name = WString(reference.substr(3)).Trim();
+    for (;;) {
+        const ReferenceText::Reference found = ReferenceText::Find(rest);
+        result.Append(rest.substr(0, found.start));
+        if (found.start == rest.size())
+            return result;
         WString value;
-        const bool closed = reference.size() < rest.size();
-        if (!closed || !TryGetValue(reference[1], name, environment, value))
-            throw HostException(HostError::UnknownReference, WString(rest.substr(0, reference.size() + closed)));
+        if (found.fault != Fault::None || !TryGetValue(found.kind, WString(found.name), environment, value))
+            throw HostException(
+                HostError::UnknownReference, WString(rest.substr(found.start, found.end - found.start)));
         result += value;
-        rest.remove_prefix(reference.size() + 1);
+        rest.remove_prefix(found.end);
     }
-    return result;
 }
 
 bool Reference::TrySplitConfigName(const WString& name, WString& section, WString& key)
 {
-    const std::wstring_view text = name.View();
-    const bool bracketed = text.starts_with(L'[');
-    const auto end = bracketed ? text.find(L']') : text.find_first_of(L" \t");
-    if (end == text.npos)
+    const ReferenceText::SettingName read = ReferenceText::ReadSettingName(name.View());
+    if (read.fault != Fault::None)
         return false;
-    section = WString(text.substr(bracketed, end - bracketed)).Trim();
-    key = WString(text.substr(end + 1)).Trim();
+    section = WString(read.section);
+    key = WString(read.key);
     return true;
 }
 

@@ -6,12 +6,15 @@
 #include "Services/Clock.h"
 #include "Text/HostError.h"
 #include "Text/NumberText.h"
+#include "Text/ReferenceText.h"
 
 #include <algorithm>
 #include <limits>
 #include <map>
 #include <mutex>
 #include <optional>
+
+using ReferenceText::Fault;
 
 namespace {
 
@@ -40,18 +43,6 @@ using Items = std::map<WString, Item, NameOrder>;
 bool IsIntegerType(StatusType type)
 {
     return type == ST_Int || type == ST_UInt || type == ST_UInt64;
-}
-
-/// Finds the first "%S{name}", the letter in either case: its "%" and its "}".
-bool TryFindReference(std::wstring_view text, std::size_t& start, std::size_t& end)
-{
-    for (start = text.find(L'%'); start != text.npos; start = text.find(L'%', start + 1)) {
-        if (!EqualsIgnoreCase(text.substr(start, 3), L"%s{"))
-            continue;
-        end = text.find(L'}', start);
-        return end != text.npos;
-    }
-    return false;
 }
 
 bool IsInFile(const IniFile& file, const WString& name)
@@ -235,13 +226,12 @@ bool StatusTable::Data::TryExpand(const WString& name, WString& value, int& item
         return false;
     const WString text = item->GetText();
     std::wstring_view rest = text.View();
-    std::size_t start = 0;
-    std::size_t end = 0;
-    while (item->type == ST_Formatted && TryFindReference(rest, start, end)) {
-        value.Append(rest.substr(0, start));
-        if (!TryExpand(WString(rest.substr(start + 3, end - start - 3)).Trim(), value, itemsLeft))
+    ReferenceText::Reference found;
+    while (item->type == ST_Formatted && (found = ReferenceText::Find(rest, L"S")).fault == Fault::None) {
+        value.Append(rest.substr(0, found.start));
+        if (!TryExpand(WString(found.name), value, itemsLeft))
             return false;
-        rest.remove_prefix(end + 1);
+        rest.remove_prefix(found.end);
     }
     value.Append(rest);
     return true;
