@@ -5,6 +5,8 @@
 #include "Instrument/System.h"
 #include "NumberFormat.h"
 #include "Support/ExpressionFile.h"
+#include "Support/ManualClock.h"
+#include "Support/TemporaryFolder.h"
 
 #include <sys/prctl.h>
 #include <unistd.h>
@@ -76,6 +78,28 @@ TEST_F(SystemFunctions, GiveWhatTheFilesSay)
     for (const char* file : {"Functions/Config.txt", "Functions/System.txt"})
         for (const ExpressionRow& row : ReadRows(file))
             EXPECT_EQ(Evaluate(row.expression), row.outcome) << row.expression;
+}
+
+/// A clock by which time passes at every look at it: the status table looks at its file at every second reading.
+struct RestlessClock : ManualClock
+{
+    unsigned int GetTickCount() override { return Sleep(25), ManualClock::GetTickCount(); }
+};
+
+TEST_F(SystemFunctions, AStatusItemThatGoesWhileItIsReadIsThereOrMissing)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.Path("Status.ini");
+    const RestlessClock clock;
+    for (const auto& [item, value] : std::initializer_list<std::pair<const char*, const char*>>{
+             {"int:5", "5"}, {"bool:true", "TRUE"}, {"double:2.5", "2.5"}, {"string:a", "'a'"}})
+        for (const auto& [expression, missing] : std::initializer_list<std::pair<const char*, const char*>>{
+                 {"%S{Item}", "48 %S{Item} @1"}, {"GetStatus(\"Item\")", "118 Status value not found @10"}}) {
+            System::status.Load(folder.Write("Status.ini", std::string("[Items]\nItem=") + item));
+            folder.Write("Status.ini", "");
+            EXPECT_EQ(Evaluate(expression), value) << expression << item;
+            EXPECT_EQ(Evaluate(expression), missing) << expression << item;
+        }
 }
 
 TEST_F(SystemFunctions, RegisterTheDefaultsOfKeysThatExistOrNot)

@@ -131,6 +131,23 @@ TEST_F(StatusItems, LiveItemsAreAskedAtEveryReading)
     EXPECT_EQ(folder.Read("Status.ini"), "[Items]\n" + lines);
 }
 
+TEST_F(StatusItems, AreReadAsTheyWereAtOneMoment)
+{
+    const std::string lines = "All=formatted:%S{Live}%S{Last}\nLast=int:7\n";
+    Load(lines);
+    status.AddLive(L"Live", ST_String, [&] {
+        Load("Other=int:1\n"); // what another thread might do just then
+        return L"at ";
+    });
+    StatusValue item;
+    EXPECT_TRUE(status.TryGet(L"all", item));
+    EXPECT_EQ(item.type, ST_Formatted);
+    EXPECT_EQ(item.text, L"at 7");
+    EXPECT_FALSE(status.TryGet(L"All", item) || status.ContainsItem(L"Last"));
+    Load(lines);
+    EXPECT_EQ(Get({L"All", L"All"}), "at 7 -");
+}
+
 TEST_F(StatusItems, DelayedValuesTakeEffectWhenDue)
 {
     clock.Sleep(UINT_MAX - 1000); // so that the clock wraps within the delays

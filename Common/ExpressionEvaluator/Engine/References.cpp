@@ -54,34 +54,34 @@ bool TryTakeName(ExpressionEvaluator& evaluator, const ReferenceText::Reference&
     return true;
 }
 
-/// Reads an item into the token by the item's type.
-bool TryReadStatus(EEToken& token, const WString& name, int type)
+/// Puts the value of an item into the token; false when its type is none that expressions read, or its text is not of
+/// the type.
+bool TrySetStatus(EEToken& token, const StatusValue& item)
 {
-    const StatusTable& status = System::status;
-    switch (type) {
+    switch (item.type) {
     case ST_Bool:
-        if (bool value = false; status.TryGetBool(name, value))
+        if (bool value = false; item.TryGetBool(value))
             return token.SetValue(value), true;
         return false;
     case ST_Double:
-        if (double value = 0; status.TryGetDouble(name, value))
+        if (double value = 0; item.TryGetDouble(value))
             return token.SetValue(value), true;
         return false;
     case ST_String:
-        if (WString value; status.TryGetString(name, value))
+        if (WString value; item.TryGetString(value))
             return token.SetValue(value), true;
         return false;
     case ST_ExitCode:
-        if (ExitCode value; status.TryGetExitCode(name, value))
+        if (ExitCode value; item.TryGetExitCode(value))
             return token.SetValue(value.ToCString()), true;
         return false;
     case ST_Int:
-        if (int value = 0; status.TryGetInt(name, value, smallestInt, largestInt))
+        if (int value = 0; item.TryGetInt(value, smallestInt, largestInt))
             return token.SetValue(static_cast<double>(value)), true;
         return false;
     case ST_UInt:
     case ST_UInt64:
-        if (unsigned int value = 0; status.TryGetUInt(name, value, 0, largestUInt))
+        if (unsigned int value = 0; item.TryGetUInt(value, 0, largestUInt))
             return token.SetValue(static_cast<double>(value)), true;
         return false;
     default: return false;
@@ -136,15 +136,15 @@ bool ExpressionEvaluator::TryGetStatusValue(EEToken& token, const WString& name,
 
 bool ExpressionEvaluator::TryGetStatusValueNoLog(EEToken& token, const WString& name, const wchar_t* at)
 {
-    if (!System::status.ContainsItem(name)) {
+    StatusValue item;
+    if (!System::status.TryGet(name, item)) {
         token.SetMissingVariable(Reference(L"%S{", name));
         return true;
     }
-    const int type = System::status.GetItemType(name);
-    if (TryReadStatus(token, name, type))
+    if (TrySetStatus(token, item))
         return true;
-    ErrMsg(
-        Errors::StatusInaccessible.number, at, WString::Format(Errors::StatusInaccessible.message, type).ToCString());
+    const WString message = WString::Format(Errors::StatusInaccessible.message, static_cast<int>(item.type));
+    ErrMsg(Errors::StatusInaccessible.number, at, message.ToCString());
     return false;
 }
 

@@ -10,27 +10,27 @@
 using namespace FunctionArguments;
 
 namespace {
-/// Reads an existing status item by its type; all but booleans and numbers are read as text.
-void FetchStatus(EEToken& result, const WString& key)
+/// The value of a status item by its type; all but booleans and numbers are taken as text.
+void SetStatus(EEToken& result, const StatusValue& item)
 {
     using IntLimits = std::numeric_limits<int>;
-    switch (System::status.GetItemType(key)) {
+    switch (item.type) {
     case ST_Bool:
-        if (bool value; System::status.TryGetBool(key, value))
+        if (bool value; item.TryGetBool(value))
             return result.SetValue(value);
         throw ExpressionEvaluatorException(Errors::StatusBooleanFailed, -1);
     case ST_Double:
-        if (double value; System::status.TryGetDouble(key, value))
+        if (double value; item.TryGetDouble(value))
             return result.SetValue(value);
         throw ExpressionEvaluatorException(Errors::StatusDoubleFailed, -1);
     case ST_Int:
     case ST_UInt:
     case ST_UInt64:
-        if (int value; System::status.TryGetInt(key, value, IntLimits::min(), IntLimits::max()))
+        if (int value; item.TryGetInt(value, IntLimits::min(), IntLimits::max()))
             return result.SetValue(static_cast<double>(value));
         throw ExpressionEvaluatorException(Errors::StatusIntegerFailed, -1);
     default:
-        if (WString value; System::status.TryGetFormattedString(key, value))
+        if (WString value; item.TryGetFormattedString(value))
             return result.SetValue(value);
         throw ExpressionEvaluatorException(Errors::StatusFormattedFailed, -1);
     }
@@ -64,8 +64,8 @@ void EEGetStatus::Evaluate(EEToken& result, EETokenStack& arguments)
 {
     CheckCount(arguments, 1, 2, Errors::GetStatusParameters);
     const WString key = PopStrictText(arguments);
-    if (System::status.ContainsItem(key))
-        FetchStatus(result, key);
+    if (StatusValue item; System::status.TryGet(key, item))
+        SetStatus(result, item);
     else
         PopDefault(result, arguments, Errors::StatusNotFound);
 }

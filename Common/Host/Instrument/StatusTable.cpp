@@ -5,14 +5,12 @@
 #include "Instrument/StatusItemType.h"
 #include "Services/Clock.h"
 #include "Text/HostError.h"
-#include "Text/NumberText.h"
 #include "Text/ReferenceText.h"
 
 #include <algorithm>
 #include <limits>
 #include <map>
 #include <mutex>
-#include <optional>
 
 using ReferenceText::Fault;
 
@@ -29,7 +27,6 @@ struct Item
     std::function<WString()> read; // of a live item, instead of the text
 
     bool IsLive() const { return static_cast<bool>(read); }
-    WString GetText() const { return read ? read() : text; }
 };
 
 struct DelayedValue
@@ -39,11 +36,6 @@ struct DelayedValue
 };
 
 using Items = std::map<WString, Item, NameOrder>;
-
-bool IsIntegerType(StatusType type)
-{
-    return type == ST_Int || type == ST_UInt || type == ST_UInt64;
-}
 
 bool IsInFile(const IniFile& file, const WString& name)
 {
@@ -75,6 +67,26 @@ void TakeOver(Items& items, const IniFile& current, const IniFile& former)
     }
 }
 
+/// Appends the item's value. The count of items both ends a circle of references and bounds what many references may
+/// cost.
+bool TryExpand(const Items& items, const Item& item, WString& value, int& itemsLeft)
+{
+    if (itemsLeft-- == 0)
+        return false;
+    const WString live = item.IsLive() ? item.read() : WString();
+    std::wstring_view rest = item.IsLive() ? live.View() : item.text.View();
+    ReferenceText::Reference found;
+    while (item.type == ST_Formatted && (found = ReferenceText::Find(rest, L"S")).fault == Fault::None) {
+        value.Append(rest.substr(0, found.start));
+        const auto inner = items.find(WString(found.name));
+        if (inner == items.end() || !TryExpand(items, inner->second, value, itemsLeft))
+            return false;
+        rest.remove_prefix(found.end);
+    }
+    value.Append(rest);
+    return true;
+}
+
 /// True when the text is of the type, and the file can hold it.
 bool Fits(const WString& name, StatusType type, const WString& text)
 {
@@ -87,7 +99,7 @@ bool Fits(const WString& name, StatusType type, const WString& text)
 struct StatusTable::Data
 {
     std::mutex lock;
-    Items items;
+    std::shared_ptr<const Items> items = std::make_shared<Items>(); // replaced as a whole: who holds it sees one moment
     std::map<WString, DelayedValue, NameOrder> delayed;
     std::unique_ptr<IniFile> file = std::make_unique<IniFile>(); // as this process last saw it
     unsigned int lastCheck = 0;
@@ -96,28 +108,26 @@ struct StatusTable::Data
     void Load(const std::string& path);
     void ReadChanges();
     void Refresh(unsigned int interval);
+    void Put(const WString& name, Item item);
     StatusType GetTypeToSet(const WString& name, const WString& value) const;
     bool TrySet(const WString& name, const WString& value);
     bool TryAdd(const WString& name, StatusType type, const WString& value);
     void Save();
 
-    // Take the lock, for as long as a copy of an item takes: live items are read without it.
-    std::optional<Item> Find(const WString& name);
-    std::optional<WString> FindText(const WString& name, StatusType type);
-    std::optional<WString> FindWhole(const WString& name);
-    bool TryExpand(const WString& name, WString& value, int& itemsLeft);
+    /// Takes the lock, for no longer than it takes to get hold of the items: live ones are read without it.
+    std::shared_ptr<const Items> Look();
 };
 
 void StatusTable::Data::Load(const std::string& path)
 {
     auto loaded = std::make_unique<IniFile>();
     loaded->Load(path);
-    Items replacement;
-    for (const auto& [name, item] : items)
+    auto replacement = std::make_shared<Items>();
+    for (const auto& [name, item] : *items)
         if (item.IsLive())
-            replacement.emplace(name, item);
-    TakeOver(replacement, *loaded, IniFile());
-    items.swap(replacement);
+            replacement->emplace(name, item);
+    TakeOver(*replacement, *loaded, IniFile());
+    items = std::move(replacement);
     file.swap(loaded);
     delayed.clear();
     lastCheck = GetTickCount();
@@ -129,9 +139,9 @@ void StatusTable::Data::ReadChanges()
         return;
     auto current = std::make_unique<IniFile>();
     current->Load(file->GetPath());
-    Items changed = items;
-    TakeOver(changed, *current, *file);
-    items.swap(changed);
+    auto changed = std::make_shared<Items>(*items);
+    TakeOver(*changed, *current, *file);
+    items = std::move(changed);
     file.swap(current);
 }
 
@@ -156,20 +166,27 @@ void StatusTable::Data::Refresh(unsigned int interval)
     }
 }
 
+void StatusTable::Data::Put(const WString& name, Item item)
+{
+    auto changed = std::make_shared<Items>(*items);
+    (*changed)[name] = std::move(item);
+    items = std::move(changed);
+}
+
 bool StatusTable::Data::TryAdd(const WString& name, StatusType type, const WString& value)
 {
     const WString text = value.Trim();
     if (!Fits(name, type, text))
         return false;
-    items[name.Trim()] = {type, text, nullptr};
+    Put(name.Trim(), {type, text, nullptr});
     return true;
 }
 
 /// The type of the item, or the one that a new item would get from the value; ST_None for a live item.
 StatusType StatusTable::Data::GetTypeToSet(const WString& name, const WString& value) const
 {
-    const auto known = items.find(name.Trim());
-    if (known == items.end())
+    const auto known = items->find(name.Trim());
+    if (known == items->end())
         return GuessStatusType(value.Trim());
     return known->second.IsLive() ? ST_None : known->second.type;
 }
@@ -184,57 +201,18 @@ void StatusTable::Data::Save()
     const WholeFile::Lock fileLock(file->GetPath());
     ReadChanges();
     auto changed = std::make_unique<IniFile>(*file); // what could not be saved is not known as the file's
-    for (const auto& [name, item] : items)
+    for (const auto& [name, item] : *items)
         if (!item.IsLive())
             changed->Set(section_lc, name, FindStatusItemType(item.type)->name + (L":" + item.text));
     changed->Save();
     file.swap(changed);
 }
 
-std::optional<Item> StatusTable::Data::Find(const WString& name)
+std::shared_ptr<const Items> StatusTable::Data::Look()
 {
     const std::lock_guard guard(lock);
     Refresh(fileCheckInterval);
-    const auto found = items.find(name);
-    if (found == items.end())
-        return std::nullopt;
-    return found->second;
-}
-
-std::optional<WString> StatusTable::Data::FindText(const WString& name, StatusType type)
-{
-    const std::optional<Item> item = Find(name);
-    if (!item || item->type != type)
-        return std::nullopt;
-    return item->GetText();
-}
-
-std::optional<WString> StatusTable::Data::FindWhole(const WString& name)
-{
-    const std::optional<Item> item = Find(name);
-    if (!item || !IsIntegerType(item->type))
-        return std::nullopt;
-    return item->GetText();
-}
-
-/// Appends the item's value. The count of items both ends a circle of references and bounds what many references may
-/// cost.
-bool StatusTable::Data::TryExpand(const WString& name, WString& value, int& itemsLeft)
-{
-    const std::optional<Item> item = Find(name);
-    if (!item || itemsLeft-- == 0)
-        return false;
-    const WString text = item->GetText();
-    std::wstring_view rest = text.View();
-    ReferenceText::Reference found;
-    while (item->type == ST_Formatted && (found = ReferenceText::Find(rest, L"S")).fault == Fault::None) {
-        value.Append(rest.substr(0, found.start));
-        if (!TryExpand(WString(found.name), value, itemsLeft))
-            return false;
-        rest.remove_prefix(found.end);
-    }
-    value.Append(rest);
-    return true;
+    return items;
 }
 
 StatusTable::StatusTable() : data(std::make_unique<Data>()) {}
@@ -253,63 +231,73 @@ void StatusTable::Refresh()
     data->Refresh(0);
 }
 
+bool StatusTable::TryGet(const WString& name, StatusValue& item) const
+{
+    const std::shared_ptr<const Items> items = data->Look();
+    const auto found = items->find(name);
+    if (found == items->end())
+        return false;
+    WString text;
+    int itemsLeft = maxFormattedItems;
+    item.type = found->second.type;
+    item.text.reset();
+    if (TryExpand(*items, found->second, text, itemsLeft))
+        item.text = std::move(text);
+    return true;
+}
+
 bool StatusTable::ContainsItem(const WString& name) const
 {
-    return data->Find(name).has_value();
+    return data->Look()->contains(name);
 }
 
 int StatusTable::GetItemType(const WString& name) const
 {
-    const std::optional<Item> item = data->Find(name);
-    return item ? item->type : ST_None;
+    const std::shared_ptr<const Items> items = data->Look();
+    const auto found = items->find(name);
+    return found == items->end() ? ST_None : found->second.type;
 }
 
 bool StatusTable::TryGetBool(const WString& name, bool& value) const
 {
-    const std::optional<WString> text = data->FindText(name, ST_Bool);
-    return text && text->TryGetBool(value);
+    StatusValue item;
+    return TryGet(name, item) && item.TryGetBool(value);
 }
 
 bool StatusTable::TryGetDouble(const WString& name, double& value, double min, double max) const
 {
-    const std::optional<WString> text = data->FindText(name, ST_Double);
-    return text && text->TryParseDouble(value, min, max);
+    StatusValue item;
+    return TryGet(name, item) && item.TryGetDouble(value, min, max);
 }
 
 bool StatusTable::TryGetString(const WString& name, WString& value) const
 {
-    const std::optional<WString> text = data->FindText(name, ST_String);
-    if (text)
-        value = *text;
-    return text.has_value();
+    StatusValue item;
+    return TryGet(name, item) && item.TryGetString(value);
 }
 
 bool StatusTable::TryGetExitCode(const WString& name, ExitCode& value) const
 {
-    const std::optional<WString> text = data->FindText(name, ST_ExitCode);
-    return text && ExitCode::TryParse(*text, value);
+    StatusValue item;
+    return TryGet(name, item) && item.TryGetExitCode(value);
 }
 
 bool StatusTable::TryGetInt(const WString& name, int& value, int min, int max) const
 {
-    const std::optional<WString> text = data->FindWhole(name);
-    return text && TryParseWhole(text->View(), value, min, max);
+    StatusValue item;
+    return TryGet(name, item) && item.TryGetInt(value, min, max);
 }
 
 bool StatusTable::TryGetUInt(const WString& name, unsigned int& value, unsigned int min, unsigned int max) const
 {
-    const std::optional<WString> text = data->FindWhole(name);
-    return text && TryParseWhole(text->View(), value, min, max);
+    StatusValue item;
+    return TryGet(name, item) && item.TryGetUInt(value, min, max);
 }
 
 bool StatusTable::TryGetFormattedString(const WString& name, WString& value) const
 {
-    WString expanded;
-    int itemsLeft = maxFormattedItems;
-    if (!data->TryExpand(name, expanded, itemsLeft))
-        return false;
-    value = std::move(expanded);
-    return true;
+    StatusValue item;
+    return TryGet(name, item) && item.TryGetFormattedString(value);
 }
 
 bool StatusTable::TrySet(const WString& name, const WString& value)
@@ -339,7 +327,7 @@ bool StatusTable::TryAdd(const WString& name, StatusType type, const WString& va
 void StatusTable::AddLive(const WString& name, StatusType type, std::function<WString()> read)
 {
     const std::lock_guard guard(data->lock);
-    data->items[name] = {type, WString(), std::move(read)};
+    data->Put(name, {type, WString(), std::move(read)});
 }
 
 void StatusTable::Save()
@@ -350,9 +338,8 @@ void StatusTable::Save()
 
 void StatusTable::GetNames(WStringArray& names) const
 {
-    const std::lock_guard guard(data->lock);
-    data->Refresh(fileCheckInterval);
     names.Clear();
-    for (const auto& [name, item] : data->items)
+    const std::shared_ptr<const Items> items = data->Look();
+    for (const auto& [name, item] : *items)
         names.Add(name);
 }

@@ -1,28 +1,13 @@
 #pragma once
 
 #include "HostApi.h"
-#include "Text/ExitCode.h"
-#include "Text/WString.h"
+#include "Instrument/StatusValue.h"
 #include "Text/WStringArray.h"
 
 #include <functional>
 #include <limits>
 #include <memory>
 #include <string>
-
-/// Item types of the status table, with the numbers that its readers see.
-enum StatusType : int
-{
-    ST_None = 0,
-    ST_Bool = 1,
-    ST_Double = 2,
-    ST_String = 3,
-    ST_ExitCode = 4,
-    ST_Formatted = 5, // a text made of other items: "%S{name}" in it stands for that item's value
-    ST_Int = 0x801,
-    ST_UInt = 0x802,
-    ST_UInt64 = 0x804 // counters; read as unsigned 32-bit by those who ask for that
-};
 
 /// The instrument's status values by name (any case). Safe under threads. Try operations return false, and write
 /// nothing, when the item is absent, of another type, or out of range; TryGetInt and TryGetUInt read all the integer
@@ -48,6 +33,9 @@ public:
     /// Looks at the file at once. A file that is faulty just then, perhaps half edited, changes nothing.
     void Refresh();
 
+    /// The item's type and value, of one moment: what others do to the table between two operations cannot come between
+    /// them. False when there is no such item.
+    bool TryGet(const WString& name, StatusValue& item) const;
     bool ContainsItem(const WString& name) const;
     /// The item's type, ST_None when there is no such item.
     int GetItemType(const WString& name) const;
