@@ -21,14 +21,14 @@ EE_API void DllRegistrySelectDllForTests(const std::string& fileName);
 EE_API bool DllRegistryTryGetNextAutomaticTest(int index, AutomaticTestEntry& entry);
 
 /// Registers a command; made as a static object.
-class AddToCommandVector
+class EE_API AddToCommandVector
 {
 public:
     explicit AddToCommandVector(CommandBase* (*factory)());
 };
 
 /// Registers an automatic test; made as a static object.
-class AddToAutomaticTestVector
+class EE_API AddToAutomaticTestVector
 {
 public:
     AddToAutomaticTestVector(const wchar_t* name, const wchar_t* title, unsigned int kind, void (*run)(TestCommand&));
@@ -36,6 +36,6 @@ public:
 
 /// The file name of the loaded object that holds the address. Empty, with errno kept for DllRegistrySelectDll, when
 /// there is none.
-std::string GetDllName(void* address);
+EE_API std::string GetDllName(void* address);
 /// The part behind the last "/".
-std::string GetDllFileName(const char* path);
+EE_API std::string GetDllFileName(const char* path);

@@ -42,7 +42,7 @@ private:
 };
 
 /// A routine of one number as a function. A NaN answer becomes the error value 504 "Invalid operation".
-class EEMathFunctionPointer : public EEFunction
+class EE_API EEMathFunctionPointer : public EEFunction
 {
 public:
     EEMathFunctionPointer(const wchar_t* name, double (*routine)(double));
