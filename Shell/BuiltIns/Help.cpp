@@ -1,6 +1,7 @@
 #include "BuiltIns/BuiltIn.h"
 #include "Commands/CommandRunner.h"
 #include "Commands/EmbeddedResource.h"
+#include "Commands/PluginLoader.h"
 #include "Text/CharacterCase.h"
 
 namespace {
@@ -67,12 +68,8 @@ void Help::ListCommands()
 /// Looks through the texts of all plug-ins.
 bool Help::TryDescribeFunction(const WString& name)
 {
-    std::string lastFile; // the commands of a plug-in stand together
-    for (const CommandRegistry::Entry& command : CommandRegistry::GetEntries()) {
-        if (command.file == lastFile)
-            continue;
-        lastFile = command.file;
-        EmbeddedResource texts(command.file, L"FUNCTIONS.TXT");
+    for (const std::string& file : PluginLoader::GetFiles()) {
+        EmbeddedResource texts(file, L"FUNCTIONS.TXT");
         if (TryDescribeFunction(texts, name))
             return true;
     }

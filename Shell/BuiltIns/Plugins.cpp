@@ -1,11 +1,12 @@
 #include "BuiltIns/BuiltIn.h"
 #include "Commands/CommandRegistry.h"
 #include "Commands/EmbeddedResource.h"
+#include "Commands/PluginLoader.h"
 
 namespace {
 constexpr UsageLine usage_lc[] = {
     L"Usage: Plugins",
-    L" Lists the plug-ins that offer commands, with their version records.",
+    L" Lists the plug-ins that are loaded, with their version records.",
 };
 
 class Plugins : public BuiltIn
@@ -21,12 +22,8 @@ private:
 ExitCode Plugins::Main(ArgumentList& arguments, Options& options)
 {
     Accept(arguments, options, 0, 0);
-    std::string lastFile; // the commands of a plug-in stand together
-    for (const CommandRegistry::Entry& command : CommandRegistry::GetEntries()) {
-        if (command.file != lastFile)
-            Show(command.file);
-        lastFile = command.file;
-    }
+    for (const std::string& file : PluginLoader::GetFiles())
+        Show(file);
     return ExitCode(0);
 }
 

@@ -1,9 +1,16 @@
-// A plug-in as others write them: one command, one automatic test that fails, no resources.
+// A plug-in as others write them: a command, functions with their texts, and an automatic test that fails.
 
 #include "Commands/CommandBase.h"
-#include "Commands/CommandRegistry.h"
 #include "Commands/TestCommand.h"
+#include "DllRegistryUtils.h"
+#include "ExpressionEvaluator.h"
+#include "ExpressionEvaluatorException.h"
+#include "ExpressionEvaluatorFunctions.h"
 #include "Text/HostError.h"
+
+__asm__(".pushsection .ov.FUNCTIONS.TXT,\"\"\n"
+        ".ascii \"Cube(x) - The third power of x.\\nTwice(text) - Twice the value of an expression.\\n\"\n"
+        ".popsection");
 
 namespace {
 class Second : public CommandBase
@@ -36,20 +43,24 @@ void RunTests(TestCommand& test)
     Assertion::IsTrue(test, output.IsEmpty(), L"output");
     throw HostException(HostError::FileError, L"on\npurpose\uFFFF");
 }
+/// Evaluates its text as an expression of the evaluator that calls.
+class Twice : public EEFunction
+{
+public:
+    Twice() : EEFunction(L"Twice", 1) {}
+    using EEFunction::Evaluate;
+    void Evaluate(EEToken& result, EETokenStack& arguments, ExpressionEvaluator* evaluator) override
+    {
+        double value = 0;
+        if (!evaluator->TryEvaluateDouble(arguments.Pop().GetWString(true), value))
+            throw ExpressionEvaluatorException(9000, L"Twice takes a number", result.GetPosition());
+        result.SetValue(2 * value);
+    }
+};
+
+const AddToCommandVector addSecond(CreateSecond);
+const AddToAutomaticTestVector addTests(L"Second", L"Second plug-in", 1, RunTests);
+const bool addTwice = fnTable_gb.AddFn(new Twice);
+const bool addCube =
+    fnTable_gb.AddFn(new EEMathFunctionPointer(L"Cube", [](double value) { return value * value * value; }));
 } // namespace
-
-HOST_API CommandFactory DllRegistryGetNextCommand(unsigned int index)
-{
-    return index == 0 ? CreateSecond : nullptr;
-}
-
-HOST_API int DllRegistrySelectDll(const char*)
-{
-    return 0;
-}
-
-HOST_API bool DllRegistryTryGetNextAutomaticTest(int index, AutomaticTestEntry& entry)
-{
-    entry = AutomaticTestEntry(L"Second", L"Second plug-in", 1, RunTests);
-    return index == 0;
-}

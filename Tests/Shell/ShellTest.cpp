@@ -39,7 +39,14 @@ TEST(ShellTest, WrongStartsAreReported)
     EXPECT_EQ(
         RunLabsh({"--plugin", "input", "Echo"}, "text"), "labsh: 0:1:10 File error: ./input: file too short\nexit 1");
     EXPECT_EQ(RunLabsh({"--plugin", PLUGIN_FILE, "Echo"}),
-        "labsh: 0:1:10 File error: " PLUGIN_FILE ": it offers a command that is already there\nexit 1");
+        "labsh: 0:1:10 File error: " PLUGIN_FILE ": it is already loaded\nexit 1");
+    EXPECT_EQ(RunLabsh({"--plugin", TAKEN_NAME_FILE, "Echo"}),
+        "labsh: 0:1:10 File error: " TAKEN_NAME_FILE ": it brings a function that is already there: max, FABS\nexit 1");
+    Labsh labsh;
+    const std::string copy = labsh.folder.Path("Copy.dll");
+    std::filesystem::copy_file(PLUGIN_FILE, copy);
+    EXPECT_EQ(labsh.Describe(labsh.Run({"--plugin", copy, "Echo"})),
+        "labsh: 0:1:10 File error: " + copy + ": it offers a command that is already there\nexit 1");
     EXPECT_EQ(
         RunLabsh({"--data", "/dev/null/x", "Echo"}), "labsh: 0:1:10 File error: /dev/null/x: Not a directory\nexit 1");
 }
@@ -83,10 +90,11 @@ TEST(ShellTest, SeveralPlugins)
     EXPECT_EQ(labsh.Describe(labsh.Run({"--plugin", SECOND_PLUGIN_FILE, "Second"})), "second\nexit 0");
     EXPECT_EQ(labsh.Describe(labsh.Run({"--plugin", SECOND_PLUGIN_FILE, "Second", "x"})),
         "x\nSecond: 5000:0:1 Failed on purpose\nexit 1");
-    labsh.Run({"--plugin", SECOND_PLUGIN_FILE, "Plugins"});
+    labsh.Run({"--plugin", SECOND_PLUGIN_FILE, "--plugin", FUNCTIONS_ONLY_FILE, "Plugins"});
     EXPECT_THAT(labsh.GetOutput(),
-        testing::MatchesRegex("[^\n]*/ExpressionEvaluator.dll\n"
-                              "  Version: 6.0.6.5480\n(  [A-Z][A-Za-z]*: [^\n]+\n){5}" SECOND_PLUGIN_FILE "\n"));
+        testing::MatchesRegex(
+            "[^\n]*/ExpressionEvaluator.dll\n"
+            "  Version: 6.0.6.5480\n(  [A-Z][A-Za-z]*: [^\n]+\n){5}" SECOND_PLUGIN_FILE "\n" FUNCTIONS_ONLY_FILE "\n"));
     EXPECT_EQ(labsh.Describe(labsh.Run({"--plugin", SECOND_PLUGIN_FILE, "Test -junit\"the report.xml\" sec*"})),
         "Second: 6 checks, 4 failures\n"
         "  second: expected \"<&>\", got \"\"\x01\"\"\n"
@@ -105,7 +113,36 @@ TEST(ShellTest, SeveralPlugins)
   </testcase>
 </testsuite>
 )");
+    EXPECT_EQ(labsh.Run({"--plugin", SECOND_PLUGIN_FILE, "Test exports"}), 0) << labsh.GetOutput();
     EXPECT_EQ(labsh.Describe(labsh.Run({"Test", "Second"})), "Test: 2011:0:5 There is no test Second\nexit 1");
+}
+
+TEST(ShellTest, FunctionsOfPlugins)
+{
+    Labsh labsh;
+    const auto run = [&](std::vector<std::string> line, const std::string& input = "") {
+        line.insert(line.begin(), {"--plugin", FUNCTIONS_ONLY_FILE, "--plugin", SECOND_PLUGIN_FILE});
+        return labsh.Describe(labsh.Run(std::move(line), input));
+    };
+    EXPECT_EQ(run({}, "Calc half(TWICE(\"cube(2)+1\"))\nCalc IsErr(Half(sqrt(-1)))\n"), "9\nTRUE\nexit 0");
+    EXPECT_EQ(run({"Help HALF"}), "Half(x) - Half of x.\n    Half(3) -> 1.5\nexit 0");
+    EXPECT_EQ(run({"Help twice"}), "Twice(text) - Twice the value of an expression.\nexit 0");
+
+    labsh.Run({"Calc", "-help"});
+    std::string help = labsh.GetOutput();
+    help.insert(help.find("Expression evaulator operators:"),
+        " Half(x) - Half of x.\n     Half(3) -> 1.5\n Third(x) - A third of x.\n"
+        " Cube(x) - The third power of x.\n Twice(text) - Twice the value of an expression.\n");
+    EXPECT_EQ(run({"Calc", "-help"}), help + "exit 0");
+}
+
+TEST(ShellTest, ThePluginOfTheDocuments)
+{
+    Labsh labsh;
+    const std::string commands = "Calc Series(\"Cbrt(i)\", 8)\nTable 3 \"i & \\\": \\\" & Series(\\\"i\\\", i)\"\n"
+                                 "Calc IsErr(Series(\"1/0\", 2)) and IsErr(Series(\"i\", 0))\nHelp cbrt\n";
+    EXPECT_EQ(labsh.Describe(labsh.Run({"--plugin", SERIES_FILE}, commands)),
+        "12.7295993944517\n1: 1\n2: 3\n3: 6\nTRUE\nCbrt(x) - The cube root of x.\n    Cbrt(27) -> 3\nexit 0");
 }
 
 TEST(ShellTest, DelayedStatusIsSetBeforeTheEnd)

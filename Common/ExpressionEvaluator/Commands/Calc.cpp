@@ -1,6 +1,8 @@
 #include "Calc.h"
 
+#include "Commands/CommandRegistry.h"
 #include "Commands/EmbeddedResource.h"
+#include "Commands/PluginLoader.h"
 #include "ExpressionEvaluator.h"
 
 namespace {
@@ -40,11 +42,21 @@ constexpr OptionRecord options_lc[] = {quiet_lc, help_lc, shortHelp_lc, verify_l
 constexpr CommandRecord record_lc = {
     L"Calc", 1043, CreateCommandCalc, usage_lc, options_lc, CommandFlags::restAsItStands};
 
-void WriteResource(Pipe& pipe, const wchar_t* resourceName, const wchar_t* indent)
+void WriteLines(Pipe& pipe, EmbeddedResource text, const wchar_t* indent)
 {
-    EmbeddedResource resource(L"Calc", resourceName);
-    while (!resource.EndOfFile())
-        pipe.DoWriteLine(indent + resource.ReadLine());
+    while (!text.EndOfFile())
+        pipe.DoWriteLine(indent + text.ReadLine());
+}
+
+/// The entries of this plug-in, then those of the others that bring some.
+void WriteFunctions(Pipe& pipe)
+{
+    WriteLines(pipe, EmbeddedResource(L"Calc", L"FUNCTIONS.TXT"), L" ");
+    const std::string& ownFile = CommandRegistry::FindOrNull(L"Calc")->file;
+    for (const std::string& file : PluginLoader::GetFiles()) {
+        if (file != ownFile)
+            WriteLines(pipe, EmbeddedResource(file, L"FUNCTIONS.TXT"), L" ");
+    }
 }
 } // namespace
 
@@ -70,10 +82,10 @@ ExitCode Calc::Main(ArgumentList& arguments, Options& options)
 
 ExitCode Calc::ShowHelpTexts()
 {
-    WriteResource(GetPipe(), L"HELP.TXT", L"");
+    WriteLines(GetPipe(), EmbeddedResource(L"Calc", L"HELP.TXT"), L"");
     GetPipe().WriteLine(L"");
     GetPipe().WriteLine(L"Expression evaluator functions:");
-    WriteResource(GetPipe(), L"FUNCTIONS.TXT", L" ");
+    WriteFunctions(GetPipe());
     GetPipe().WriteLine(L"Expression evaulator operators:");
 
     WStringArray operators;

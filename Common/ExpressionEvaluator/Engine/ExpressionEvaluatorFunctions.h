@@ -41,7 +41,8 @@ private:
     [[no_unique_address]] LiveCounter<liveCount> liveCounter;
 };
 
-/// A routine of one number as a function. A NaN answer becomes the error value 504 "Invalid operation".
+/// A routine of one number as a function. A NaN answer becomes the error value 504 "Invalid operation". What the
+/// routine throws is thrown by the call.
 class EE_API EEMathFunctionPointer : public EEFunction
 {
 public:
@@ -54,7 +55,7 @@ private:
     const WString routineName;
 };
 
-/// All functions by name, in any case. Built when the plug-in is loaded and only read afterwards, so it needs no lock.
+/// All functions by name, in any case. Built while plug-ins are loaded and only read afterwards, so it needs no lock.
 class EE_API EEFunctionTable
 {
 public:
@@ -71,8 +72,10 @@ public:
     void Evaluate(EEToken& result, const wchar_t* name, EETokenStack& arguments, ExpressionEvaluator* evaluator) const;
     /// All names, in no particular order.
     void GetSupportedFunctions(WStringArray& names) const;
-    /// Adds the function under its own name and takes ownership of it.
-    void AddFn(EEFunction* function);
+    /// Adds the function under its own name and takes ownership of it. False for null and for a name that is taken:
+    /// that function is destroyed, and the plug-in that is being loaded is refused. For the static initialisers of
+    /// plug-ins; nothing may be added once commands run.
+    bool AddFn(EEFunction* function);
 
 private:
     ObjectHashTable functions;

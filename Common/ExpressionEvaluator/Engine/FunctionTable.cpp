@@ -1,3 +1,4 @@
+#include "Commands/PluginLoader.h"
 #include "EvaluatorErrors.h"
 #include "ExpressionEvaluatorException.h"
 #include "ExpressionEvaluatorFunctions.h"
@@ -50,8 +51,12 @@ void EEFunctionTable::GetSupportedFunctions(WStringArray& names) const
     functions.GetKeys(names);
 }
 
-void EEFunctionTable::AddFn(EEFunction* function)
+bool EEFunctionTable::AddFn(EEFunction* function)
 {
-    std::shared_ptr<Object> owned(function);
-    functions.Add(function->GetName(), std::move(owned));
+    const std::shared_ptr<EEFunction> owned(function);
+    if (!function)
+        return false;
+    const bool isAdded = functions.Add(function->GetName(), owned);
+    PluginLoader::TellFunction(function->GetName(), isAdded);
+    return isAdded;
 }
