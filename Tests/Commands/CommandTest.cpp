@@ -61,6 +61,20 @@ ExitCode WriteLog(CommandBase& command, ArgumentList&)
     return ExitCode(0);
 }
 
+/// The lines without the names of the functions, which follow their title.
+WStringArray WithoutFunctions(const WStringArray& lines, const wchar_t* title)
+{
+    WStringArray others;
+    bool isFunctions = false;
+    for (const WString& line : lines) {
+        isFunctions = isFunctions && !line.StartsWith(L"Run: ", false);
+        if (!isFunctions)
+            others.Add(line);
+        isFunctions = isFunctions || line == title;
+    }
+    return others;
+}
+
 ExitCode WriteUsage(CommandBase& command, ArgumentList& arguments)
 {
     ArrayPipe general;
@@ -68,7 +82,7 @@ ExitCode WriteUsage(CommandBase& command, ArgumentList& arguments)
     ArrayPipe usage;
     if (arguments.Count() == 1)
         CommandRunner::ShowUsage(*CommandRegistry::FindOrNull(arguments.At(0)), usage);
-    for (const WString& line : arguments.Count() == 1 ? usage.lines : general.lines)
+    for (const WString& line : arguments.Count() == 1 ? usage.lines : WithoutFunctions(general.lines, L"%%"))
         if (arguments.Count() == 0 || std::ranges::find(general.lines, line) == general.lines.end())
             command.GetPipe().DoWriteLine(line);
     return ExitCode(0);

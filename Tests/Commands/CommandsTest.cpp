@@ -111,12 +111,13 @@ TEST_F(CommandTest, AnAbortEndsRetriesAndLoops)
     });
     EXPECT_EQ(runAborted("While %S{AbortNow} Do"), "exit 1064:1:4 Aborted");
     EXPECT_EQ(environment.GetString(L"i", 1), L"1");
+    System::status.AddLive(L"AbortNow", ST_Bool, [] { return L"false"; });
 }
 
 TEST_F(CommandTest, SelfTestPasses)
 {
     TestCommand test(environment);
     RunExpressionEvaluatorTests(test);
-    EXPECT_GT(test.GetCheckCount(), 60u);
+    EXPECT_GT(test.GetCheckCount(), 1000u);
     EXPECT_THAT(test.GetFailures(), testing::IsEmpty());
 }

@@ -1,7 +1,10 @@
-#include "Commands/EmbeddedResource.h"
-#include "Support/Expressions.h"
+// The help texts of the expression language: what they show is true, and no function is forgotten.
 
-#include <sstream>
+#include "Commands/EmbeddedResource.h"
+#include "ExpressionEvaluatorFunctions.h"
+#include "Support/ExpressionFile.h"
+
+#include <regex>
 
 namespace {
 std::string ReadHelpText(const wchar_t* name)
@@ -24,32 +27,117 @@ std::string Shown(const std::string& expression)
     evaluator.TryGetErrorMessage(code, message, nullptr);
     return "Error: " + message.ToUtf8();
 }
+
+/// An example, "expression -> outcome".
+struct Example
+{
+    std::string expression;
+    std::string outcome;
+};
+
+std::vector<Example> ReadExamples(const std::string& text)
+{
+    const std::string arrow = " -> ";
+    std::vector<Example> examples;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);)
+        if (const std::size_t at = line.find(arrow); at != std::string::npos)
+            examples.push_back({line.substr(0, at), line.substr(at + arrow.size())});
+    return examples;
+}
+
+/// What FUNCTIONS.TXT says of one function, or of one with several names.
+struct Entry
+{
+    std::vector<std::string> names;
+    std::string text;
+};
+
+/// An entry begins with its names, "Name(...)" or "Name(...) or OtherName(...)", at the start of a line.
+std::vector<Entry> ReadEntries()
+{
+    const std::regex name("(?:^|\\) or )(\\w+)\\(");
+    std::vector<Entry> entries;
+    std::istringstream lines(ReadHelpText(L"FUNCTIONS.TXT"));
+    for (std::string line; std::getline(lines, line);) {
+        if (!line.starts_with(" ")) {
+            entries.emplace_back();
+            for (std::sregex_iterator match(line.begin(), line.end(), name), end; match != end; ++match)
+                entries.back().names.push_back((*match)[1]);
+        }
+        if (!entries.empty())
+            entries.back().text += line + "\n";
+    }
+    return entries;
+}
+
+bool Calls(const std::string& expression, const std::vector<std::string>& names)
+{
+    return std::ranges::any_of(
+        names, [&](const std::string& name) { return expression.find(name + "(") != std::string::npos; });
+}
+
+bool ShowsAValue(const Entry& entry)
+{
+    return std::ranges::any_of(ReadExamples(entry.text), [&](const Example& example) {
+        return !example.outcome.starts_with("Error: ") && Calls(example.expression, entry.names);
+    });
+}
+
+/// Functions whose values no help text can show, since they depend on files and events of the system. The rows of
+/// System.txt show them.
+bool ShowsAValueInSystemRows(const Entry& entry)
+{
+    static const char* const names[] = {"FileCrc", "FileSize", "FileZynqChecksum", "GetEvent"};
+    return std::ranges::find(names, entry.names.front()) != std::end(names) &&
+        std::ranges::any_of(ReadRows("Functions/System.txt"), [&](const ExpressionRow& row) {
+            return row.outcome.find('@') == std::string::npos && Calls(row.expression, entry.names);
+        });
+}
 } // namespace
 
 TEST(HelpTexts, EveryExampleIsTrue)
 {
-    const std::string arrow = " -> ";
-    int examples = 0;
-    std::istringstream lines(ReadHelpText(L"HELP.TXT") + ReadHelpText(L"FUNCTIONS.TXT"));
-    for (std::string line; std::getline(lines, line);) {
-        const std::size_t at = line.find(arrow);
-        if (at == std::string::npos)
-            continue;
-        EXPECT_EQ(Shown(line.substr(0, at)), line.substr(at + arrow.size())) << line;
-        ++examples;
-    }
-    EXPECT_GE(examples, 94);
+    for (const auto& [expression, outcome] : ReadExamples(ReadHelpText(L"HELP.TXT") + ReadHelpText(L"FUNCTIONS.TXT")))
+        EXPECT_EQ(Shown(expression), outcome) << expression;
 }
 
-TEST(HelpTexts, EveryFunctionHasAnEntry)
+TEST(HelpTexts, EveryFunctionHasAnEntryAndEveryEntryAFunction)
 {
-    const std::string text = "\n" + ReadHelpText(L"FUNCTIONS.TXT");
-    WStringArray names;
-    ExpressionEvaluator::GetSupportedFunctions(names);
-    for (const WString& name : names) {
-        const auto contains = [&](const std::string& before) {
-            return text.find(before + name.ToUtf8() + "(") != std::string::npos;
-        };
-        EXPECT_TRUE(contains("\n") || contains(" or ")) << name.ToUtf8();
+    std::vector<std::string> described;
+    for (const Entry& entry : ReadEntries())
+        described.insert(described.end(), entry.names.begin(), entry.names.end());
+    WStringArray functions;
+    ExpressionEvaluator::GetSupportedFunctions(functions);
+    for (const WString& function : functions)
+        EXPECT_TRUE(std::ranges::find(described, function.ToUtf8()) != described.end())
+            << "FUNCTIONS.TXT does not describe " << function.ToUtf8() << ": add an entry that begins with \""
+            << function.ToUtf8() << "(...) - \", with an example of its value";
+    for (const std::string& name : described)
+        EXPECT_TRUE(fnTable_gb.FindOrNull(WString::FromUtf8(name).View()))
+            << "FUNCTIONS.TXT describes " << name << ", which is not in the table: add its row to FunctionRows.cpp";
+}
+
+TEST(HelpTexts, EveryEntryShowsAValue)
+{
+    for (const Entry& entry : ReadEntries()) {
+        ASSERT_FALSE(entry.names.empty()) << "No function is named at the start of this entry:\n" << entry.text;
+        EXPECT_TRUE(ShowsAValue(entry) || ShowsAValueInSystemRows(entry))
+            << "The entry of " << entry.names.front() << " in FUNCTIONS.TXT shows no value: add a line \"    "
+            << entry.names.front() << "(...) -> value\"";
+    }
+}
+
+TEST(HelpTexts, LinesEndInCrLf)
+{
+    for (const std::string name : {"HELP.TXT", "FUNCTIONS.TXT"}) {
+        std::istringstream text(TemporaryFolder::ReadFile(SOURCE_DIR "/Common/ExpressionEvaluator/" + name));
+        int number = 0;
+        for (std::string line; std::getline(text, line);) {
+            ++number;
+            EXPECT_EQ(line.find('\r'), text.eof() ? std::string::npos : line.size() - 1)
+                << "Line " << number << " of " << name << " does not end in CR LF: save the file with CR LF";
+        }
+        EXPECT_GT(number, 0) << name;
     }
 }

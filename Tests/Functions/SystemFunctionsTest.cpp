@@ -61,7 +61,10 @@ protected:
         environment.SetString(L"hex", L"0x10");
         environment.SetString(L"folder", WString::FromUtf8(folder.GetPath()) + L"/");
         environment.SetString(L"big", WString(1000000, L'a'));
+        environment.SetString(L"event", event);
+        EXPECT_TRUE(OS9EventManager::TryCreate(event, -5));
     }
+    ~SystemFunctions() override { EXPECT_TRUE(OS9EventManager::TryDelete(event)); }
 
     std::string Evaluate(const std::string& expression) const
     {
@@ -70,6 +73,7 @@ protected:
         return Outcome(evaluator, expression);
     }
 
+    const WString event = WString::Format(L"unit%d", getpid());
     Environment environment;
 };
 
@@ -115,16 +119,12 @@ TEST_F(SystemFunctions, RegisterTheDefaultsOfKeysThatExistOrNot)
 
 TEST_F(SystemFunctions, FindEventsAndProcesses)
 {
-    const std::string id = std::to_string(getpid());
-    const std::string name = "unit" + id; // of an event, and of this very process and no other
-    const WString wideName = WString::FromUtf8(name);
-    environment.SetString(L"name", wideName);
-    ASSERT_TRUE(OS9EventManager::TryCreate(wideName, -5));
-    EXPECT_EQ(Evaluate("GetEvent(name)"), "-5");
-    EXPECT_EQ(OS9EventManager::GetReferenceCount(wideName), 0);
-    EXPECT_TRUE(OS9EventManager::TryDelete(wideName));
-    EXPECT_EQ(Evaluate("1+GetEvent(name)"), "512 OS9Event not found @11");
+    EXPECT_EQ(Evaluate("GetEvent(event)"), "-5");
+    EXPECT_EQ(OS9EventManager::GetReferenceCount(event), 0);
 
+    const std::string id = std::to_string(getpid());
+    const std::string name = event.ToUtf8(); // of this very process and no other
+    environment.SetString(L"name", event);
     char formerName[16] = {};
     prctl(PR_GET_NAME, formerName);
     prctl(PR_SET_NAME, name.c_str());
