@@ -110,34 +110,35 @@ TEST(HelpTexts, EveryFunctionHasAnEntryAndEveryEntryAFunction)
     WStringArray functions;
     ExpressionEvaluator::GetSupportedFunctions(functions);
     for (const WString& function : functions)
-        EXPECT_TRUE(std::ranges::find(described, function.ToUtf8()) != described.end())
-            << "FUNCTIONS.TXT does not describe " << function.ToUtf8() << ": add an entry that begins with \""
-            << function.ToUtf8() << "(...) - \", with an example of its value";
+        if (const std::string name = function.ToUtf8(); std::ranges::find(described, name) == described.end())
+            ADD_FAILURE() << "FUNCTIONS.TXT does not describe " << name << ": add an entry that begins with \"" << name
+                          << "(...) - \", with an example of its value";
     for (const std::string& name : described)
-        EXPECT_TRUE(fnTable_gb.FindOrNull(WString::FromUtf8(name).View()))
-            << "FUNCTIONS.TXT describes " << name << ", which is not in the table: add its row to FunctionRows.cpp";
+        if (!fnTable_gb.FindOrNull(WString::FromUtf8(name).View()))
+            ADD_FAILURE() << "FUNCTIONS.TXT describes " << name
+                          << ", which is not in the table: add its row to FunctionRows.cpp";
 }
 
 TEST(HelpTexts, EveryEntryShowsAValue)
 {
     for (const Entry& entry : ReadEntries()) {
         ASSERT_FALSE(entry.names.empty()) << "No function is named at the start of this entry:\n" << entry.text;
-        EXPECT_TRUE(ShowsAValue(entry) || ShowsAValueInSystemRows(entry))
-            << "The entry of " << entry.names.front() << " in FUNCTIONS.TXT shows no value: add a line \"    "
-            << entry.names.front() << "(...) -> value\"";
+        if (!ShowsAValue(entry) && !ShowsAValueInSystemRows(entry))
+            ADD_FAILURE() << "The entry of " << entry.names.front()
+                          << " in FUNCTIONS.TXT shows no value: add a line \"    " << entry.names.front()
+                          << "(...) -> value\"";
     }
 }
 
 TEST(HelpTexts, LinesEndInCrLf)
 {
     for (const std::string name : {"HELP.TXT", "FUNCTIONS.TXT"}) {
-        std::istringstream text(TemporaryFolder::ReadFile(SOURCE_DIR "/Common/ExpressionEvaluator/" + name));
-        int number = 0;
-        for (std::string line; std::getline(text, line);) {
-            ++number;
-            EXPECT_EQ(line.find('\r'), text.eof() ? std::string::npos : line.size() - 1)
-                << "Line " << number << " of " << name << " does not end in CR LF: save the file with CR LF";
-        }
-        EXPECT_GT(number, 0) << name;
+        const std::string text = TemporaryFolder::ReadFile(SOURCE_DIR "/Common/ExpressionEvaluator/" + name);
+        const std::size_t bare = std::regex_replace(text, std::regex("\r\n"), "  ").find_first_of("\r\n");
+        EXPECT_FALSE(text.empty()) << name;
+        if (bare != std::string::npos)
+            ADD_FAILURE() << "Line "
+                          << 1 + std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(bare), '\n')
+                          << " of " << name << " does not end in CR LF: save the file with CR LF";
     }
 }

@@ -29,8 +29,10 @@ WString Outcome(ExpressionEvaluator& evaluator, const WString& expression)
 
 void CheckRows(TestCommand& test, ExpressionEvaluator& evaluator, std::span<const Row> rows)
 {
-    for (const Row& row : rows)
-        Assertion::AreEqual(test, row.outcome, Outcome(evaluator, row.input), row.input);
+    for (const Row& row : rows) {
+        const WString expression = WString::FromUtf8(row.input);
+        Assertion::AreEqual(test, WString::FromUtf8(row.outcome), Outcome(evaluator, expression), expression);
+    }
 }
 
 void CheckRows(TestCommand& test, std::span<const Row> rows)

@@ -13,45 +13,46 @@ using SelfTest::ThrownBy;
 /// An expression with its value as a number, as an integer and as a boolean, or the error.
 struct TypedRow
 {
-    const wchar_t* expression;
-    const wchar_t* outcomes[3];
+    const char* expression;
+    const char* outcomes[3];
 };
 
-constexpr wchar_t noDouble_lc[] = L"129 Expression cannot be evaluated as a number @0";
-constexpr wchar_t noInt_lc[] = L"130 Expression cannot be evaluated as a number @0";
-constexpr wchar_t noBool_lc[] = L"131 Expression cannot be evaluated as a number @0";
+constexpr char noDouble_lc[] = "129 Expression cannot be evaluated as a number @0";
+constexpr char noInt_lc[] = "130 Expression cannot be evaluated as a number @0";
+constexpr char noBool_lc[] = "131 Expression cannot be evaluated as a number @0";
 
 constexpr TypedRow typed_lc[] = {
-    {L"3>2", {L"1", L"1", L"1"}},
-    {L"\"1F\"", {L"31", L"31", noBool_lc}},
-    {L"-7.9", {L"-7.9", L"-7", L"0"}},
-    {L"1e10", {L"1e+10", L"2147483647", L"0"}},
-    {L"-1e10", {L"-1e+10", L"-2147483648", L"0"}},
-    {L"2147483646.5", {L"2.14748e+09", L"2147483646", L"0"}},
-    {L"0", {L"0", L"0", L"1"}},
-    {L"2.22e-15", {L"2.22e-15", L"0", L"1"}},
-    {L"2.23e-15", {L"2.23e-15", L"0", L"0"}},
-    {L"\"true\"", {noDouble_lc, noInt_lc, L"1"}},
-    {L"\"x\"", {noDouble_lc, noInt_lc, noBool_lc}},
-    {L"1/0", {L"133 Divide by zero @3", L"133 Divide by zero @3", L"133 Divide by zero @3"}},
+    {"3>2", {"1", "1", "1"}},
+    {"\"1F\"", {"31", "31", noBool_lc}},
+    {"-7.9", {"-7.9", "-7", "0"}},
+    {"1e10", {"1e+10", "2147483647", "0"}},
+    {"-1e10", {"-1e+10", "-2147483648", "0"}},
+    {"2147483646.5", {"2.14748e+09", "2147483646", "0"}},
+    {"0", {"0", "0", "1"}},
+    {"2.22e-15", {"2.22e-15", "0", "1"}},
+    {"2.23e-15", {"2.23e-15", "0", "0"}},
+    {"\"true\"", {noDouble_lc, noInt_lc, "1"}},
+    {"\"x\"", {noDouble_lc, noInt_lc, noBool_lc}},
+    {"1/0", {"133 Divide by zero @3", "133 Divide by zero @3", "133 Divide by zero @3"}},
 };
 
 void TestTypedForms(TestCommand& test)
 {
     for (const TypedRow& row : typed_lc) {
+        const WString expression = WString::FromUtf8(row.expression);
         ExpressionEvaluator evaluator(nullptr, 0);
         double number = 0;
         int integer = 0;
         bool truth = false;
         WString outcomes[3];
-        outcomes[0] = evaluator.TryEvaluateDouble(row.expression, number) ? WString::Format(L"%g", number)
-                                                                          : SelfTest::DescribeError(evaluator);
-        outcomes[1] = evaluator.TryEvaluateInt(row.expression, integer) ? WString::Format(L"%d", integer)
-                                                                        : SelfTest::DescribeError(evaluator);
-        outcomes[2] = evaluator.TryEvaluateBool(row.expression, truth) ? WString::Format(L"%d", truth)
-                                                                       : SelfTest::DescribeError(evaluator);
+        outcomes[0] = evaluator.TryEvaluateDouble(expression, number) ? WString::Format(L"%g", number)
+                                                                      : SelfTest::DescribeError(evaluator);
+        outcomes[1] = evaluator.TryEvaluateInt(expression, integer) ? WString::Format(L"%d", integer)
+                                                                    : SelfTest::DescribeError(evaluator);
+        outcomes[2] = evaluator.TryEvaluateBool(expression, truth) ? WString::Format(L"%d", truth)
+                                                                   : SelfTest::DescribeError(evaluator);
         for (std::size_t form = 0; form < std::size(outcomes); ++form)
-            Assertion::AreEqual(test, row.outcomes[form], outcomes[form], row.expression);
+            Assertion::AreEqual(test, WString::FromUtf8(row.outcomes[form]), outcomes[form], expression);
     }
     ExpressionEvaluator evaluator(nullptr, 0);
     Assertion::AreEqual(test, 0.25, evaluator.EvaluateDouble(L"1/4"), L"EvaluateDouble");
@@ -213,6 +214,13 @@ void TestPostfix(TestCommand& test)
     check({call, one, two, function}, L"126 Unexpected token encountered @3");
     check({call, one, EEToken(TT_PRMSEP, L',', 0), two, function}, L"2");
 
+    wchar_t noReference[] = L"a";
+    wchar_t* cursor = noReference;
+    EEToken token;
+    Assertion::IsTrue(test,
+        !ExpressionEvaluator(nullptr, 0).TryGetSystemVariable(token, &cursor) && cursor == noReference,
+        L"Text without a reference");
+
     const auto convert = [](const wchar_t* expression) {
         ExpressionEvaluator evaluator(nullptr, 0);
         EETokenStack postfix;
@@ -249,6 +257,12 @@ void TestFunctionTable(TestCommand& test)
     Assertion::IsTrue(
         test, fnTable_gb.IsFunction(L"FmtEng", &parameters) && parameters == 3, L"FmtEng takes three arguments");
     Assertion::IsTrue(test, !fnTable_gb.IsFunction(L"bare", &parameters), L"\"bare\" is no function");
+    WStringArray names;
+    fnTable_gb.GetSupportedFunctions(names);
+    for (const WString& name : names)
+        Assertion::IsTrue(test,
+            fnTable_gb.IsFunction(name.ToCString(), &parameters) && parameters >= -1 && parameters != 0,
+            name + L" has an impossible number of parameters");
 }
 } // namespace
 

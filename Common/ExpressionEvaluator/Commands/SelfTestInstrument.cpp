@@ -37,7 +37,7 @@ public:
     void Check(std::span<const Row> rows) const
     {
         for (const Row& row : rows)
-            Check(row.input, row.outcome);
+            Check(WString::FromUtf8(row.input), WString::FromUtf8(row.outcome));
     }
 
 private:
@@ -46,23 +46,23 @@ private:
 };
 
 constexpr Row environment_lc[] = {
-    {L"count+1", L"8.5"},
-    {L"abs(COUNT)", L"7.5"},
-    {L"%E{ count } * 2", L"15"},
-    {L"%e{Truth}", L"TRUE"},
-    {L"truth", L"TRUE"},
-    {L"word", L"'7 apples'"},
-    {L"hex", L"'0x10'"},
-    {L"pi", L"3"},
-    {L"%E{none}", L"48 %E{none} @1"},
-    {L"1+%E{none}", L"48 Missing variable: %E{none} @3"},
-    {L"none+1", L"48 Missing variable: none @1"},
-    {L"GetEnv(\"count\", 1/0)", L"7.5"},
-    {L"GetEnv(\"Truth\", 0)", L"TRUE"},
-    {L"GetEnv(\"word\", 0)", L"'7 apples'"},
-    {L"5/GetEnv(\"none\", 0)", L"133 Divide by zero @9"},
-    {L"GetEnv(\"none\", 1/0)", L"133 Divide by zero @18"},
-    {L"GetEnv(1, 2)", L"8 Type mismatch @8"},
+    {"count+1", "8.5"},
+    {"abs(COUNT)", "7.5"},
+    {"%E{ count } * 2", "15"},
+    {"%e{Truth}", "TRUE"},
+    {"truth", "TRUE"},
+    {"word", "'7 apples'"},
+    {"hex", "'0x10'"},
+    {"pi", "3"},
+    {"%E{none}", "48 %E{none} @1"},
+    {"1+%E{none}", "48 Missing variable: %E{none} @3"},
+    {"none+1", "48 Missing variable: none @1"},
+    {"GetEnv(\"count\", 1/0)", "7.5"},
+    {"GetEnv(\"Truth\", 0)", "TRUE"},
+    {"GetEnv(\"word\", 0)", "'7 apples'"},
+    {"5/GetEnv(\"none\", 0)", "133 Divide by zero @9"},
+    {"GetEnv(\"none\", 1/0)", "133 Divide by zero @18"},
+    {"GetEnv(1, 2)", "8 Type mismatch @8"},
 };
 
 void TestEnvironment(Bench& bench)
@@ -152,32 +152,32 @@ void TestStatus(TestCommand& test, const Bench& bench)
 }
 
 constexpr Row missing_lc[] = {
-    {L"1 + %s{ SelfTest.None }", L"48 Missing variable: %S{SelfTest.None} @5"},
-    {L"IsNA(%S{SelfTest.None})", L"TRUE"},
-    {L"5/GetStatus(\"SelfTest.None\", 0)", L"133 Divide by zero @12"},
-    {L"GetStatus(\"SelfTest.None\", 1/0)", L"133 Divide by zero @30"},
-    {L"GetStatus(\"SelfTest.None\")", L"118 Status value not found @10"},
-    {L"GetStatus(\"a\", \"b\", \"c\")", L"117 GetStatus requires 1 or 2 parameters @21"},
-    {L"GetStatus(5)", L"8 Type mismatch @11"},
-    {L"-%u{SelfTest.None}", L"48 Missing variable: %U{SelfTest.None} @2"},
-    {L"GetUsage(\"SelfTest.None\")", L"137 Usage value not found @9"},
-    {L"5/GetUsage(\"SelfTest.None\", 0)", L"133 Divide by zero @11"},
-    {L"GetUsage(\"a\", 1, 2)", L"136 GetUsage requires 1 or 2 parameters @18"},
-    {L"GetUsage(true)", L"8 Type mismatch @10"},
-    {L"1+GetEvent(\"SelfTest.None\")", L"512 OS9Event not found @11"},
-    {L"GetEvent(1)", L"8 Type mismatch @10"},
-    {L"FileExist(\"/no/such/file\")", L"FALSE"},
-    {L"Exist(\"/\")", L"TRUE"},
-    {L"1+FileSize(\"/no/such/file\")", L"124 File not found @12"},
-    {L"FileCrc(\"/no/such/file\")", L"124 File not found @9"},
-    {L"FileZynqChecksum(\"/no/such/file\")", L"124 File not found @18"},
-    {L"GetProcId(\"no such command*\")", L"-1"},
-    {L"GetProcId(\"*\", \"no such command line\")", L"-1"},
-    {L"GetProcId(\"*\") > 0", L"TRUE"},
-    {L"IsRunning(\"*\", \"?*\")", L"TRUE"},
-    {L"IsRunning(\"no such command*\")", L"FALSE"},
-    {L"GetProcId(\"a\", \"b\", \"c\")", L"25 GetProcId/IsRunning requires 1 or 2 parameters @21"},
-    {L"IsRunning(\"a\", 1)", L"8 Type mismatch @16"},
+    {"1 + %s{ SelfTest.None }", "48 Missing variable: %S{SelfTest.None} @5"},
+    {"IsNA(%S{SelfTest.None})", "TRUE"},
+    {"5/GetStatus(\"SelfTest.None\", 0)", "133 Divide by zero @12"},
+    {"GetStatus(\"SelfTest.None\", 1/0)", "133 Divide by zero @30"},
+    {"GetStatus(\"SelfTest.None\")", "118 Status value not found @10"},
+    {"GetStatus(\"a\", \"b\", \"c\")", "117 GetStatus requires 1 or 2 parameters @21"},
+    {"GetStatus(5)", "8 Type mismatch @11"},
+    {"-%u{SelfTest.None}", "48 Missing variable: %U{SelfTest.None} @2"},
+    {"GetUsage(\"SelfTest.None\")", "137 Usage value not found @9"},
+    {"5/GetUsage(\"SelfTest.None\", 0)", "133 Divide by zero @11"},
+    {"GetUsage(\"a\", 1, 2)", "136 GetUsage requires 1 or 2 parameters @18"},
+    {"GetUsage(true)", "8 Type mismatch @10"},
+    {"1+GetEvent(\"SelfTest.None\")", "512 OS9Event not found @11"},
+    {"GetEvent(1)", "8 Type mismatch @10"},
+    {"FileExist(\"/no/such/file\")", "FALSE"},
+    {"Exist(\"/\")", "TRUE"},
+    {"1+FileSize(\"/no/such/file\")", "124 File not found @12"},
+    {"FileCrc(\"/no/such/file\")", "124 File not found @9"},
+    {"FileZynqChecksum(\"/no/such/file\")", "124 File not found @18"},
+    {"GetProcId(\"no such command*\")", "-1"},
+    {"GetProcId(\"*\", \"no such command line\")", "-1"},
+    {"GetProcId(\"*\") > 0", "TRUE"},
+    {"IsRunning(\"*\", \"?*\")", "TRUE"},
+    {"IsRunning(\"no such command*\")", "FALSE"},
+    {"GetProcId(\"a\", \"b\", \"c\")", "25 GetProcId/IsRunning requires 1 or 2 parameters @21"},
+    {"IsRunning(\"a\", 1)", "8 Type mismatch @16"},
 };
 
 /// Does something at the end of a scope, however that is left.
@@ -268,14 +268,46 @@ void TestFiles(Bench& bench)
     TestFile(bench, blocks, L"8193 3565777096 3892312062");
 }
 
-constexpr wchar_t section_lc[] = L"SelfTest";
-constexpr wchar_t key_lc[] = L"Value";
+/// A setting of the test's own, in a section that exists, since an empty section would stay in the file.
+class OwnSetting
+{
+public:
+    OwnSetting()
+    {
+        WStringArray sections;
+        System::config.GetSections(sections);
+        const auto isWord = [](const WString& name) {
+            return name.View().find_first_of(L" \t]") == std::wstring::npos;
+        };
+        if (const auto word = std::find_if(sections.begin(), sections.end(), isWord); word != sections.end())
+            section = *word;
+    }
+    /// What has become known of a setting cannot be removed, but the description says what it is.
+    ~OwnSetting()
+    {
+        Remove();
+        System::config.GetMetaData().UpdateStr(section, key, L"of the self-test alone", -1, -1, L"");
+    }
+    OwnSetting(const OwnSetting&) = delete;
+    OwnSetting& operator=(const OwnSetting&) = delete;
+
+    const WString& GetSection() const noexcept { return section; }
+    const WString& GetKey() const noexcept { return key; }
+    void Set(const WString& value) const { System::config.SetString(section, key, value); }
+    void Remove() const { System::config.TryDelete(section, key); }
+    void ForgetDefault() const { System::config.GetMetaData().UpdateStr(section, key, nullptr, 0, 0, L""); }
+    WString DescribeDefault() const;
+
+private:
+    WString section = L"SelfTest";
+    const WString key = L"SelfTest";
+};
 
 /// The type that is registered for the setting, and the default.
-WString DescribeDefault()
+WString OwnSetting::DescribeDefault() const
 {
     ConfigMetaData::Item item;
-    if (!System::config.GetMetaData().TryGet(section_lc, key_lc, item))
+    if (!System::config.GetMetaData().TryGet(section, key, item))
         return L"nothing";
     const bool isText = item.type == ConfigDataType::Str;
     return WString::Format(
@@ -285,110 +317,120 @@ WString DescribeDefault()
 /// The value of a setting, an expression that reads it, and the outcome.
 struct SettingRow
 {
-    const wchar_t* value;
-    const wchar_t* expression;
-    const wchar_t* outcome;
+    const char* value;
+    const char* expression;
+    const char* outcome;
 };
 
 // Without defaults, which would register the key.
 constexpr SettingRow settings_lc[] = {
-    {L"12", L"%C{[ SelfTest ] Value}+0", L"12"},
-    {L"12", L"%c{selftest value}", L"12"},
-    {L"TRUE", L"%C{SelfTest Value}", L"TRUE"},
-    {L"12 apples", L"%C{SelfTest\tValue}", L"'12 apples'"},
-    {L"12", L"GetConfig(\"SelfTest\", \"Value\")", L"12"},
-    {L"4000000000", L"Config(\"SelfTest\", \"Value\")", L"4000000000"},
-    {L"4294967295", L"Config(\"SelfTest\", \"Value\")", L"4294967295"},
-    {L"1e20", L"Config(\"SelfTest\", \"Value\")", L"1e20"},
-    {L"-1e20", L"Config(\"SelfTest\", \"Value\")", L"-1e20"},
-    {L"1.5", L"Config(\"selftest\", \"VALUE\")", L"1.5"},
-    {L"True", L"Config(\"SelfTest\", \"Value\")", L"'True'"},
-    {L"2147483647", L"GetConfigInt(\"SelfTest\", \"Value\")", L"2147483647"},
-    {L"-2147483648", L"GetConfigInt(\"SelfTest\", \"Value\")", L"-2147483648"},
-    {L"2147483648", L"GetConfigInt(\"SelfTest\", \"Value\")", L"140 Cannot convert config value to requested type @13"},
-    {L"4294967295", L"GetConfigUInt(\"SelfTest\", \"Value\")", L"4294967295"},
-    {L"-7", L"GetConfigUInt(\"SelfTest\", \"Value\")", L"140 Cannot convert config value to requested type @14"},
-    {L"1.5", L"GetConfigDbl(\"SelfTest\", \"Value\")", L"1.5"},
-    {L"x", L"GetConfigDbl(\"SelfTest\", \"Value\")", L"140 Cannot convert config value to requested type @13"},
-    {L"12", L"GetConfigStr(\"SelfTest\", \"Value\")", L"'12'"},
-    {L"True", L"GetConfigBool(\"SelfTest\", \"Value\")", L"TRUE"},
-    {L"12", L"GetConfigBool(\"SelfTest\", \"Value\")", L"140 Cannot convert config value to requested type @14"},
-    {L"12", L"-%C{[SelfTest]None}", L"48 Missing variable: %C{[SelfTest]None} @2"},
-    {L"12", L"%C{[SelfTest]}", L"48 %C{[SelfTest]} @1"},
-    {L"12", L"1+GetConfig(\"SelfTest\", \"None\")", L"114 Config value not found @12"},
-    {L"12", L"GetConfigBool(\"SelfTest\", \"None\")", L"114 Config value not found @14"},
-    {L"12", L"Config(\"SelfTest\")", L"113 GetConfig/Config requires 2 or 3 parameters @8"},
-    {L"12", L"GetConfig(\"S\", \"K\", 1, 2)", L"113 GetConfig/Config requires 2 or 3 parameters @24"},
-    {L"12", L"GetConfigInt(\"S\")", L"113 GetConfig<type>/Config<type> requires 2 or 3 parameters @14"},
-    {L"12", L"GetConfigStr(\"S\", \"K\", \"x\", 2)",
-        L"113 GetConfig<type>/Config<type> requires 2 or 3 parameters @29"},
-    {L"12", L"GetConfig(1, \"K\")", L"8 Type mismatch @11"},
-    {L"12", L"GetConfig(\"SelfTest\", \"Value\", 1/0)", L"133 Divide by zero @34"},
-    {L"12", L"GetConfigBool(\"SelfTest\", \"None\", 1)", L"6 Type mismatch @35"},
-    {L"12", L"GetConfigStr(\"SelfTest\", \"Value\", 5)", L"8 Type mismatch @35"},
-    {L"12", L"GetConfigUInt(\"SelfTest\", \"Value\", \"x\")", L"4 Type mismatch @36"},
+    {"12", "GetConfig(section, key)", "12"},
+    {"4000000000", "Config(section, key)", "4000000000"},
+    {"4294967295", "Config(section, key)", "4294967295"},
+    {"1e20", "Config(section, key)", "1e20"},
+    {"-1e20", "Config(section, key)", "-1e20"},
+    {"1.5", "Config(LCase(section), UCase(key))", "1.5"},
+    {"True", "Config(section, key)", "'True'"},
+    {"2147483647", "GetConfigInt(section, key)", "2147483647"},
+    {"-2147483648", "GetConfigInt(section, key)", "-2147483648"},
+    {"2147483648", "GetConfigInt(section, key)", "140 Cannot convert config value to requested type @13"},
+    {"4294967295", "GetConfigUInt(section, key)", "4294967295"},
+    {"-7", "GetConfigUInt(section, key)", "140 Cannot convert config value to requested type @14"},
+    {"1.5", "GetConfigDbl(section, key)", "1.5"},
+    {"x", "GetConfigDbl(section, key)", "140 Cannot convert config value to requested type @13"},
+    {"12", "GetConfigStr(section, key)", "'12'"},
+    {"True", "GetConfigBool(section, key)", "TRUE"},
+    {"12", "GetConfigBool(section, key)", "140 Cannot convert config value to requested type @14"},
+    {"12", "1+GetConfig(section, \"None\")", "114 Config value not found @12"},
+    {"12", "GetConfigBool(section, \"None\")", "114 Config value not found @14"},
+    {"12", "Config(section)", "113 GetConfig/Config requires 2 or 3 parameters @8"},
+    {"12", "GetConfig(\"S\", \"K\", 1, 2)", "113 GetConfig/Config requires 2 or 3 parameters @24"},
+    {"12", "GetConfigInt(\"S\")", "113 GetConfig<type>/Config<type> requires 2 or 3 parameters @14"},
+    {"12", "GetConfigStr(\"S\", \"K\", \"x\", 2)", "113 GetConfig<type>/Config<type> requires 2 or 3 parameters @29"},
+    {"12", "GetConfig(1, \"K\")", "8 Type mismatch @11"},
+    {"12", "GetConfig(section, key, 1/0)", "133 Divide by zero @27"},
+    {"12", "GetConfigBool(section, \"None\", 1)", "6 Type mismatch @32"},
+    {"12", "GetConfigStr(section, key, 5)", "8 Type mismatch @28"},
+    {"12", "GetConfigUInt(section, key, \"x\")", "4 Type mismatch @29"},
 };
 
 /// A function and a default, what the call gives where the key is missing, and what it registers.
 struct DefaultRow
 {
-    const wchar_t* function;
-    const wchar_t* defaultValue;
-    const wchar_t* outcome;
-    const wchar_t* registered;
+    const char* function;
+    const char* defaultValue;
+    const char* outcome;
+    const char* registered;
 };
 
 constexpr DefaultRow defaults_lc[] = {
-    {L"GetConfig", L"1.5", L"1.5", L"3 1.5"},
-    {L"GetConfig", L"3", L"3", L"1 3"},
-    {L"GetConfig", L"-2147483648", L"-2147483648", L"1 -2147483648"},
-    {L"GetConfig", L"-2147483649", L"-2147483649", L"3 -2147483649"},
-    {L"GetConfig", L"2147483648", L"2147483648", L"4 2147483648"},
-    {L"GetConfig", L"4294967295", L"4294967295", L"4 4294967295"},
-    {L"GetConfig", L"4294967296", L"4294967296", L"3 4294967296"},
-    {L"Config", L"\"xyz\"", L"'xyz'", L"2 xyz"},
-    {L"Config", L"1>2", L"FALSE", L"6 0"},
-    {L"GetConfigInt", L"-7.9", L"-7", L"1 -7"},
-    {L"GetConfigInt", L"1e300", L"2147483647", L"1 2147483647"},
-    {L"GetConfigUInt", L"-7", L"0", L"4 0"},
-    {L"GetConfigDbl", L"\"0x10\"", L"16", L"3 16"},
-    {L"GetConfigStr", L"\"\"", L"''", L"2 "},
-    {L"GetConfigBool", L"true", L"TRUE", L"6 1"},
+    {"GetConfig", "1.5", "1.5", "3 1.5"},
+    {"GetConfig", "3", "3", "1 3"},
+    {"GetConfig", "-2147483648", "-2147483648", "1 -2147483648"},
+    {"GetConfig", "-2147483649", "-2147483649", "3 -2147483649"},
+    {"GetConfig", "2147483648", "2147483648", "4 2147483648"},
+    {"GetConfig", "4294967295", "4294967295", "4 4294967295"},
+    {"GetConfig", "4294967296", "4294967296", "3 4294967296"},
+    {"Config", "\"xyz\"", "'xyz'", "2 xyz"},
+    {"Config", "1>2", "FALSE", "6 0"},
+    {"GetConfigInt", "-7.9", "-7", "1 -7"},
+    {"GetConfigInt", "1e300", "2147483647", "1 2147483647"},
+    {"GetConfigUInt", "-7", "0", "4 0"},
+    {"GetConfigDbl", "\"0x10\"", "16", "3 16"},
+    {"GetConfigStr", "\"\"", "''", "2 "},
+    {"GetConfigBool", "true", "TRUE", "6 1"},
 };
 
-void TestDefaults(TestCommand& test, const Bench& bench)
+void TestDefaults(TestCommand& test, const Bench& bench, const OwnSetting& setting)
 {
     for (const DefaultRow& row : defaults_lc)
         for (const bool exists : {false, true}) {
-            const WString call = WString::Format(L"%s(\"SelfTest\", \"Value\", %s)", row.function, row.defaultValue);
-            System::config.TryDelete(section_lc, key_lc);
-            System::config.GetMetaData().UpdateStr(section_lc, key_lc, nullptr, 0, 0, L"");
+            const WString call = WString::Format(
+                L"%s(section, key, %s)", WString::FromUtf8(row.function), WString::FromUtf8(row.defaultValue));
+            setting.Remove();
+            setting.ForgetDefault();
             if (exists)
-                System::config.SetString(section_lc, key_lc, L"12");
+                setting.Set(L"12");
             const WString outcome = bench.Outcome(call);
             if (!exists)
-                Assertion::AreEqual(test, row.outcome, outcome, call);
-            Assertion::AreEqual(test, row.registered, DescribeDefault(), L"What is registered by " + call);
+                Assertion::AreEqual(test, WString::FromUtf8(row.outcome), outcome, call);
+            Assertion::AreEqual(
+                test, WString::FromUtf8(row.registered), setting.DescribeDefault(), L"What is registered by " + call);
         }
-    System::config.SetString(section_lc, key_lc, L"true");
-    bench.Check(L"GetConfig(\"SelfTest\", \"Value\", false)", L"TRUE");
-    bench.Check(L"GetConfig(\"SelfTest\", \"Value\", 1)", L"140 Cannot convert config value to requested type @10");
-    System::config.TryDelete(section_lc, key_lc);
-    bench.Check(L"5/GetConfig(\"SelfTest\", \"Value\", 0)", L"133 Divide by zero @12");
+    setting.Set(L"true");
+    bench.Check(L"GetConfig(section, key, false)", L"TRUE");
+    bench.Check(L"GetConfig(section, key, 1)", L"140 Cannot convert config value to requested type @10");
+    setting.Remove();
+    bench.Check(L"5/GetConfig(section, key, 0)", L"133 Divide by zero @12");
 }
 
-void TestConfig(TestCommand& test, const Bench& bench)
+void TestConfigReferences(const Bench& bench, const OwnSetting& setting)
 {
-    // What has become known of a setting cannot be removed.
-    const AtEnd removal([] {
-        System::config.TryDelete(section_lc, key_lc);
-        System::config.GetMetaData().UpdateStr(section_lc, key_lc, L"used by the self-test alone", -1, -1, L"");
-    });
+    const WString blank = L" ";
+    const WString& section = setting.GetSection();
+    const WString& key = setting.GetKey();
+    setting.Set(L"12");
+    bench.Check(L"%C{[ " + section + L" ] " + key + L" }+0", L"12");
+    bench.Check(L"%c{ " + section.ToLowerCase() + L"\t" + key + L"}*2", L"24");
+    bench.Check(L"-%C{[" + section + L"]None}", L"48 Missing variable: %C{[" + section + L"]None} @2");
+    bench.Check(L"%C{[" + section + L"]}", L"48 %C{[" + section + L"]} @1");
+    setting.Set(L"TRUE");
+    bench.Check(L"%C{" + section + blank + key + L"}", L"TRUE");
+    setting.Set(L"12 apples");
+    bench.Check(L"%C{" + section + blank + key + L"}", L"'12 apples'");
+}
+
+void TestConfig(TestCommand& test, Bench& bench)
+{
+    const OwnSetting setting;
+    bench.Set(L"section", setting.GetSection());
+    bench.Set(L"key", setting.GetKey());
     for (const SettingRow& row : settings_lc) {
-        System::config.SetString(section_lc, key_lc, row.value);
-        bench.Check(row.expression, row.outcome);
+        setting.Set(WString::FromUtf8(row.value));
+        bench.Check(WString::FromUtf8(row.expression), WString::FromUtf8(row.outcome));
     }
-    TestDefaults(test, bench);
+    TestConfigReferences(bench, setting);
+    TestDefaults(test, bench, setting);
 }
 } // namespace
 

@@ -105,10 +105,10 @@ WString CarriedError(const EEToken& token)
 struct TokenRow
 {
     EEToken token;
-    const wchar_t* conversions;
-    const wchar_t* values;
-    const wchar_t* state;
-    const wchar_t* carried;
+    const char* conversions;
+    const char* values;
+    const char* state;
+    const char* carried;
 };
 
 void TestTokens(TestCommand& test)
@@ -128,55 +128,56 @@ void TestTokens(TestCommand& test)
     const EEToken foreign = OperandAfter([](EEToken& token) { token.SetException(911, L"1043:505:133"); });
     const EEToken unknown = OperandAfter([](EEToken& token) { token.SetException(911, L"other"); });
     const TokenRow rows[] = {
-        {literal, L"1.5 1.5 #6 #8 1.50 1.5 false", L"1 1.5 1 0 0 0 []",
-            L"Type: TT_OPERAND, DataType: DT_NUM, Value: 1.50 @7 code 0", L"none"},
-        {Operand(0.0), L"0 0 #6 #8 0 0 true", L"1 0 0 0 0 0 []",
-            L"Type: TT_OPERAND, DataType: DT_NUM, Value: 0 @7 code 0", L"none"},
-        {Operand(-2.22e-15), L"-2.22e-15 -2.22e-15 #6 #8 -2.22e-15 -2.22e-15 true", L"1 -2.22e-15 0 0 0 0 []",
-            L"Type: TT_OPERAND, DataType: DT_NUM, Value: -2.22e-15 @7 code 0", L"none"},
-        {Operand(2.23e-15), L"2.23e-15 2.23e-15 #6 #8 2.23e-15 2.23e-15 false", L"1 2.23e-15 0 0 0 0 []",
-            L"Type: TT_OPERAND, DataType: DT_NUM, Value: 2.23e-15 @7 code 0", L"none"},
-        {Operand(infinity_lc), L"#149 #2 #6 #8 inf - false", L"1 inf 0 0 0 0 []",
-            L"Type: TT_OPERAND, DataType: DT_NUM, Value: inf @7 code 0", L"none"},
-        {Operand(notANumber_lc), L"#150 #2 #6 #8 nan - false", L"1 nan 0 0 0 0 []",
-            L"Type: TT_OPERAND, DataType: DT_NUM, Value: nan @7 code 0", L"none"},
-        {Operand(true), L"#143 1 true #8 TRUE 1 true", L"0 1 0 1 1 0 []",
-            L"Type: TT_OPERAND, DataType: DT_BOOL, Value: TRUE @7 code 0", L"none"},
-        {Operand(false), L"#143 0 false #8 FALSE 0 false", L"0 1 0 1 0 0 []",
-            L"Type: TT_OPERAND, DataType: DT_BOOL, Value: FALSE @7 code 0", L"none"},
-        {Operand(L"fF"), L"255 255 #6 fF fF 255 -", L"0 1 1 0 0 1 [fF]",
-            L"Type: TT_OPERAND, DataType: DT_STR, Value: fF @7 code 0", L"none"},
-        {Operand(L"0xFFFFFFFF"), L"4294967295 4294967295 #6 0xFFFFFFFF 0xFFFFFFFF 4294967295 -",
-            L"0 1 1 0 0 1 [0xFFFFFFFF]", L"Type: TT_OPERAND, DataType: DT_STR, Value: 0xFFFFFFFF @7 code 0", L"none"},
-        {Operand(L"False"), L"#4 #2 #6 False False - false", L"0 1 1 0 0 1 [False]",
-            L"Type: TT_OPERAND, DataType: DT_STR, Value: False @7 code 0", L"none"},
-        {numberOrText, L"#4 #2 #6 #8 #8 - -", L"0 1 1 0 0 0 []",
-            L"Type: TT_OPERAND, DataType: DT_NUMSTR, Value: x @7 code 0", L"none"},
-        {na, L"#0 #0 #0 #0 #0 - - NA", L"0 1 1 0 0 0 []", L"Type: TT_OPERAND, DataType: DT_NONE, Value: #NA @7 code 0",
-            L"none"},
-        {typeError, L"#0 #0 #0 #0 #0 - -", L"0 1 1 0 0 0 []",
-            L"Type: TT_OPERAND, DataType: DT_ERR (missingVar=0), Value: #TYPE @7 code 0", L"0:505:123 #TYPE @7"},
-        {missing, L"#48 #0 #48 #48 #48 - - NA", L"0 1 1 0 0 0 []",
-            L"Type: TT_OPERAND, DataType: DT_ERR (missingVar=1), Value: kaka @7 code 0", L"0:505:48 kaka @7"},
-        {thrown, L"#133 #133 #133 #133 #133 - -", L"0 1 1 0 0 0 []",
-            L"Type: TT_OPERAND, DataType: DT_ERR (missingVar=0), Value: Divide by zero @3 code 133",
-            L"0:505:133 Divide by zero @3"},
-        {placeless, L"#146 #146 #146 #146 #146 - -", L"0 1 1 0 0 0 []",
-            L"Type: TT_OPERAND, DataType: DT_ERR (missingVar=0), Value: Invalid @7 code 146", L"0:505:146 Invalid @7"},
-        {foreign, L"#911 #911 #911 #911 #911 - -", L"0 1 1 0 0 0 []",
-            L"Type: TT_OPERAND, DataType: DT_ERR (missingVar=0), Value: 1043:505:133 @7 code 911",
-            L"1043:505:133 #Error: 1043:505:133 @7"},
-        {unknown, L"#911 #911 #911 #911 #911 - -", L"0 1 1 0 0 0 []",
-            L"Type: TT_OPERAND, DataType: DT_ERR (missingVar=0), Value: other @7 code 911",
-            L"0:505:911 #Error: other @7"},
-        {EEToken(4, L'+', 7), L"#0 #0 #0 #0 #0 - - NA", L"0 1 1 0 0 0 []",
-            L"Type: TT_BINARYOP, DataType: DT_NONE, + @7 code 0", L"none"},
+        {literal, "1.5 1.5 #6 #8 1.50 1.5 false", "1 1.5 1 0 0 0 []",
+            "Type: TT_OPERAND, DataType: DT_NUM, Value: 1.50 @7 code 0", "none"},
+        {Operand(0.0), "0 0 #6 #8 0 0 true", "1 0 0 0 0 0 []", "Type: TT_OPERAND, DataType: DT_NUM, Value: 0 @7 code 0",
+            "none"},
+        {Operand(-2.22e-15), "-2.22e-15 -2.22e-15 #6 #8 -2.22e-15 -2.22e-15 true", "1 -2.22e-15 0 0 0 0 []",
+            "Type: TT_OPERAND, DataType: DT_NUM, Value: -2.22e-15 @7 code 0", "none"},
+        {Operand(2.23e-15), "2.23e-15 2.23e-15 #6 #8 2.23e-15 2.23e-15 false", "1 2.23e-15 0 0 0 0 []",
+            "Type: TT_OPERAND, DataType: DT_NUM, Value: 2.23e-15 @7 code 0", "none"},
+        {Operand(infinity_lc), "#149 #2 #6 #8 inf - false", "1 inf 0 0 0 0 []",
+            "Type: TT_OPERAND, DataType: DT_NUM, Value: inf @7 code 0", "none"},
+        {Operand(notANumber_lc), "#150 #2 #6 #8 nan - false", "1 nan 0 0 0 0 []",
+            "Type: TT_OPERAND, DataType: DT_NUM, Value: nan @7 code 0", "none"},
+        {Operand(true), "#143 1 true #8 TRUE 1 true", "0 1 0 1 1 0 []",
+            "Type: TT_OPERAND, DataType: DT_BOOL, Value: TRUE @7 code 0", "none"},
+        {Operand(false), "#143 0 false #8 FALSE 0 false", "0 1 0 1 0 0 []",
+            "Type: TT_OPERAND, DataType: DT_BOOL, Value: FALSE @7 code 0", "none"},
+        {Operand(L"fF"), "255 255 #6 fF fF 255 -", "0 1 1 0 0 1 [fF]",
+            "Type: TT_OPERAND, DataType: DT_STR, Value: fF @7 code 0", "none"},
+        {Operand(L"0xFFFFFFFF"), "4294967295 4294967295 #6 0xFFFFFFFF 0xFFFFFFFF 4294967295 -",
+            "0 1 1 0 0 1 [0xFFFFFFFF]", "Type: TT_OPERAND, DataType: DT_STR, Value: 0xFFFFFFFF @7 code 0", "none"},
+        {Operand(L"False"), "#4 #2 #6 False False - false", "0 1 1 0 0 1 [False]",
+            "Type: TT_OPERAND, DataType: DT_STR, Value: False @7 code 0", "none"},
+        {numberOrText, "#4 #2 #6 #8 #8 - -", "0 1 1 0 0 0 []",
+            "Type: TT_OPERAND, DataType: DT_NUMSTR, Value: x @7 code 0", "none"},
+        {na, "#0 #0 #0 #0 #0 - - NA", "0 1 1 0 0 0 []", "Type: TT_OPERAND, DataType: DT_NONE, Value: #NA @7 code 0",
+            "none"},
+        {typeError, "#0 #0 #0 #0 #0 - -", "0 1 1 0 0 0 []",
+            "Type: TT_OPERAND, DataType: DT_ERR (missingVar=0), Value: #TYPE @7 code 0", "0:505:123 #TYPE @7"},
+        {missing, "#48 #0 #48 #48 #48 - - NA", "0 1 1 0 0 0 []",
+            "Type: TT_OPERAND, DataType: DT_ERR (missingVar=1), Value: kaka @7 code 0", "0:505:48 kaka @7"},
+        {thrown, "#133 #133 #133 #133 #133 - -", "0 1 1 0 0 0 []",
+            "Type: TT_OPERAND, DataType: DT_ERR (missingVar=0), Value: Divide by zero @3 code 133",
+            "0:505:133 Divide by zero @3"},
+        {placeless, "#146 #146 #146 #146 #146 - -", "0 1 1 0 0 0 []",
+            "Type: TT_OPERAND, DataType: DT_ERR (missingVar=0), Value: Invalid @7 code 146", "0:505:146 Invalid @7"},
+        {foreign, "#911 #911 #911 #911 #911 - -", "0 1 1 0 0 0 []",
+            "Type: TT_OPERAND, DataType: DT_ERR (missingVar=0), Value: 1043:505:133 @7 code 911",
+            "1043:505:133 #Error: 1043:505:133 @7"},
+        {unknown, "#911 #911 #911 #911 #911 - -", "0 1 1 0 0 0 []",
+            "Type: TT_OPERAND, DataType: DT_ERR (missingVar=0), Value: other @7 code 911",
+            "0:505:911 #Error: other @7"},
+        {EEToken(4, L'+', 7), "#0 #0 #0 #0 #0 - - NA", "0 1 1 0 0 0 []",
+            "Type: TT_BINARYOP, DataType: DT_NONE, + @7 code 0", "none"},
     };
     for (const TokenRow& row : rows) {
-        Assertion::AreEqual(test, row.conversions, Conversions(row.token), row.state);
-        Assertion::AreEqual(test, row.values, Values(row.token), row.state);
-        Assertion::AreEqual(test, row.state, State(row.token), L"State of a token");
-        Assertion::AreEqual(test, row.carried, CarriedError(row.token), row.state);
+        const WString state = WString::FromUtf8(row.state);
+        Assertion::AreEqual(test, state, State(row.token), L"State of a token");
+        Assertion::AreEqual(test, WString::FromUtf8(row.conversions), Conversions(row.token), state);
+        Assertion::AreEqual(test, WString::FromUtf8(row.values), Values(row.token), state);
+        Assertion::AreEqual(test, WString::FromUtf8(row.carried), CarriedError(row.token), state);
     }
 }
 
