@@ -3,6 +3,20 @@
 #include "ExpressionEvaluatorFunctions.h"
 #include "OperatorTable.h"
 
+#include <exception>
+
+/// A title is a format, as every line of the help is. The caller's text may be none; it is then written as it stands.
+static void WriteTitle(Pipe& pipe, const WString& title)
+{
+    WString line;
+    try {
+        line = WString::Format(title.ToCString());
+    } catch (const std::exception&) {
+        line = title;
+    }
+    pipe.DoWriteLine(line);
+}
+
 static void Flush(Pipe& pipe, WString& line)
 {
     if (line.IsEmpty())
@@ -57,9 +71,9 @@ void ExpressionEvaluator::GetSupportedFunctions(WStringArray& out)
 void ExpressionEvaluator::DisplaySupportedOperatorsAndFunctionsHelpText(
     Pipe& pipe, bool environment, const WString& operatorsTitle, const WString& functionsTitle)
 {
-    pipe.DoWriteLine(operatorsTitle);
+    WriteTitle(pipe, operatorsTitle);
     WriteOperators(pipe);
-    pipe.DoWriteLine(functionsTitle);
+    WriteTitle(pipe, functionsTitle);
     WriteFunctions(pipe);
     pipe.WriteLine(L"Run: \"CALC -help\" for a description of the expression evaluator and");
     pipe.WriteLine(L" the supported functions.");
