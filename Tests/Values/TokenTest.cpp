@@ -166,7 +166,7 @@ TEST(TokenTest, CarriedErrorsAsExceptionAndAsExitCode)
     numberedMissing.SetMissingVariable(L"kaka");
     const std::tuple<EEToken, const char*, const char*> cases[] = {{Operand(L""), "nothing", "1:2:3 as before @99"},
         {na_lc, "0 #NA @7", "1:2:3 as before @99"}, {plus_lc, "0 + @7", "1:2:3 as before @99"},
-        {error_lc, "133 Divide by %t @7", "0:505:133 Divide by %t @7"},
+        {error_lc, "133 Divide by Divide by %t @7", "0:505:133 Divide by %t @7"},
         {typeError_lc, "0 #TYPE @7", "0:505:123 #TYPE @7"},
         {missing_lc, "missing kaka: 48 Missing variable: kaka @7", "0:505:48 kaka @7"},
         {numberedMissing, "missing kaka: 48 Missing variable: kaka @7", "0:505:133 kaka @7"},

@@ -10,6 +10,15 @@ int GetDebugObjectCountExpressionEvaluator_EEToken()
     return EEToken::liveCount;
 }
 
+EEToken& EEToken::operator=(EEToken* other)
+{
+    if (other)
+        return *this = *other;
+    *this = EEToken();
+    SetNA();
+    return *this;
+}
+
 void EEToken::SetToken(int newType, const wchar_t* newText)
 {
     SetType(newType);
@@ -123,7 +132,7 @@ void EEToken::RethrowError() const
         return;
     if (missingVariable)
         throw EEMissingVariableException(text, position);
-    throw ExpressionEvaluatorException(errorCode, text, position);
+    throw ExpressionEvaluatorException(errorCode, text.ToCString(), this, position);
 }
 
 bool EEToken::TryGetErrorMessage(ExitCode& code, WString& message, int& errorPosition) const

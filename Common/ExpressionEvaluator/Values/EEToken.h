@@ -6,7 +6,14 @@
 #include "Text/ExitCode.h"
 #include "Text/WString.h"
 
+#include <concepts>
+#include <type_traits>
+
 class ExpressionEvaluatorException;
+
+/// A pointer to anything but wide text, which would silently be taken for a boolean where a value is expected.
+template <typename T>
+concept NoValuePointer = std::is_pointer_v<T> && !std::convertible_to<T, const wchar_t*>;
 
 /// What a token is in an expression.
 enum TokenType : int
@@ -49,7 +56,7 @@ public:
     ~EEToken() override = default;
     EEToken& operator=(const EEToken& other) = default;
     EEToken& operator=(EEToken&& other) noexcept = default;
-    EEToken& operator=(EEToken* other) { return *this = *other; }
+    EEToken& operator=(EEToken* other); // NA for a null pointer
 
     // Setters leave every field that they do not name as it is.
 
@@ -57,12 +64,14 @@ public:
     void SetToken(int newType, wchar_t ch); // an empty text for 0
     void SetType(int newType) noexcept;
     void SetNoPrm(int count) noexcept { dataType = count; } // the parameter count of a function token
-    void SetText(const wchar_t* newText, std::size_t length) { text.Assign(newText, length); }
+    void SetText(const wchar_t* newText, std::size_t length) { text.Assign(newText, newText ? length : 0); }
     void SetPosition(int newPosition) noexcept { position = newPosition; }
     void SetValue(const WString& value);
     void SetValue(const wchar_t* value);
     void SetValue(double value); // the text is emptied, so that the number prints from its value
     void SetValue(bool value);
+    template <NoValuePointer T>
+    void SetValue(T value) = delete;
     /// Becomes its text (see GetWString with conversion) followed by `more`; throws as that does.
     void AppendText(const WString& more);
     void SetNA();
@@ -119,7 +128,8 @@ public:
     /// Type, data type and value, for logs.
     WString GetDumpString() const;
 
-    /// Throws the error that the token carries; returns when it holds a value.
+    /// Throws the error that the token carries; returns when it holds a value. Every "%t" of the message, in any case,
+    /// becomes the message, once: what is put in is not looked at again.
     void RethrowError() const;
     /// False, and nothing written, unless the token is an error; else its exit code, message and position.
     bool TryGetErrorMessage(ExitCode& code, WString& message, int& errorPosition) const;

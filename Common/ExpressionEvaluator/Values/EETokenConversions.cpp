@@ -102,7 +102,7 @@ double EEToken::ToNumber() const
         return value;
     if (IsValued())
         throw ExpressionEvaluatorException(Errors::ToNumberMismatch, position);
-    throw ExpressionEvaluatorException(errorCode, text, position);
+    throw ExpressionEvaluatorException(errorCode, text.ToCString(), this, position);
 }
 
 int EEToken::GetInteger(int min, int max) const

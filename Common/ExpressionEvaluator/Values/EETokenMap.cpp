@@ -24,6 +24,13 @@ EETokenMap::EETokenMap(int bucketCount) : variables(static_cast<unsigned int>(st
     defaultToken.SetNA();
 }
 
+void EETokenMap::SetVariable(const wchar_t* name, EEToken* token)
+{
+    EEToken value;
+    value = token;
+    SetVariable(name, value);
+}
+
 void EETokenMap::SetVariable(const wchar_t* name, EEToken& token)
 {
     const auto stored = std::make_shared<EEToken>(token);
@@ -51,7 +58,7 @@ void EETokenMap::SetVariable(const wchar_t* name, bool value)
 
 EEToken* EETokenMap::GetVariable(const wchar_t* name)
 {
-    Object* found = variables.GetObjectOrNull(name);
+    Object* found = variables.GetObjectOrNull(name ? name : L"");
     return found ? static_cast<EEToken*>(found) : &defaultToken;
 }
 

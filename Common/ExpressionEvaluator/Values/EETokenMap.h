@@ -15,12 +15,16 @@ public:
     EETokenMap(const EETokenMap&) = delete;
     EETokenMap& operator=(const EETokenMap&) = delete;
 
-    /// Stores a copy of the token, without its error code and missing-variable mark.
-    void SetVariable(const wchar_t* name, EEToken* token) { SetVariable(name, *token); }
+    // A null name is the empty one.
+
+    /// Stores a copy of the token, without its error code and missing-variable mark; NA for a null pointer.
+    void SetVariable(const wchar_t* name, EEToken* token);
     void SetVariable(const wchar_t* name, EEToken& token);
     void SetVariable(const wchar_t* name, const wchar_t* value);
     void SetVariable(const wchar_t* name, double value);
     void SetVariable(const wchar_t* name, bool value);
+    template <NoValuePointer T>
+    void SetVariable(const wchar_t* name, T value) = delete;
 
     /// The stored token, or the default token "#NA"; never null, owned by the map.
     EEToken* GetVariable(const wchar_t* name);

@@ -9,7 +9,7 @@
 namespace {
 [[gnu::noinline]] void WriteLog(const wchar_t* operation, const EEToken& token)
 {
-    eeLog_gb.WriteLine(L"%s: %s", operation, token.GetDumpString());
+    WriteEvaluatorLog([&] { return WString::Format(L"%s: %s", operation, token.GetDumpString()); });
 }
 
 /// Small, so that a log which is off costs each operation no more than the question.
@@ -36,8 +36,11 @@ void RequireToken(const LinkedList<EEToken>& list)
 }
 } // namespace
 
-EETokenStack::EETokenStack(EETokenStack* other) : popped(other->popped)
+EETokenStack::EETokenStack(EETokenStack* other)
 {
+    if (!other)
+        return;
+    popped = other->popped;
     for (const auto* node = other->list.GetHead(); node; node = node->next)
         list.AddTail(node->value);
 }
@@ -52,6 +55,20 @@ void EETokenStack::Push(EEToken&& token) const
 {
     Log(L"Push", token);
     list.AddHead(std::move(token));
+}
+
+void EETokenStack::Push(EEToken* token) const
+{
+    EEToken copy;
+    copy = token;
+    Push(std::move(copy));
+}
+
+void EETokenStack::Put(EEToken* token) const
+{
+    EEToken copy;
+    copy = token;
+    Put(std::move(copy));
 }
 
 void EETokenStack::Put(const EEToken& token) const

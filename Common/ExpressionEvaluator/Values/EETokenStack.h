@@ -11,16 +11,16 @@ class EE_API EETokenStack
 {
 public:
     EETokenStack() = default;
-    /// A copy of the tokens of `other` and of its popped token.
+    /// A copy of the tokens of `other` and of its popped token; empty for a null pointer.
     explicit EETokenStack(EETokenStack* other);
     virtual ~EETokenStack() = default;
 
     void Push(EEToken& token) const; // on top
     void Push(EEToken&& token) const;
-    void Push(EEToken* token) const { Push(*token); }
+    void Push(EEToken* token) const;      // NA for a null pointer
     void Put(const EEToken& token) const; // at the bottom
     void Put(EEToken&& token) const;
-    void Put(EEToken* token) const { Put(*token); }
+    void Put(EEToken* token) const; // NA for a null pointer
 
     /// Removes the top token and returns it, in a slot that the next Pop of this stack overwrites. Throws
     /// ExpressionEvaluatorException 9 on an empty stack.

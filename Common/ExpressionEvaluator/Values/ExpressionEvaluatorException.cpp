@@ -14,7 +14,8 @@ ExpressionEvaluatorException::ExpressionEvaluatorException(
     unsigned int code, const wchar_t* message, const EEToken* token, int position)
     : code(code), message(message), position(position)
 {
-    this->message.Replace(L"%t", token->ToString(), true);
+    if (token)
+        this->message.Replace(L"%t", token->ToString(), true);
 }
 
 void CheckAndThrowExitCode(const ExitCode& code)

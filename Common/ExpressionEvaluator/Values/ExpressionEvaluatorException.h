@@ -22,7 +22,7 @@ public:
     ExpressionEvaluatorException(const EvaluatorError& error, int position)
         : ExpressionEvaluatorException(error.number, error.message, position)
     {}
-    /// Every "%t" of the message becomes the token's text.
+    /// Every "%t" of the message, in any case, becomes the token's text; a null token leaves it.
     ExpressionEvaluatorException(unsigned int code, const wchar_t* message, const EEToken* token, int position);
 
     unsigned int GetCode() const noexcept { return code; }
