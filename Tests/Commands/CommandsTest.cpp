@@ -114,6 +114,18 @@ TEST_F(CommandTest, AnAbortEndsRetriesAndLoops)
     System::status.AddLive(L"AbortNow", ST_Bool, [] { return L"false"; });
 }
 
+TEST_F(CommandTest, HostFailuresAreReportedWithTheirReason)
+{
+    const std::string reason = " File error: /: Is a directory";
+    EXPECT_EQ(Run("Calc FileSize(\"/\")"),
+        "Error:\n  #Error: 0:1:10\n  FileSize(\"/\")\n          ^\nexit 1043:1:10" + reason);
+    EXPECT_EQ(Run("Log"), "1043:1:10   " + reason);
+    EXPECT_EQ(Run("Set x=FileSize(\"/\")"), "exit 1045:1:10" + reason);
+    EXPECT_EQ(Run("Log"), "1045:1:10   " + reason);
+    Run("Calc FileSize(\"/\")", CommandFlags::noFailureLog);
+    EXPECT_EQ(Run("Log"), "");
+}
+
 TEST_F(CommandTest, SelfTestPasses)
 {
     TestCommand test(environment);

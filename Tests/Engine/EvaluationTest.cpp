@@ -1,5 +1,8 @@
+#include "ExpressionEvaluatorFunctions.h"
 #include "Support/Expressions.h"
+#include "Support/HostTexts.h"
 #include "Support/Tokens.h"
+#include "Text/Abort.h"
 
 namespace {
 std::string EvaluateTokens(std::initializer_list<EEToken> tokens)
@@ -34,4 +37,33 @@ TEST(Evaluation, PostfixThatNoExpressionGives)
         << "a token of another type and no single character is skipped";
     EXPECT_EQ(EvaluateTokens({call, one}), "14 Internal Error, EvaluatePostfixSubExpr expected TT_FUNCOP @4");
     EXPECT_EQ(EvaluateTokens({call, one, two, function}), "126 Unexpected token encountered @3");
+}
+
+TEST(Evaluation, CallsNestUpTo200LevelsInAnyPostfix)
+{
+    EETokenStack postfix;
+    for (int position = 1; position <= 300000; ++position)
+        postfix.Put(EEToken(TT_PRMLIST, L'|', position));
+    ExpressionEvaluator evaluator(nullptr, 0);
+    EEToken result;
+    EXPECT_FALSE(evaluator.EvaluatePostfixExpr(result, postfix));
+    EXPECT_EQ(DescribeError(evaluator), "513 Expression is nested too deeply @201");
+    EXPECT_EQ(Outcome(evaluator, "abs(-1)"), "1") << "the levels have been given back";
+}
+
+TEST(Evaluation, LoopsOverTokensNoticeAnAbort)
+{
+    const std::string many = "1" + Repeat("+1", 1000);
+    EETokenStack postfix;
+    ExpressionEvaluator evaluator(nullptr, 0);
+    ASSERT_TRUE(evaluator.Infix2Postfix(WString::FromUtf8(many), postfix));
+    Abort::Request();
+    EEToken result;
+    EXPECT_EQ(GetThrown([&] { evaluator.EvaluatePostfixExpr(result, postfix); }), "0:1:4 Aborted");
+    EXPECT_EQ(Outcome(evaluator, many), "0:1:4 Aborted @0");
+    EETokenStack numbers;
+    numbers.Put(Operand(1.0));
+    for (const wchar_t* function : {L"Sum", L"Max", L"Min", L"Median", L"StrCat"})
+        EXPECT_EQ(GetThrown([&] { fnTable_gb.Evaluate(result, function, numbers, nullptr); }), "0:1:4 Aborted");
+    Abort::Clear();
 }

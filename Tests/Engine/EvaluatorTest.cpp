@@ -1,5 +1,6 @@
 #include "Services/ObjectCounters.h"
 #include "Support/Expressions.h"
+#include "Support/HostTexts.h"
 #include "Support/ThrownError.h"
 
 #include <map>
@@ -104,6 +105,27 @@ TEST(Evaluator, MissingVariableName)
     Outcome(evaluator, "1+%S{No.Such}");
     EXPECT_TRUE(evaluator.TryGetMissingVariableName(name));
     EXPECT_EQ(name, L"%S{No.Such}");
+    for (const char* whole : {"%S{zz}", "IF(true,%S{zz},0)"}) {
+        Outcome(evaluator, whole);
+        EXPECT_TRUE(evaluator.TryGetMissingVariableName(name) && name == L"%S{zz}") << whole;
+    }
+}
+
+TEST(Evaluator, TextsThatGetTooLongAreNoErrorOfTheTrace)
+{
+    ExpressionEvaluator evaluator(nullptr, EvaluatorFlags::traceVariables);
+    evaluator.SetVariable(L"n", WString(1u << 20, L'n'));
+    bool holds = false;
+    EXPECT_TRUE(evaluator.TryEvaluateBool(L"1=1" + WString::FromUtf8(Repeat(" and n<>\"\"", 20)), holds) && holds);
+    EXPECT_EQ(evaluator.GetVariableTrace().Length(), 15 * ((1u << 20) + 3) - 1);
+    evaluator.ClearVariableTrace();
+    EXPECT_EQ(Outcome(evaluator, "IF(1=1,pi,n)+0"), "3.14159265358979");
+    EXPECT_GT(evaluator.GetVariableTrace().Length(), 1u << 20) << "it collects anew";
+
+    const WString longest = L"1+%C{" + WString((1u << 24) - 6, L'n') + L"}";
+    EEToken result;
+    EXPECT_FALSE(evaluator.TryEvaluate(longest, result));
+    EXPECT_EQ(DescribeError(evaluator), "0:1:12 #Error: 0:1:12 @16777216");
 }
 
 TEST(Evaluator, VariablesPersistUntilCleared)

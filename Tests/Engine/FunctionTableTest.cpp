@@ -15,7 +15,19 @@ TEST(FunctionTable, ErrorsThatNoExpressionReaches)
     };
     EXPECT_EQ(call(L"SQRT"), "116 sqrt requires 1 parameter @7");
     EXPECT_EQ(call(L"noSuch"), "200 Unknown function noSuch @0");
+    EXPECT_EQ(call(nullptr), "200 Unknown function  @0");
+    EXPECT_FALSE(fnTable_gb.IsFunction(nullptr, nullptr));
     EEFunction bare(L"bare", 1);
     EXPECT_EQ(ThrownBy([&] { bare.Evaluate(result, arguments, nullptr); }),
         "144 Incorrect function Evaluate overload function is invoked @3");
+}
+
+TEST(FunctionTable, GetEnvWithoutAnEvaluatorGivesItsDefault)
+{
+    EETokenStack arguments;
+    arguments.Put(Operand(L"name"));
+    arguments.Put(Operand(4.0));
+    EEToken result;
+    fnTable_gb.Evaluate(result, L"GetEnv", arguments, nullptr);
+    EXPECT_EQ(result.ToString(), L"4");
 }

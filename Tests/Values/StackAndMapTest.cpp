@@ -1,8 +1,10 @@
 #include "EETokenMap.h"
 #include "EETokenStack.h"
 #include "EvaluatorLog.h"
+#include "ExpressionEvaluator.h"
 #include "Instrument/System.h"
 #include "Support/ChildProcess.h"
+#include "Support/Expressions.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/ThrownError.h"
 #include "Support/Tokens.h"
@@ -138,6 +140,61 @@ TEST(MapTest, FindsCopiesInAnyCase)
     EXPECT_TRUE(!map.GetVariable(L"y", text, nullptr) && text == L"#NA");
     map.Clear();
     EXPECT_EQ(find(L"number"), "0 #NA; ");
+}
+
+// What is no value of the language is refused when it is compiled: a narrow text would be stored as TRUE.
+template <typename Value>
+concept Settable = requires(ExpressionEvaluator& evaluator, EETokenMap& map, EEToken& token, Value value)
+{
+    evaluator.SetVariable(L"x", value);
+    map.SetVariable(L"x", value);
+    token.SetValue(value);
+};
+template <typename Value>
+concept SettableSomewhere = requires(ExpressionEvaluator& evaluator, Value value)
+{
+    evaluator.SetVariable(L"x", value);
+}
+|| requires(EETokenMap& map, Value value)
+{
+    map.SetVariable(L"x", value);
+}
+|| requires(EEToken& token, Value value)
+{
+    token.SetValue(value);
+};
+static_assert(Settable<const wchar_t*> && Settable<wchar_t*> && Settable<double> && Settable<bool>);
+static_assert(!SettableSomewhere<const char*> && !SettableSomewhere<char*> && !SettableSomewhere<const char (&)[7]>);
+static_assert(!SettableSomewhere<const char32_t*> && !SettableSomewhere<const void*>);
+
+TEST(MapTest, NullPointersAreNaOrEmpty)
+{
+    EEToken* const none = nullptr;
+    const wchar_t* const noText = nullptr;
+    EETokenMap map(33);
+    EXPECT_EQ(map.GetVariable(noText)->ToString(), L"#NA");
+    map.SetVariable(L"token", none);
+    map.SetVariable(L"text", noText);
+    map.SetVariable(noText, 1.0);
+    EXPECT_TRUE(map.GetVariable(L"token")->IsNa());
+    EXPECT_EQ(map.GetVariable(L"text")->ToString(), L"");
+    EXPECT_EQ(map.GetVariable(noText)->ToString(), L"1") << "the empty name";
+
+    EEToken token = Operand(L"x");
+    EXPECT_TRUE((token = none).IsNa() && token.GetErrorCode() == 0 && token.GetPosition() == 0);
+    token.SetText(noText, 5);
+    token.SetValue(noText);
+    EXPECT_TRUE(token.IsValued() && token.GetText().IsEmpty());
+    EXPECT_EQ(ThrownBy([] { throw ExpressionEvaluatorException(4, L"%t", nullptr, 5); }), "4 %t @5");
+
+    EETokenStack stack(nullptr);
+    stack.Push(none);
+    stack.Put(none);
+    EXPECT_EQ(stack.ToString(true), L"vu#NA vu#NA ");
+    ExpressionEvaluator evaluator(nullptr, 0);
+    evaluator.SetVariable(L"x", noText);
+    evaluator.ErrMsg(7, noText, noText);
+    EXPECT_EQ(DescribeError(evaluator), "7 0:505:7 @0");
 }
 
 TEST(MapTest, AddedVariablesAreSharedAndFreedOnce)

@@ -1,5 +1,6 @@
 #include "Command.h"
 
+#include "Commands/CommandRunner.h"
 #include "ExpressionEvaluator.h"
 #include "Instrument/System.h"
 
@@ -15,7 +16,20 @@ EvaluationError Command::TakeError(const ExpressionEvaluator& evaluator, const W
     EvaluationError error;
     error.expression = expression;
     evaluator.TryGetErrorMessage(error.code, error.message, error.marker);
-    SetFailureMessage(error.message);
+    if (CommandRunner::EndsCallers(error.code))
+        throw error.code;
+    WString reason;
+    if (!evaluator.TryGetErrorReason(reason)) {
+        SetFailureMessage(error.message);
+        return error;
+    }
+    SetFailureMessage(reason);
+    if ((GetFlags() & CommandFlags::noFailureLog) == 0) {
+        ExitCode code = error.code;
+        if (code.GetCommandId() == 0)
+            code.SetCommandId(static_cast<unsigned short>(GetCommandId()));
+        System::errorLog.WriteLine(L"%-12s %s", code.ToCString(), reason);
+    }
     return error;
 }
 

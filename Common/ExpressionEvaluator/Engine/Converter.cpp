@@ -2,11 +2,9 @@
 
 #include "ExpressionEvaluatorException.h"
 #include "OperatorTable.h"
+#include "Text/Abort.h"
 
 namespace {
-/// Function calls may stand inside each other's arguments this deep.
-constexpr int maxCallDepth = 200;
-
 /// What has just been read of a sub-expression, and so what may come next.
 enum class State
 {
@@ -66,9 +64,11 @@ bool SubExpression::Convert(int* terminator)
 {
     EEToken token;
     *terminator = TT_NONE;
-    while (*terminator == TT_NONE)
+    while (*terminator == TT_NONE) {
+        Abort::ThrowIfRequested();
         if (!evaluator.GetToken(token, &cursor) || !Take(token, terminator))
             return false;
+    }
     return true;
 }
 
@@ -190,12 +190,25 @@ bool ExpressionEvaluator::Infix2Postfix(WString expression, EETokenStack& postfi
     return Convert(expression.ToCString(), postfix);
 }
 
-/// expression: sub-expression, end of text
+/// An exception is an error behind what has been read.
 bool ExpressionEvaluator::Convert(const wchar_t* expression, EETokenStack& postfix)
 {
-    postfix.Clear();
-    expressionStart = expression;
     wchar_t* cursor = const_cast<wchar_t*>(expression); // only moved, never written through
+    EEToken error;
+    try {
+        return ConvertAll(expression, cursor, postfix);
+    } catch (...) {
+        error.SetPosition(static_cast<int>(cursor - expression));
+        TakeThrown(error);
+    }
+    return RecordValue(error);
+}
+
+/// expression: sub-expression, end of text
+bool ExpressionEvaluator::ConvertAll(const wchar_t* expression, wchar_t*& cursor, EETokenStack& postfix)
+{
+    postfix.Clear();
+    record.expressionStart = expression;
     int terminator = TT_NONE;
     if (!InfixSubExpr2Postfix(expression, cursor, &terminator, postfix))
         return false;
@@ -210,7 +223,7 @@ bool ExpressionEvaluator::Convert(const wchar_t* expression, EETokenStack& postf
 bool ExpressionEvaluator::InfixSubExpr2Postfix(
     const wchar_t* start, wchar_t*& cursor, int* terminator, EETokenStack& postfix)
 {
-    expressionStart = start;
+    record.expressionStart = start;
     return SubExpression(*this, start, cursor, postfix).Convert(terminator);
 }
 
@@ -228,9 +241,7 @@ bool ExpressionEvaluator::InfixFunctionToPostfix(
     const int expected = function.GetType() == TT_FUNCOP ? function.GetNoPrm() : 0; // below 0: any number
     for (int given = 1;; ++given) {
         const wchar_t* argument = cursor;
-        const bool converted = nested.InfixSubExpr2Postfix(start, cursor, terminator, postfix);
-        TakeTrace(nested);
-        if (!converted)
+        if (!nested.InfixSubExpr2Postfix(start, cursor, terminator, postfix))
             return ReportArgument(nested);
 
         const bool tooMany = expected >= 0 && given > expected;
@@ -255,18 +266,9 @@ bool ExpressionEvaluator::InfixFunctionToPostfix(
 bool ExpressionEvaluator::ReportArgument(const ExpressionEvaluator& nested)
 {
     constexpr EvaluatorError empty = Errors::OperandExpectedAtClose;
-    if (nested.errorCode == ExitCode(0, evaluatorModule, empty.number))
-        ErrMsg(ExpressionEvaluatorException(Errors::EmptyArgument, nested.errorPosition));
+    if (nested.record.code == ExitCode(0, evaluatorModule, empty.number))
+        ErrMsg(ExpressionEvaluatorException(Errors::EmptyArgument, nested.record.position));
     else
-        ErrMsg(nested.errorCode, nested.errorPosition, nested.errorMessage.ToCString());
+        ErrMsg(nested.record.code, nested.record.position, nested.record.message.ToCString());
     return false;
-}
-
-/// The variables that an argument read, behind those read before it.
-void ExpressionEvaluator::TakeTrace(ExpressionEvaluator& nested)
-{
-    if (nested.variableTrace.IsEmpty())
-        return;
-    variableTrace.AppendWithSeparator(nested.variableTrace, L"\n");
-    nested.variableTrace.Clear();
 }

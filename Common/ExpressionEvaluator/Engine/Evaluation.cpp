@@ -1,8 +1,10 @@
 #include "ExpressionEvaluator.h"
 
+#include "Commands/CommandRunner.h"
 #include "EEMissingVariableException.h"
 #include "ExpressionEvaluatorFunctions.h"
 #include "OperatorTable.h"
+#include "Text/Abort.h"
 #include "Text/CharacterCase.h"
 #include "Text/HostError.h"
 
@@ -11,6 +13,7 @@
 #include <functional>
 #include <iterator>
 #include <limits>
+#include <new>
 #include <utility>
 
 namespace {
@@ -166,25 +169,67 @@ const OperationRow* FindOperation(std::wstring_view name)
             isCharacter ? Errors::InvalidOperatorCharacter : Errors::InvalidBinaryOperator, token.GetPosition());
     operation->apply(result, operands);
 }
+
+/// One call more as long as it lives.
+class Level
+{
+public:
+    explicit Level(int& depth) : depth(depth) { ++depth; }
+    ~Level() { --depth; }
+    Level(const Level&) = delete;
+    Level& operator=(const Level&) = delete;
+
+private:
+    int& depth;
+};
 } // namespace
+
+/// While a function runs. When it has evaluated something else, the record of the evaluation that called it comes back
+/// in the end.
+class ExpressionEvaluator::RunningCall
+{
+public:
+    explicit RunningCall(ExpressionEvaluator& evaluator)
+        : evaluator(evaluator), enclosing(std::exchange(evaluator.keptRecord, &kept))
+    {}
+    ~RunningCall()
+    {
+        evaluator.keptRecord = enclosing;
+        if (kept)
+            evaluator.record = std::move(*kept);
+    }
+    RunningCall(const RunningCall&) = delete;
+    RunningCall& operator=(const RunningCall&) = delete;
+
+private:
+    ExpressionEvaluator& evaluator;
+    std::optional<Record> kept;
+    std::optional<Record>* const enclosing;
+};
 
 bool ExpressionEvaluator::EvaluatePostfixExpr(EEToken& result, EETokenStack& postfix)
 {
     int terminator = TT_END;
     const bool succeeded = EvaluatePostfixSubExpr(result, postfix, &terminator);
-
-    ExitCode code;
-    WString message;
-    int position = 0;
-    if (result.TryGetErrorMessage(code, message, position)) {
-        ErrMsg(code, position, message.ToCString());
-        return false;
-    }
-    if (!succeeded)
+    if (!RecordValue(result) || !succeeded)
         return false;
     if (terminator == TT_END && postfix.IsEmpty())
         return true;
     ErrMsg(ExpressionEvaluatorException(terminator == TT_END ? Errors::UnexpectedStackEnd : Errors::UnexpectedEnd, 0));
+    return false;
+}
+
+/// True unless the value is an error, which is recorded.
+bool ExpressionEvaluator::RecordValue(const EEToken& value)
+{
+    ExitCode code;
+    WString message;
+    int position = 0;
+    if (!value.TryGetErrorMessage(code, message, position))
+        return true;
+    if (value.IsMissingVariable())
+        record.missingVariable = PruneVariableName(value.GetText());
+    ErrMsg(code, position, message.ToCString());
     return false;
 }
 
@@ -196,25 +241,55 @@ bool ExpressionEvaluator::EvaluatePostfixSubExpr(EEToken& result, EETokenStack& 
     *terminator = TT_END;
     try {
         return EvaluateTokens(result, postfix, terminator);
-    } catch (const EEMissingVariableException& exception) {
-        missingVariable = exception.GetVariableName();
-        result.SetMissingVariable(missingVariable);
-        result.SetException(exception);
-    } catch (const ExpressionEvaluatorException& exception) {
-        result.SetException(exception);
-    } catch (const HostException& exception) { // with a reason that its code cannot tell
-        result.SetException(Errors::HostExitCode.number, exception.GetMessage());
-    } catch (const ExitCode& code) {
-        result.SetException(Errors::HostExitCode.number, code.ToString());
+    } catch (...) {
+        TakeThrown(result);
     }
     OnErrorCleanupPostfixStack(postfix, terminator);
     return false;
+}
+
+/// Turns the exception that is being handled into an error value. What ends the evaluation as a whole passes on; so
+/// does the lack of memory, which may have come up anywhere.
+void ExpressionEvaluator::TakeThrown(EEToken& result)
+{
+    try {
+        throw;
+    } catch (const EEMissingVariableException& exception) {
+        record.missingVariable = exception.GetVariableName();
+        result.SetMissingVariable(record.missingVariable);
+        result.SetException(exception);
+    } catch (const ExpressionEvaluatorException& exception) {
+        result.SetException(exception);
+    } catch (const HostException& exception) {
+        if (CommandRunner::EndsCallers(exception))
+            throw;
+        TakeHostError(result, exception, exception.GetMessage());
+    } catch (const ExitCode& code) {
+        if (CommandRunner::EndsCallers(code))
+            throw;
+        result.SetException(Errors::HostExitCode.number, code.ToString());
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception& exception) {
+        const HostException unexpected(HostError::UnexpectedException, WString::FromUtf8(exception.what()));
+        TakeHostError(result, unexpected, unexpected.GetMessage());
+    } catch (...) {
+        const HostException unexpected(HostError::UnexpectedException);
+        TakeHostError(result, unexpected, unexpected.GetMessage());
+    }
+}
+
+void ExpressionEvaluator::TakeHostError(EEToken& result, const ExitCode& code, const WString& reason)
+{
+    result.SetException(Errors::HostExitCode.number, code.ToString());
+    record.reasons.push_back({result.GetPosition(), code, reason});
 }
 
 bool ExpressionEvaluator::EvaluateTokens(EEToken& result, EETokenStack& postfix, int* terminator)
 {
     EETokenStack operands;
     while (!postfix.IsEmpty()) {
+        Abort::ThrowIfRequested();
         const EEToken& top = postfix.Peek();
         result.SetPosition(top.GetPosition());
         if (top.GetType() == TT_OPERAND) {
@@ -240,6 +315,11 @@ bool ExpressionEvaluator::EvaluateTokens(EEToken& result, EETokenStack& postfix,
 /// Evaluates the arguments of the call at `position`, and then its function.
 bool ExpressionEvaluator::EvaluateCall(int position, EETokenStack& postfix, EETokenStack& operands)
 {
+    if (callDepth == maxCallDepth) { // a stack that no converter made, which has the same limit
+        ErrMsg(ExpressionEvaluatorException(Errors::NestedTooDeeply, position));
+        return false;
+    }
+    const Level level(callDepth);
     EETokenStack arguments;
     if (EvaluateArguments(arguments, postfix) == TT_FUNCOP)
         return CallFunction(postfix.Pop(), position, arguments, operands);
@@ -274,18 +354,31 @@ bool ExpressionEvaluator::CallFunction(
     }
     EEToken value;
     value.SetPosition(position);
-    implementation->Evaluate(value, arguments, this);
+    RunFunction(*implementation, value, arguments);
     LogIfEnabled(L"Function:", name, value);
     operands.Push(std::move(value));
     return true;
 }
 
+/// Out of line, because the recursion of calls within calls runs through the caller's stack frame.
+[[gnu::noinline]] void ExpressionEvaluator::RunFunction(EEFunction& function, EEToken& value, EETokenStack& arguments)
+{
+    const RunningCall call(*this);
+    function.Evaluate(value, arguments, this);
+    // A function that caught an abort, or evaluated what was ended by one, does not hide it.
+    Abort::ThrowIfRequested();
+    if (CommandRunner::EndsCallers(record.code))
+        throw record.code;
+    if (value.GetType() != TT_OPERAND)
+        value.SetException(Errors::Unevaluated.number, Errors::Unevaluated.message);
+}
+
 /// Turns an argument that had got a value before it failed into the recorded error.
 void ExpressionEvaluator::TakeRecordedError(EEToken& argument) const
 {
-    const bool ours = errorCode.GetModule() == evaluatorModule;
-    argument.SetException(ours ? errorCode.GetNumber() : Errors::ForeignArgumentError.number, errorMessage);
-    argument.SetPosition(errorPosition);
+    const bool ours = record.code.GetModule() == evaluatorModule;
+    argument.SetException(ours ? record.code.GetNumber() : Errors::ForeignArgumentError.number, record.message);
+    argument.SetPosition(record.position);
 }
 
 /// The level's value is its one operand.

@@ -5,7 +5,9 @@
 #include "Instrument/System.h"
 #include "NameCharacters.h"
 #include "Saturate.h"
+#include "Text/HostError.h"
 
+#include <new>
 #include <utility>
 
 namespace {
@@ -42,6 +44,7 @@ ExpressionEvaluator::ExpressionEvaluator(const ExpressionEvaluator* outer)
       map(outer->map),
       environment(outer->environment),
       hasEnvironment(outer->hasEnvironment),
+      trace(outer->trace),
       flags(outer->flags),
       callDepth(outer->callDepth + 1)
 {}
@@ -50,14 +53,14 @@ ExpressionEvaluator::~ExpressionEvaluator() = default;
 
 void ExpressionEvaluator::Clear()
 {
-    errorPosition = 0;
-    expressionStart = nullptr;
+    record.position = 0;
+    record.expressionStart = nullptr;
     if (ownMap)
         ownMap->Clear();
     else
         map = nullptr;
     validChars = NameCharacters::Default();
-    variableTrace.Clear();
+    ClearVariableTrace();
 }
 
 void ExpressionEvaluator::SetValidChars(const wchar_t* chars)
@@ -105,21 +108,64 @@ void ExpressionEvaluator::SetVariableMap(EETokenMap* newMap)
     map = newMap;
 }
 
+/// What a step throws ends the evaluation and is recorded.
+template <typename Step>
+bool ExpressionEvaluator::Guard(const Step& step)
+{
+    try {
+        return step();
+    } catch (...) {
+        return RecordThrown();
+    }
+}
+
+/// Records the exception that is being handled in place of any other error, and returns false. What it needs in the end
+/// is a message so short that it takes no memory.
+bool ExpressionEvaluator::RecordThrown() noexcept
+{
+    constexpr const wchar_t* noMemory = L"Out of memory";
+    static_assert(std::wstring_view(noMemory).size() <= WString::inlineCapacity);
+    ExitCode code(0, ExitCode::hostModule, static_cast<unsigned int>(HostError::UnexpectedException));
+    const wchar_t* message = GetHostMessage(code);
+    try {
+        throw;
+    } catch (const ExitCode& thrown) {
+        code = thrown;
+        message = GetHostMessage(code);
+    } catch (const std::bad_alloc&) {
+        message = noMemory;
+    } catch (...) {
+    }
+    record.code = ExitCode();
+    try {
+        ErrMsg(code, 0, message);
+    } catch (...) {
+        record.message = noMemory;
+    }
+    return false;
+}
+
+/// An evaluation that a running function asks for has a record of its own; that of the outer one is kept meanwhile.
+void ExpressionEvaluator::StartRecord()
+{
+    if (keptRecord && !*keptRecord)
+        keptRecord->emplace(std::move(record));
+    record = Record();
+}
+
 bool ExpressionEvaluator::TryEvaluate(const WString& expression, EEToken& result)
 {
-    EETokenStack postfix;
-    missingVariable.Clear();
-    errorMessage.Clear();
-    errorCode = ExitCode();
-    errorPosition = 0;
+    return Guard([&] { return ConvertAndEvaluate(expression, result); });
+}
 
-    const bool logging = eeLog_gb.IsEnabled();
-    if (logging)
-        eeLog_gb.DoWriteLine(L"\n->Expression: " + expression);
+bool ExpressionEvaluator::ConvertAndEvaluate(const WString& expression, EEToken& result)
+{
+    StartRecord();
+    EETokenStack postfix;
+    WriteEvaluatorLog([&] { return L"\n->Expression: " + expression; });
     const bool converted = Convert(expression.ToCString(), postfix);
-    if (logging)
-        eeLog_gb.DoWriteLine(
-            (converted ? L" Posfix stack: " : L" Infix2Posfix failure, stack: ") + postfix.ToString(true));
+    WriteEvaluatorLog(
+        [&] { return (converted ? L" Posfix stack: " : L" Infix2Posfix failure, stack: ") + postfix.ToString(true); });
     return converted && EvaluatePostfixExpr(result, postfix);
 }
 
@@ -127,13 +173,15 @@ bool ExpressionEvaluator::TryEvaluate(const WString& expression, EEToken& result
 template <typename Value>
 bool ExpressionEvaluator::TryEvaluateAs(const WString& expression, Value& result, const EvaluatorError& error)
 {
-    EEToken token;
-    if (!TryEvaluate(expression, token))
+    return Guard([&] {
+        EEToken token;
+        if (!TryEvaluate(expression, token))
+            return false;
+        if (token.TryCast(result))
+            return true;
+        ErrMsg(ExpressionEvaluatorException(error, 0));
         return false;
-    if (token.TryCast(result))
-        return true;
-    ErrMsg(ExpressionEvaluatorException(error, 0));
-    return false;
+    });
 }
 
 bool ExpressionEvaluator::TryEvaluateDouble(const WString& expression, double& result)
@@ -157,87 +205,100 @@ bool ExpressionEvaluator::TryEvaluateBool(const WString& expression, bool& resul
 
 bool ExpressionEvaluator::TryEvaluateString(const WString& expression, WString& result)
 {
-    EEToken token;
-    if (!TryEvaluate(expression, token))
-        return false;
-    result = token.ToString();
-    return true;
+    return Guard([&] {
+        EEToken token;
+        if (!TryEvaluate(expression, token))
+            return false;
+        result = token.ToString();
+        return true;
+    });
 }
 
 EEToken ExpressionEvaluator::Evaluate(const WString& expression)
 {
     EEToken result;
-    return OrThrow(TryEvaluate(expression, result), result, errorCode);
+    return OrThrow(TryEvaluate(expression, result), result, record.code);
 }
 
 double ExpressionEvaluator::EvaluateDouble(const WString& expression)
 {
     double result = 0;
-    return OrThrow(TryEvaluateDouble(expression, result), result, errorCode);
+    return OrThrow(TryEvaluateDouble(expression, result), result, record.code);
 }
 
 int ExpressionEvaluator::EvaluateInt(const WString& expression)
 {
     int result = 0;
-    return OrThrow(TryEvaluateInt(expression, result), result, errorCode);
+    return OrThrow(TryEvaluateInt(expression, result), result, record.code);
 }
 
 bool ExpressionEvaluator::EvaluateBool(const WString& expression)
 {
     bool result = false;
-    return OrThrow(TryEvaluateBool(expression, result), result, errorCode);
+    return OrThrow(TryEvaluateBool(expression, result), result, record.code);
 }
 
 WString ExpressionEvaluator::EvaluateString(const WString& expression)
 {
     WString result;
-    return OrThrow(TryEvaluateString(expression, result), result, errorCode);
+    return OrThrow(TryEvaluateString(expression, result), result, record.code);
 }
 
 bool ExpressionEvaluator::TryGetErrorMessage(ExitCode& code, WString& message, int* position) const
 {
-    if (errorMessage.IsEmpty())
+    if (record.message.IsEmpty())
         return false;
-    message = errorMessage;
-    code = errorCode;
+    message = record.message;
+    code = record.code;
     if (position)
-        *position = errorPosition;
+        *position = record.position;
     return true;
 }
 
 bool ExpressionEvaluator::TryGetErrorMessage(ExitCode& code, WString& message, WString& marker) const
 {
-    if (errorMessage.IsEmpty() && !errorCode.IsError())
+    if (record.message.IsEmpty() && !record.code.IsError())
         return false;
-    code = errorCode;
-    message = errorMessage;
+    code = record.code;
+    message = record.message;
     if (message.IsEmpty())
-        message = WString::Format(L"NA - Missing error message - ExitCode: %s", errorCode.ToCString());
-    marker = WString(errorPosition > 1 ? static_cast<std::size_t>(errorPosition - 1) : 0, L' ');
+        message = WString::Format(L"NA - Missing error message - ExitCode: %s", code.ToCString());
+    marker = WString(record.position > 1 ? static_cast<std::size_t>(record.position - 1) : 0, L' ');
     marker += L'^';
     return true;
 }
 
+bool ExpressionEvaluator::TryGetErrorReason(WString& reason) const
+{
+    for (const Reason& known : record.reasons)
+        if (known.position == record.position && known.code == record.code) {
+            reason = known.text;
+            return true;
+        }
+    return false;
+}
+
 bool ExpressionEvaluator::TryGetMissingVariableName(WString& name) const
 {
-    name = missingVariable;
+    name = record.missingVariable;
     return !name.IsEmpty();
 }
 
 void ExpressionEvaluator::ErrMsg(const ExitCode& code, int position, const wchar_t* message)
 {
-    if (errorCode.IsError())
+    if (record.code.IsError())
         return;
-    errorCode = code;
-    errorPosition = position;
-    errorMessage = message;
-    if (errorMessage.IsEmpty())
-        errorMessage = code.ToString();
+    record.code = code;
+    record.position = position;
+    record.message = message;
+    if (record.message.IsEmpty())
+        record.message = code.ToString();
 }
 
 void ExpressionEvaluator::ErrMsg(unsigned int number, const wchar_t* at, const wchar_t* message)
 {
-    ErrMsg(ExitCode(0, evaluatorModule, number), static_cast<int>(at - expressionStart), message);
+    const bool isPlace = at && record.expressionStart;
+    ErrMsg(ExitCode(0, evaluatorModule, number), isPlace ? static_cast<int>(at - record.expressionStart) : 0, message);
 }
 
 void ExpressionEvaluator::ErrMsg(const ExpressionEvaluatorException& exception)
@@ -257,15 +318,31 @@ bool ExpressionEvaluator::IsLogging() const noexcept
     return eeLog_gb.IsEnabled() || (flags & EvaluatorFlags::traceVariables) != 0;
 }
 
+void ExpressionEvaluator::ClearVariableTrace() noexcept
+{
+    trace->lines.Clear();
+    trace->isFull = false;
+}
+
 void ExpressionEvaluator::LogVariable(const wchar_t* prefix, const WString& name, const EEToken& value)
 {
-    WString line(prefix);
-    line += name;
-    line += L'=';
-    line += value.ToString();
-    eeLog_gb.DoWriteLine(line);
-    if (flags & EvaluatorFlags::traceVariables)
-        variableTrace.AppendWithSeparator(line, L"\n");
+    const auto makeLine = [&] {
+        WString line(prefix);
+        line += name;
+        line += L'=';
+        line += value.ToString();
+        return line;
+    };
+    WriteEvaluatorLog(makeLine);
+    if ((flags & EvaluatorFlags::traceVariables) == 0 || trace->isFull)
+        return;
+    try {
+        trace->lines += trace->lines.IsEmpty() ? makeLine() : L"\n" + makeLine();
+    } catch (const HostException& exception) {
+        if (!IsHostError(exception, HostError::TextTooLong))
+            throw;
+        trace->isFull = true;
+    }
 }
 
 double GetRandomNumber()

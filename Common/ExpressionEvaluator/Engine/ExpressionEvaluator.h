@@ -11,8 +11,11 @@
 #include "Text/WStringArray.h"
 
 #include <memory>
+#include <optional>
+#include <vector>
 
 class CommandBase;
+class EEFunction;
 struct EvaluatorError;
 class ExpressionEvaluatorException;
 class NameCharacters;
@@ -55,12 +58,16 @@ public:
     void SetVariable(const WString& name, bool value);
     void SetVariable(const WString& name, const WString& value);
     void SetVariable(const WString& name, const wchar_t* value) { SetVariable(name, WString(value)); }
+    template <NoValuePointer T>
+    void SetVariable(const WString& name, T value) = delete;
     void AddVariables(EETokenMap& map);
     /// Uses the given map without owning it; null for none.
     void SetVariableMap(EETokenMap* map);
 
-    // Evaluation. The Try forms never throw for a bad expression: they return false with the error recorded. The plain
-    // forms throw its exit code.
+    // Evaluation. The Try forms never throw: they return false with the error recorded. The plain forms throw its exit
+    // code. What ends every command (an abort and its like, see CommandRunner::EndsCallers) ends the evaluation too: it
+    // is the error on record, with its own code and message, whatever other errors there were and whichever function
+    // might have tested them. So does the lack of memory, with the host's code for an unexpected exception.
 
     bool TryEvaluate(const WString& expression, EEToken& result);
     bool TryEvaluateDouble(const WString& expression, double& result);
@@ -79,12 +86,16 @@ public:
     bool TryGetErrorMessage(ExitCode& code, WString& message, int* position) const;
     /// The same with a line that points at the place under the expression: blanks and "^".
     bool TryGetErrorMessage(ExitCode& code, WString& message, WString& marker) const;
+    /// Why the host, or a function of another plug-in, failed, when that is the recorded error: what its code cannot
+    /// tell, such as the name of a file.
+    bool TryGetErrorReason(WString& reason) const;
     /// The name of the last variable that could not be resolved; true when there is one.
     bool TryGetMissingVariableName(WString& name) const;
     /// With the flag traceVariables, one line "label:name=value" for each variable read and function called; a variable
-    /// of the map and a built-in name are without "label:".
-    const WString& GetVariableTrace() const noexcept { return variableTrace; }
-    void ClearVariableTrace() noexcept { variableTrace.Clear(); }
+    /// of the map and a built-in name are without "label:". It ends before the line that would make it longer than a
+    /// text can be.
+    const WString& GetVariableTrace() const noexcept { return trace->lines; }
+    void ClearVariableTrace() noexcept;
 
     // The error record. Only the first error of an evaluation is kept.
 
@@ -95,7 +106,8 @@ public:
     /// Records the error at `at` and returns false.
     bool Fail(const EvaluatorError& error, const wchar_t* at);
 
-    // The steps of an evaluation. They return false with the error recorded, unless said otherwise.
+    // The steps of an evaluation. They return false with the error recorded, unless said otherwise; what ends the
+    // evaluation as a whole, and the host's exceptions while tokens are read, they throw.
 
     /// Reads one token at the cursor and moves behind it.
     bool GetToken(EEToken& token, wchar_t** cursor);
@@ -133,24 +145,53 @@ public:
 
     static void GetSupportedOperators(WStringArray& out);
     static void GetSupportedFunctions(WStringArray& out); // sorted
-    /// Writes the block that ends every usage text. `environment` adds the forms that read environment variables.
+    /// Writes the block that ends every usage text. `environment` adds the forms that read environment variables. The
+    /// titles are formats of Pipe::WriteLine without arguments, so "%%" prints as "%"; one with a faulty directive is
+    /// written as it stands.
     static void DisplaySupportedOperatorsAndFunctionsHelpText(
         Pipe& pipe, bool environment, const WString& operatorsTitle, const WString& functionsTitle);
 
 private:
-    WString errorMessage;
-    ExitCode errorCode;
-    int errorPosition = 0;
-    const wchar_t* expressionStart = nullptr;
+    static constexpr int maxCallDepth = 200; // function calls may stand inside each other's arguments this deep
+
+    struct Reason
+    {
+        int position;
+        ExitCode code;
+        WString text;
+    };
+
+    /// What is known of one evaluation besides its value.
+    struct Record
+    {
+        WString message;
+        ExitCode code;
+        int position = 0;
+        const wchar_t* expressionStart = nullptr;
+        WString missingVariable;
+        std::vector<Reason> reasons; // of every host failure, for only the end shows which one is the error
+    };
+
+    struct Trace
+    {
+        WString lines;
+        bool isFull = false;
+    };
+
+    class RunningCall;
+
+    Record record;
+    std::optional<Record>* keptRecord =
+        nullptr; // while a function runs: for the record of the evaluation that calls it
     std::shared_ptr<const NameCharacters> validChars;
     EETokenMap* map = nullptr; // lent, or ownMap
     std::unique_ptr<EETokenMap> ownMap;
     Environment environment;
     bool hasEnvironment = false;
-    WString missingVariable;
-    WString variableTrace;
+    Trace ownTrace;
+    Trace* trace = &ownTrace; // that of the outermost evaluator
     unsigned int flags = 0;
-    int callDepth = 0; // how many calls enclose what this evaluator converts
+    int callDepth = 0; // how many calls enclose what this evaluator converts or evaluates
 
     /// An evaluator for the arguments of a call: the settings of the outer one, which it must not outlive, and an error
     /// record of its own.
@@ -159,6 +200,11 @@ private:
     EETokenMap& GetOrMakeMap();
     bool IsLogging() const noexcept;
 
+    template <typename Step>
+    bool Guard(const Step& step);
+    bool RecordThrown() noexcept;
+    void StartRecord();
+    bool ConvertAndEvaluate(const WString& expression, EEToken& result);
     template <typename Value>
     bool TryEvaluateAs(const WString& expression, Value& result, const EvaluatorError& error);
 
@@ -169,12 +215,16 @@ private:
     void LogIfEnabled(const wchar_t* prefix, const WString& name, const EEToken& token);
 
     bool Convert(const wchar_t* expression, EETokenStack& postfix);
+    bool ConvertAll(const wchar_t* expression, wchar_t*& cursor, EETokenStack& postfix);
     bool ReportArgument(const ExpressionEvaluator& nested);
-    void TakeTrace(ExpressionEvaluator& nested);
+    bool RecordValue(const EEToken& error);
+    void TakeThrown(EEToken& result);
+    void TakeHostError(EEToken& result, const ExitCode& code, const WString& reason);
     bool EvaluateTokens(EEToken& result, EETokenStack& postfix, int* terminator);
     bool EvaluateCall(int position, EETokenStack& postfix, EETokenStack& operands);
     int EvaluateArguments(EETokenStack& arguments, EETokenStack& postfix);
     bool CallFunction(const EEToken& function, int position, EETokenStack& arguments, EETokenStack& operands);
+    void RunFunction(EEFunction& function, EEToken& value, EETokenStack& arguments);
     void TakeRecordedError(EEToken& argument) const;
     bool TakeResult(EEToken& result, EETokenStack& operands);
 };

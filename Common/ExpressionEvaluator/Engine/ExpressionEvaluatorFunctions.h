@@ -26,7 +26,15 @@ public:
 
     /// For functions that need their arguments only. The base throws code 144.
     virtual void Evaluate(EEToken& result, EETokenStack& arguments);
-    /// For functions that need the calling evaluator. The base forwards to the other overload.
+    /// For functions that need the calling evaluator, which is null when there is none. The base forwards to the other
+    /// overload.
+    ///
+    /// The function may evaluate with it, read the error and the missing variable's name of what it has evaluated, and
+    /// set variables: a map that it changes is seen by what it evaluates from then on, not by the running expression,
+    /// whose names have been read. The evaluation that called it then goes on with its own record; both add to one
+    /// variable trace. Calls count towards the depth limit of the expression (error 513) through such evaluations too.
+    /// The function must not call Clear, nor use the evaluator after it has returned. An abort, and all else that ends
+    /// every command, also ends the evaluation that called the function, whatever it answers.
     virtual void Evaluate(EEToken& result, EETokenStack& arguments, ExpressionEvaluator* evaluator);
 
     const WString& GetName() const noexcept { return name; }

@@ -29,7 +29,7 @@ EEFunction* EEFunctionTable::FindOrNull(std::wstring_view name) const
 
 bool EEFunctionTable::IsFunction(const wchar_t* name, int* parameterCount) const
 {
-    const EEFunction* function = FindOrNull(name);
+    const EEFunction* function = FindOrNull(name ? name : L"");
     if (function && parameterCount)
         *parameterCount = function->GetParameterCount();
     return function != nullptr;
@@ -38,7 +38,7 @@ bool EEFunctionTable::IsFunction(const wchar_t* name, int* parameterCount) const
 void EEFunctionTable::Evaluate(
     EEToken& result, const wchar_t* name, EETokenStack& arguments, ExpressionEvaluator* evaluator) const
 {
-    EEFunction* function = FindOrNull(name);
+    EEFunction* function = FindOrNull(name ? name : L"");
     if (!function)
         throw ExpressionEvaluatorException(
             Errors::UnknownFunctionInTable.number, WString::Format(Errors::UnknownFunctionInTable.message, name), 0);

@@ -88,7 +88,7 @@ bool ExpressionEvaluator::GetToken(EEToken& token, wchar_t** cursor)
 {
     while (**cursor == L' ' || **cursor == L'\t')
         ++*cursor;
-    token.SetPosition(static_cast<int>(*cursor - expressionStart) + 1);
+    token.SetPosition(static_cast<int>(*cursor - record.expressionStart) + 1);
 
     const wchar_t ch = **cursor;
     if (const int type = SingleCharacterType(ch); type != TT_NONE) {
@@ -191,7 +191,7 @@ void ExpressionEvaluator::ReadVariable(EEToken& token, const WString& name, cons
         TryGetEnvironmentVariableValue(token, name, false, at);
     if (token.IsNa() && !TrySetBuiltIn(token, name, flags)) {
         token.SetMissingVariable(name);
-        missingVariable = name;
+        record.missingVariable = name;
     }
     token.SetPosition(position);
     if (!inEnvironment)

@@ -1,6 +1,7 @@
 #include "FunctionArguments.h"
 
 #include "Saturate.h"
+#include "Text/Abort.h"
 
 namespace FunctionArguments {
 void CheckCount(
@@ -10,6 +11,12 @@ void CheckCount(
         throw ExpressionEvaluatorException(tooFew, arguments.GetTail().GetPosition());
     if (arguments.Count() > max)
         throw ExpressionEvaluatorException(tooMany, arguments.GetTail().GetPosition());
+}
+
+double PopNumber(EETokenStack& arguments)
+{
+    Abort::ThrowIfRequested();
+    return arguments.PopNumber();
 }
 
 int PopInt32(EETokenStack& arguments)

@@ -15,6 +15,8 @@ inline void CheckCount(const EETokenStack& arguments, int min, int max, const Ev
     CheckCount(arguments, min, max, error, error);
 }
 
+/// A number. Throws the abort that is requested: for loops over arguments, of which there may be millions.
+double PopNumber(EETokenStack& arguments);
 /// A number as the nearest 32-bit integer toward zero (see Saturate).
 int PopInt32(EETokenStack& arguments);
 /// A text; numbers and booleans are converted.

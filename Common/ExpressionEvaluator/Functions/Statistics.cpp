@@ -2,6 +2,7 @@
 #include "FunctionClasses.h"
 #include "Instrument/System.h"
 #include "Saturate.h"
+#include "Text/Abort.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,7 +15,7 @@ double PopSum(EETokenStack& arguments)
 {
     double sum = 0;
     while (!arguments.IsEmpty())
-        sum += arguments.Pop().GetNumber();
+        sum += PopNumber(arguments);
     return sum;
 }
 
@@ -38,8 +39,8 @@ PointSums PopPoints(EETokenStack& arguments, const EvaluatorError& error)
         throw ExpressionEvaluatorException(error, arguments.GetTail().GetPosition());
     PointSums sums;
     for (; !arguments.IsEmpty(); ++sums.count) {
-        const double x = arguments.Pop().GetNumber();
-        const double y = arguments.Pop().GetNumber();
+        const double x = PopNumber(arguments);
+        const double y = PopNumber(arguments);
         sums.x += x;
         sums.y += y;
         sums.xx += x * x;
@@ -57,17 +58,17 @@ void EEAvg::Evaluate(EEToken& result, EETokenStack& arguments)
 
 void EEMax::Evaluate(EEToken& result, EETokenStack& arguments)
 {
-    double max = arguments.Pop().GetNumber();
+    double max = PopNumber(arguments);
     while (!arguments.IsEmpty())
-        max = std::max(max, arguments.Pop().GetNumber());
+        max = std::max(max, PopNumber(arguments));
     result.SetValue(max);
 }
 
 void EEMin::Evaluate(EEToken& result, EETokenStack& arguments)
 {
-    double min = arguments.Pop().GetNumber();
+    double min = PopNumber(arguments);
     while (!arguments.IsEmpty())
-        min = std::min(min, arguments.Pop().GetNumber());
+        min = std::min(min, PopNumber(arguments));
     result.SetValue(min);
 }
 
@@ -80,9 +81,12 @@ void EEMedian::Evaluate(EEToken& result, EETokenStack& arguments)
 {
     std::vector<double> numbers;
     do {
-        numbers.push_back(arguments.Pop().GetNumber());
+        numbers.push_back(PopNumber(arguments));
     } while (!arguments.IsEmpty());
-    std::sort(numbers.begin(), numbers.end());
+    std::sort(numbers.begin(), numbers.end(), [](double left, double right) {
+        Abort::ThrowIfRequested(); // millions of numbers take their time
+        return left < right;
+    });
     const std::size_t middle = numbers.size() / 2;
     if (numbers.size() % 2 != 0)
         result.SetValue(numbers[middle]);
@@ -111,7 +115,7 @@ void EEStDev::Evaluate(EEToken& result, EETokenStack& arguments)
     double sum = 0;
     double squares = 0;
     while (!arguments.IsEmpty()) {
-        const double number = arguments.Pop().GetNumber();
+        const double number = PopNumber(arguments);
         sum += number;
         squares += number * number;
     }

@@ -83,7 +83,7 @@ void EEGetUsage::Evaluate(EEToken& result, EETokenStack& arguments)
 void EEGetEnv::Evaluate(EEToken& result, EETokenStack& arguments, ExpressionEvaluator* evaluator)
 {
     const WString name = PopStrictText(arguments);
-    if (!evaluator->TryGetEnvironmentVariableValue(result, name))
+    if (!evaluator || !evaluator->TryGetEnvironmentVariableValue(result, name))
         SetArgument(result, arguments.Pop());
 }
 

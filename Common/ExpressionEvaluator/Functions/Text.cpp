@@ -1,6 +1,7 @@
 #include "FunctionArguments.h"
 #include "FunctionClasses.h"
 #include "Saturate.h"
+#include "Text/Abort.h"
 
 #include <algorithm>
 #include <limits>
@@ -99,8 +100,10 @@ void EEToString::Evaluate(EEToken& result, EETokenStack& arguments)
 void EEStrCat::Evaluate(EEToken& result, EETokenStack& arguments)
 {
     WString text;
-    while (!arguments.IsEmpty())
+    while (!arguments.IsEmpty()) {
+        Abort::ThrowIfRequested(); // there may be millions of arguments
         text += PopText(arguments);
+    }
     result.SetValue(text);
 }
 
