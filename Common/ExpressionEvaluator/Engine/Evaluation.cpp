@@ -397,6 +397,7 @@ bool ExpressionEvaluator::OnErrorCleanupPostfixStack(EETokenStack& postfix, int*
 {
     int calls = 0; // begun and not ended within what is discarded
     while (!postfix.IsEmpty()) {
+        Abort::ThrowIfRequested();
         EEToken& token = postfix.Pop();
         if (token.GetType() == TT_PRMLIST)
             ++calls;

@@ -26,6 +26,7 @@ int PopInt32(EETokenStack& arguments)
 
 WString PopText(EETokenStack& arguments)
 {
+    Abort::ThrowIfRequested();
     return arguments.Pop().GetWString(true);
 }
 

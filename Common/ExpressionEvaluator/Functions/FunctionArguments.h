@@ -15,12 +15,15 @@ inline void CheckCount(const EETokenStack& arguments, int min, int max, const Ev
     CheckCount(arguments, min, max, error, error);
 }
 
-/// A number. Throws the abort that is requested: for loops over arguments, of which there may be millions.
+// The next two throw the abort that is requested: there may be millions of arguments, and texts may be long.
+
+/// A number.
 double PopNumber(EETokenStack& arguments);
-/// A number as the nearest 32-bit integer toward zero (see Saturate).
-int PopInt32(EETokenStack& arguments);
 /// A text; numbers and booleans are converted.
 WString PopText(EETokenStack& arguments);
+
+/// A number as the nearest 32-bit integer toward zero (see Saturate).
+int PopInt32(EETokenStack& arguments);
 /// A text; numbers and booleans are refused.
 WString PopStrictText(EETokenStack& arguments);
 /// A boolean, or the default when there are no arguments left.

@@ -1,5 +1,6 @@
 #include "FunctionArguments.h"
 #include "FunctionClasses.h"
+#include "Text/Abort.h"
 
 #include <algorithm>
 #include <limits>
@@ -52,5 +53,6 @@ void EEIsInList::Evaluate(EEToken& result, EETokenStack& arguments)
         item = item.ToUpperCase();
         list = list.ToUpperCase();
     }
+    Abort::ThrowIfRequested(); // a long list has taken its time
     result.SetValue(list.IndexOf(item) >= 0);
 }

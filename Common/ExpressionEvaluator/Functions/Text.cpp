@@ -1,7 +1,6 @@
 #include "FunctionArguments.h"
 #include "FunctionClasses.h"
 #include "Saturate.h"
-#include "Text/Abort.h"
 
 #include <algorithm>
 #include <limits>
@@ -100,10 +99,8 @@ void EEToString::Evaluate(EEToken& result, EETokenStack& arguments)
 void EEStrCat::Evaluate(EEToken& result, EETokenStack& arguments)
 {
     WString text;
-    while (!arguments.IsEmpty()) {
-        Abort::ThrowIfRequested(); // there may be millions of arguments
+    while (!arguments.IsEmpty())
         text += PopText(arguments);
-    }
     result.SetValue(text);
 }
 
