@@ -8,6 +8,7 @@
 #include "Services/ObjectCounters.h"
 #include "SetCommand.h"
 #include "Support/HostTexts.h"
+#include "Support/ManualClock.h"
 #include "Support/TemporaryFolder.h"
 #include "While.h"
 
@@ -217,6 +218,7 @@ protected:
         }
     }
 
+    ManualClock clock; // nothing waits
     Environment environment;
 };
 } // namespace
