@@ -1,6 +1,7 @@
 // References and functions that look at the instrument. Status items cannot be taken back once they are made, so those
 // that are there are read, whatever they are; everything else is made for the test under names of its own and removed.
 
+#include "FunctionClasses.h"
 #include "Instrument/OS9EventManager.h"
 #include "Instrument/System.h"
 #include "NumberFormat.h"
@@ -420,6 +421,29 @@ void TestConfigReferences(const Bench& bench, const OwnSetting& setting)
     bench.Check(L"%C{" + section + blank + key + L"}", L"'12 apples'");
 }
 
+/// A function for a type that no function of the table has.
+void TestUnsupportedType(TestCommand& test, const OwnSetting& setting)
+{
+    EEGetConfigType function(L"unsupported", -1, static_cast<ConfigDataType>(5));
+    const auto call = [&](bool withDefault) {
+        EETokenStack arguments;
+        EEToken text;
+        for (const WString& each : {setting.GetSection(), setting.GetKey()}) {
+            text.SetValue(each);
+            arguments.Put(text);
+        }
+        if (withDefault)
+            arguments.Put(text);
+        return SelfTest::ThrownBy([&] { function.Evaluate(text, arguments); });
+    };
+    constexpr const wchar_t* unsupported = L"139 GetConfig[<type>], unsupported type @-1";
+    setting.Remove();
+    Assertion::AreEqual(test, unsupported, call(true), L"A default of an unsupported type");
+    setting.Set(L"12");
+    Assertion::AreEqual(test, unsupported, call(true), L"A key with a default of an unsupported type");
+    Assertion::AreEqual(test, unsupported, call(false), L"A key of an unsupported type");
+}
+
 void TestConfig(TestCommand& test, Bench& bench)
 {
     const OwnSetting setting;
@@ -431,6 +455,7 @@ void TestConfig(TestCommand& test, Bench& bench)
     }
     TestConfigReferences(bench, setting);
     TestDefaults(test, bench, setting);
+    TestUnsupportedType(test, setting);
 }
 } // namespace
 
