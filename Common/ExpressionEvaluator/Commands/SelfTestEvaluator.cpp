@@ -30,6 +30,7 @@ constexpr TypedRow typed_lc[] = {
     {"2147483646.5", {"2.14748e+09", "2147483646", "0"}},
     {"0", {"0", "0", "1"}},
     {"2.22e-15", {"2.22e-15", "0", "1"}},
+    {"2.2204460492503131e-15", {"2.22045e-15", "0", "0"}},
     {"2.23e-15", {"2.23e-15", "0", "0"}},
     {"\"true\"", {noDouble_lc, noInt_lc, "1"}},
     {"\"x\"", {noDouble_lc, noInt_lc, noBool_lc}},
@@ -85,6 +86,7 @@ void TestErrorRecord(TestCommand& test)
     Assertion::AreEqual(test, L"0:505:38 Invalid character|^", marked(L"#"), L"A marker at the first place");
     Assertion::AreEqual(test, L"0:505:37 Invalid number|^", marked(L"."), L"A marker before the first place");
     Assertion::AreEqual(test, L"", marked(L"1"), L"No error");
+    Assertion::AreEqual(test, L"an error without a message", SelfTest::DescribeError(evaluator), L"No error");
 
     evaluator.ErrMsg(ExitCode(0, 505, 7), 3, L"first");
     evaluator.ErrMsg(ExitCode(0, 505, 8), 4, L"second");

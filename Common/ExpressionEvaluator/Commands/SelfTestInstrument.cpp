@@ -336,6 +336,7 @@ constexpr SettingRow settings_lc[] = {
     {"-2147483648", "GetConfigInt(section, key)", "-2147483648"},
     {"2147483648", "GetConfigInt(section, key)", "140 Cannot convert config value to requested type @13"},
     {"4294967295", "GetConfigUInt(section, key)", "4294967295"},
+    {"0", "GetConfigUInt(section, key)", "0"},
     {"-7", "GetConfigUInt(section, key)", "140 Cannot convert config value to requested type @14"},
     {"1.5", "GetConfigDbl(section, key)", "1.5"},
     {"x", "GetConfigDbl(section, key)", "140 Cannot convert config value to requested type @13"},

@@ -181,6 +181,7 @@ constexpr Row comparisons_lc[] = {
     // equal are numbers closer than ten times the double epsilon
     {"0.1+0.2=0.3", "TRUE"},
     {"2.22e-15=0", "TRUE"},
+    {"2.2204460492503131e-15=0", "FALSE"},
     {"2.23e-15=0", "FALSE"},
     {"0=-2.23e-15", "FALSE"},
     {"2.23e-15<>0", "TRUE"},

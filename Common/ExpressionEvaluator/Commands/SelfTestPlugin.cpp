@@ -13,6 +13,7 @@
 #include "SetCommand.h"
 #include "While.h"
 
+#include <cerrno>
 #include <memory>
 
 namespace {
@@ -181,6 +182,9 @@ void TestRegistry(TestCommand& test)
     constexpr const wchar_t* all = L"Assert Calc If Set While; 0 ExpressionEvaluator, Expression evaluator, 1";
     const std::string own = GetDllName(reinterpret_cast<void*>(&RunExpressionEvaluatorTests));
     Assertion::IsTrue(test, DllRegistrySelectDll("no such file") == 0 && Offered().IsEmpty(), L"Another file selected");
+    errno = ENOENT;
+    Assertion::IsTrue(test, GetDllName(reinterpret_cast<void*>(16)).empty(), L"An address of no file");
+    Assertion::AreEqual(test, ENOENT, DllRegistrySelectDll("no such file"), L"The failed look-up is reported");
     for (const std::string& path : {"/elsewhere/" + own, own}) {
         Assertion::AreEqual(test, 0, DllRegistrySelectDll(path.c_str()), L"Selection of this file");
         Assertion::AreEqual(test, all, Offered(), L"What this file offers");

@@ -235,6 +235,14 @@ void TestTokenOperations(TestCommand& test)
         integer(9.9, 0, 10) + L" " + integer(10.1, 0, 10) + L" " + integer(-1.5, -2, 10) + L" " + integer(-0.5, 0, 10) +
             L" " + integer(2, 2, 3) + L" " + integer(1.9, 1, 9) + L" " + integer(10, 0, 10),
         L"GetInteger");
+    Assertion::AreEqual(test, L"Type: TT_NONE, DataType: DT_NONE,  @0 code 0", State(EEToken()), L"A new token");
+    EEToken fresh(TT_OPERAND, L"");
+    fresh.SetNoPrm(1);
+    Assertion::AreEqual(test, L"0", fresh.ToString(), L"A new number");
+    fresh.SetNoPrm(2);
+    Assertion::AreEqual(test, L"FALSE", fresh.ToString(), L"A new boolean");
+    fresh.SetNoPrm(8);
+    Assertion::IsTrue(test, !fresh.IsMissingVariable() && !fresh.IsNa(), L"A new error is no missing variable");
     EEToken joined = Operand(1.0);
     joined.AppendText(L"a");
     joined.AppendText(L"b");
