@@ -82,7 +82,7 @@ ExitCode WriteUsage(CommandBase& command, ArgumentList& arguments)
     ArrayPipe usage;
     if (arguments.Count() == 1)
         CommandRunner::ShowUsage(*CommandRegistry::FindOrNull(arguments.At(0)), usage);
-    for (const WString& line : arguments.Count() == 1 ? usage.lines : WithoutFunctions(general.lines, L"%%"))
+    for (const WString& line : arguments.Count() == 1 ? usage.lines : WithoutFunctions(general.lines, L"%"))
         if (arguments.Count() == 0 || std::ranges::find(general.lines, line) == general.lines.end())
             command.GetPipe().DoWriteLine(line);
     return ExitCode(0);

@@ -10,9 +10,10 @@ std::string RunLabsh(std::vector<std::string> arguments, const std::string& inpu
 }
 
 /// Waits until the file is there, which a command of the shell makes, or the shell has ended.
+/// Until something is in it: the file is made before it is written.
 void WaitForFile(const Labsh& labsh, const std::string& name)
 {
-    WaitUntil([&] { return std::filesystem::exists(labsh.folder.Path(name)) || !labsh.IsRunning(); });
+    WaitUntil([&] { return !labsh.folder.Read(name).empty() || !labsh.IsRunning(); });
 }
 } // namespace
 

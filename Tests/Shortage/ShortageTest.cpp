@@ -7,6 +7,7 @@
 #include "Instrument/System.h"
 #include "Services/ObjectCounters.h"
 #include "SetCommand.h"
+#include "Support/Expressions.h"
 #include "Support/HostTexts.h"
 #include "Support/ManualClock.h"
 #include "Support/TemporaryFolder.h"
@@ -196,23 +197,36 @@ protected:
             outcome.code.IsError()};
     }
 
+    static Result Evaluate(const WString& expression, unsigned int first, bool lasting)
+    {
+        ExpressionEvaluator evaluator(nullptr, 0);
+        EEToken value;
+        bool succeeded = false;
+        {
+            const Shortage shortage(first, lasting);
+            succeeded = evaluator.TryEvaluate(expression, value);
+        }
+        return {succeeded ? DescribeValue(value) : DescribeError(evaluator), !succeeded};
+    }
+
     /// Every allocation of a run fails once, alone and with all behind it. Each of these runs ends as it does with
     /// enough memory or with an error, and the next one is as good as ever.
-    void Starve(const Line& row)
+    template <typename Runner>
+    void Starve(const Line& row, const Runner& run)
     {
         SCOPED_TRACE(row.text);
         const WString line = WString::FromUtf8(row.text);
-        Run(line, 0, false); // makes what stays, such as a log file
-        const Result fed = Run(line, 0, false);
+        run(line, 0, false); // makes what stays, such as a log file
+        const Result fed = run(line, 0, false);
         const std::vector<int> objects = CountObjects();
         for (const bool lasting : {false, true}) {
             for (unsigned int first = 1;; first += 1 + first / 100) {
-                const Result starved = Run(line, first, lasting);
+                const Result starved = run(line, first, lasting);
                 if (!Shortage::HasStruck())
                     break;
                 ASSERT_TRUE(starved.failed || row.passesOver || starved.text == fed.text)
                     << first << " " << starved.text;
-                ASSERT_EQ(Run(line, 0, false).text, fed.text) << first;
+                ASSERT_EQ(run(line, 0, false).text, fed.text) << first;
                 ASSERT_EQ(CountObjects(), objects) << first;
             }
         }
@@ -226,14 +240,18 @@ protected:
 TEST_F(ShortageTest, EndsNoMoreThanTheCommand)
 {
     for (const Line& line : lines_lc)
-        Starve(line);
+        Starve(
+            line, [this](const WString& text, unsigned int first, bool lasting) { return Run(text, first, lasting); });
 }
 
 TEST_F(ShortageTest, EndsNoMoreThanTheEvaluation)
 {
     environment.SetString(L"a_variable_with_a_long_name", L"a text of more than fifteen characters");
     for (const std::string expression : expressions_lc)
-        Starve({("Calc " + expression).c_str()});
+        Starve({("Calc " + expression).c_str()},
+            [this](const WString& text, unsigned int first, bool lasting) { return Run(text, first, lasting); });
+    for (const char* expression : expressions_lc)
+        Starve({expression}, Evaluate);
 }
 
 TEST(ShortageOfTheShell, EndsItWithOneLine)

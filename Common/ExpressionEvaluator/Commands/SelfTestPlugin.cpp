@@ -138,7 +138,7 @@ void TestGeneralHelp(TestCommand& test)
     for (const bool environment : {false, true}) {
         ArrayPipe pipe;
         ExpressionEvaluator::DisplaySupportedOperatorsAndFunctionsHelpText(pipe, environment, L"Operators %s", L"%%");
-        WString expected = L"Operators %s\n and, or, xor, =, >, <, <>, >=, <=, +, -, &, *, /, ^\n%%\n";
+        WString expected = L"Operators %s\n and, or, xor, =, >, <, <>, >=, <=, +, -, &, *, /, ^\n%\n";
         WString line;
         for (const WString& name : names) {
             if (line.Length() + name.Length() > 75) {
