@@ -304,15 +304,15 @@ private:
     const WString key = L"SelfTest";
 };
 
-/// The type that is registered for the setting, and the default.
+/// The type that is registered for the setting, and the default; of a text the limits of its length too.
 WString OwnSetting::DescribeDefault() const
 {
     ConfigMetaData::Item item;
     if (!System::config.GetMetaData().TryGet(section, key, item))
         return L"nothing";
-    const bool isText = item.type == ConfigDataType::Str;
-    return WString::Format(
-        L"%d %s", static_cast<int>(item.type), isText ? item.defaultText : DoubleToString(item.defaultNumber));
+    if (item.type == ConfigDataType::Str)
+        return WString::Format(L"2 %s, %g to %g characters", item.defaultText, item.min, item.max);
+    return WString::Format(L"%d %s", static_cast<int>(item.type), DoubleToString(item.defaultNumber));
 }
 
 /// The value of a setting, an expression that reads it, and the outcome.
@@ -373,13 +373,13 @@ constexpr DefaultRow defaults_lc[] = {
     {"GetConfig", "2147483648", "2147483648", "4 2147483648"},
     {"GetConfig", "4294967295", "4294967295", "4 4294967295"},
     {"GetConfig", "4294967296", "4294967296", "3 4294967296"},
-    {"Config", "\"xyz\"", "'xyz'", "2 xyz"},
+    {"Config", "\"xyz\"", "'xyz'", "2 xyz, -1 to 2.14748e+09 characters"},
     {"Config", "1>2", "FALSE", "6 0"},
     {"GetConfigInt", "-7.9", "-7", "1 -7"},
     {"GetConfigInt", "1e300", "2147483647", "1 2147483647"},
     {"GetConfigUInt", "-7", "0", "4 0"},
     {"GetConfigDbl", "\"0x10\"", "16", "3 16"},
-    {"GetConfigStr", "\"\"", "''", "2 "},
+    {"GetConfigStr", "\"\"", "''", "2 , -1 to 2.14748e+09 characters"},
     {"GetConfigBool", "true", "TRUE", "6 1"},
 };
 
