@@ -40,6 +40,7 @@ TEST_F(CommandTest, FailuresAreNotLoggedWhenToldSo)
     System::config.SetString(L"Debug", L"LogAssertFail", L"false");
     Run("Assert 1=2");
     Run("Assert 1+");
+    Run("Assert FileSize(\"/\")=1");
     EXPECT_EQ(Run("Log"), "");
     System::config.SetString(L"Debug", L"LogAssertFail", L"perhaps");
     EXPECT_THAT(Run("Assert 1=1"), testing::StartsWith("exit 9015:0:20"));

@@ -5,9 +5,9 @@
 #include "DllRegistryUtils.h"
 #include "Support/HostTexts.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 #include <memory>
-#include <regex>
 
 namespace {
 using Names = std::vector<std::string>;
@@ -22,21 +22,32 @@ std::vector<CommandFactory> GetFactories()
     return factories;
 }
 
-/// What stands at the start of the lines below "Options:": "c=" for "-c<count>", "h" and "help" for "-h[elp]".
+/// Adds the options that a line begins with: "c=" for "-c<count>", "h" and "help" for "-h[elp]".
+void AddOptions(std::string_view line, Names& options)
+{
+    line.remove_prefix(std::min(line.find_first_not_of(' '), line.size()));
+    if (!line.starts_with('-'))
+        return;
+    line = line.substr(1, line.find(' ') - 1);
+    const std::size_t rest = line.find('[');
+    const std::size_t value = line.find('<');
+    const std::string name(line.substr(0, std::min(rest, value)));
+    options.push_back(name + (value != line.npos ? "=" : ""));
+    if (rest != line.npos)
+        options.push_back(name + std::string(line.substr(rest + 1, line.find(']') - rest - 1)));
+}
+
+/// What the lines below "Options:" say.
 Names GetOptionsOfUsage(const CommandRecord& record)
 {
-    const std::regex pattern(R"( +-([a-z]+)(?:\[([a-z]+)\])?(<[A-Za-z]+>)? .*)");
     Names options;
     bool isWithin = false;
     for (const UsageLine& line : record.usage) {
         const std::string text = WString(line.format).ToUtf8();
         if (!text.starts_with(' '))
             isWithin = text.starts_with("Options:");
-        if (std::smatch parts; isWithin && std::regex_match(text, parts, pattern)) {
-            options.push_back(parts.str(1) + (parts[3].matched ? "=" : ""));
-            if (parts[2].matched)
-                options.push_back(parts.str(1) + parts.str(2));
-        }
+        else if (isWithin)
+            AddOptions(text, options);
     }
     return options;
 }

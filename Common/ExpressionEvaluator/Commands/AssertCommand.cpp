@@ -66,7 +66,7 @@ ExitCode AssertCommand::Main(ArgumentList& arguments, Options& options)
         evaluator.ClearVariableTrace();
         bool holds = false;
         if (!evaluator.TryEvaluateBool(expression, holds))
-            return FailEvaluation(TakeError(evaluator, expression), quiet, logFailure);
+            return FailEvaluation(TakeError(evaluator, expression, logFailure), quiet, logFailure);
         if (holds)
             return ExitCode(0);
         if (retryCount == 0)

@@ -11,7 +11,7 @@ const char* Command::GetSourceCodeTimestamp()
 
 void Command::OnExit(ExitCode&) {}
 
-EvaluationError Command::TakeError(const ExpressionEvaluator& evaluator, const WString& expression)
+EvaluationError Command::TakeError(const ExpressionEvaluator& evaluator, const WString& expression, bool logsReason)
 {
     EvaluationError error;
     error.expression = expression;
@@ -24,7 +24,7 @@ EvaluationError Command::TakeError(const ExpressionEvaluator& evaluator, const W
         return error;
     }
     SetFailureMessage(reason);
-    if ((GetFlags() & CommandFlags::noFailureLog) == 0) {
+    if (logsReason && (GetFlags() & CommandFlags::noFailureLog) == 0) {
         ExitCode code = error.code;
         if (code.GetCommandId() == 0)
             code.SetCommandId(static_cast<unsigned short>(GetCommandId()));

@@ -38,9 +38,9 @@ protected:
     using RecordedCommand::RecordedCommand;
 
     /// The error of the evaluator's last evaluation. Its message is left for the report of whoever ran the command, or
-    /// else the reason of a host failure, which goes to the error log too unless the run says otherwise. Throws what
-    /// ends every command.
-    EvaluationError TakeError(const ExpressionEvaluator& evaluator, const WString& expression);
+    /// else the reason of a host failure, which goes to the error log too unless the run, or `logsReason`, says
+    /// otherwise. Throws what ends every command.
+    EvaluationError TakeError(const ExpressionEvaluator& evaluator, const WString& expression, bool logsReason = true);
     /// Evaluates the condition of a statement. An error is its exit code, reported on the output or, when verbose, in
     /// the error log.
     ExitCode EvaluateCondition(const WString& condition, bool verbose, bool& result);

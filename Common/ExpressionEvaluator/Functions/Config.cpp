@@ -81,11 +81,10 @@ EEGetConfigType::EEGetConfigType(const wchar_t* name, int parameterCount, Config
 void EEGetConfigType::Evaluate(EEToken& result, EETokenStack& arguments)
 {
     const auto [section, key, defaultValue] = PopConfigArguments(arguments, Errors::GetConfigTypeParameters);
-    WString text;
-    if (!System::config.TryGetString(section, key, text))
+    if (!System::config.Contains(section, key))
         return SetupConfigDefaultValue(result, defaultValue, section, key, type);
     RegisterConfigDefaultValue(defaultValue, section, key, type);
-    SetConfig(result, text, type);
+    GetExistingConfigValue(result, section, key, type);
 }
 
 void EEGetConfig::GetExistingConfigValue(

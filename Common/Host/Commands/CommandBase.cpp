@@ -5,6 +5,7 @@
 #include "Text/Abort.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 Pipe& GetStandardOutput()
@@ -43,10 +44,10 @@ void CommandBase::SignalHandler(const CommandReference&, unsigned int, Object*) 
 
 ExitCode CommandBase::Run(const WString& line, Pipe& output, unsigned int runFlags)
 {
-    const CommandRunner::Outcome outcome = CommandRunner::Run(line, output, environment, runFlags);
+    CommandRunner::Outcome outcome = CommandRunner::Run(line, output, environment, runFlags);
     if (CommandRunner::EndsCallers(outcome.code))
         throw outcome.code;
-    runMessage = outcome.message;
+    runMessage = std::move(outcome.message);
     return outcome.code;
 }
 

@@ -140,6 +140,13 @@ void CommandRunner::RunLine(
     RunCommand(*command, rest, outcome);
 }
 
+/// A failure that names no command is this one's.
+static void Stamp(ExitCode& code, CommandBase& command)
+{
+    if (code.IsError() && code.GetCommandId() == 0)
+        code.SetCommandId(static_cast<unsigned short>(command.GetCommandId()));
+}
+
 void CommandRunner::RunCommand(CommandBase& command, const WString& rest, Outcome& outcome)
 {
     Options options;
@@ -154,10 +161,13 @@ void CommandRunner::RunCommand(CommandBase& command, const WString& rest, Outcom
     } catch (...) {
         TakeThrown(outcome);
     }
-    if (outcome.code.IsError() && outcome.code.GetCommandId() == 0)
-        outcome.code.SetCommandId(static_cast<unsigned short>(command.GetCommandId()));
-    command.OnExit(outcome.code);
-
+    Stamp(outcome.code, command);
+    try {
+        command.OnExit(outcome.code);
+    } catch (...) {
+        TakeThrown(outcome);
+    }
+    Stamp(outcome.code, command);
     outcome.returnString = std::move(command.GetReturnString());
     AddMessage(outcome, command, options);
 }
