@@ -68,6 +68,16 @@ void WithTestFunctions(const Checks& checks)
                     Abort::Request();
                     result.SetValue(1.0);
                 }},
+            {L"ctrlcthrow",
+                [](auto&...) {
+                    Abort::Request();
+                    throw std::runtime_error("not the abort");
+                }},
+            {L"twice",
+                [](EEToken& result, EETokenStack& arguments, ExpressionEvaluator& evaluator) {
+                    evaluator.TryEvaluate(arguments.Pop().ToString(), result);
+                    evaluator.TryEvaluate(L"1+1", result);
+                }},
         };
         for (const auto& [name, body] : functions)
             fnTable_gb.AddFn(new TestFunction(name, body));
@@ -91,11 +101,12 @@ std::string OutcomeAndReason(const std::string& expression)
 TEST(FailingFunctions, NothingTurnsAnAbortIntoAValue)
 {
     WithTestFunctions([] {
-        for (const char* expression :
-            {"aborted(1)", "IsErr(aborted(1))", "IF(true, 1, aborted(1))", "IF(IsErr(nosuch(1)), 1, aborted(1))",
-                "inside(\"IsErr(aborted(1))\")", "inside(\"nosuch(1)\")&inside(\"aborted(1)\")"})
+        for (const char* expression : {"aborted(1)", "IsErr(aborted(1))", "IF(true, 1, aborted(1))",
+                 "IF(IsErr(nosuch(1)), 1, aborted(1))", "inside(\"IsErr(aborted(1))\")",
+                 "inside(\"nosuch(1)\")&inside(\"aborted(1)\")", "IsErr(twice(\"aborted(1)\"))"})
             EXPECT_EQ(Outcome(expression), "0:1:4 Aborted @0") << expression;
-        EXPECT_EQ(Outcome("inside(\"ctrlc(1)\")"), "0:1:4 Aborted @0");
+        for (const char* expression : {"IsErr(ctrlcthrow(1))", "inside(\"ctrlc(1)\")"})
+            EXPECT_EQ(Outcome(expression), "0:1:4 Aborted @0") << expression;
     });
 }
 
@@ -107,7 +118,7 @@ TEST(FailingFunctions, ExceptionsAreErrorValuesWithAReason)
         EXPECT_EQ(OutcomeAndReason("odd(1)"), unexpected + "4: Unexpected exception");
         EXPECT_EQ(Outcome("IsErr(broken(1)) and IsErr(odd(1))"), "TRUE");
         EXPECT_EQ(Outcome("IF(true, broken(1), odd(1))"), unexpected + "16");
-        EXPECT_EQ(Outcome("IsErr(full(1))"), "0:1:1 Out of memory @0");
+        EXPECT_EQ(Outcome("IsErr(full(1))"), "0:1:13 Out of memory @0");
         EXPECT_EQ(Outcome("1+unset(1)"), "13 #UNK @8");
         EXPECT_EQ(Outcome("unset(1)"), "13 #UNK @6");
     });

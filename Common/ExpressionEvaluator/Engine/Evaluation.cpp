@@ -360,15 +360,25 @@ bool ExpressionEvaluator::CallFunction(
     return true;
 }
 
+/// A function that caught an abort, or evaluated what was ended by one, does not hide it, whatever it answers or throws.
+void ExpressionEvaluator::ThrowIfEnded() const
+{
+    Abort::ThrowIfRequested();
+    if (CommandRunner::EndsCallers(record.code))
+        throw ExitCode(record.code);
+}
+
 /// Out of line, because the recursion of calls within calls runs through the caller's stack frame.
 [[gnu::noinline]] void ExpressionEvaluator::RunFunction(EEFunction& function, EEToken& value, EETokenStack& arguments)
 {
     const RunningCall call(*this);
-    function.Evaluate(value, arguments, this);
-    // A function that caught an abort, or evaluated what was ended by one, does not hide it.
-    Abort::ThrowIfRequested();
-    if (CommandRunner::EndsCallers(record.code))
-        throw record.code;
+    try {
+        function.Evaluate(value, arguments, this);
+    } catch (...) {
+        ThrowIfEnded();
+        throw;
+    }
+    ThrowIfEnded();
     if (value.GetType() != TT_OPERAND)
         value.SetException(Errors::Unevaluated.number, Errors::Unevaluated.message);
 }

@@ -123,8 +123,6 @@ bool ExpressionEvaluator::Guard(const Step& step)
 /// is a message so short that it takes no memory.
 bool ExpressionEvaluator::RecordThrown() noexcept
 {
-    constexpr const wchar_t* noMemory = L"Out of memory";
-    static_assert(std::wstring_view(noMemory).size() <= WString::inlineCapacity);
     ExitCode code(0, ExitCode::hostModule, static_cast<unsigned int>(HostError::UnexpectedException));
     const wchar_t* message = GetHostMessage(code);
     try {
@@ -133,14 +131,15 @@ bool ExpressionEvaluator::RecordThrown() noexcept
         code = thrown;
         message = GetHostMessage(code);
     } catch (const std::bad_alloc&) {
-        message = noMemory;
+        code = ExitCode(0, ExitCode::hostModule, static_cast<unsigned int>(HostError::OutOfMemory));
+        message = outOfMemoryMessage;
     } catch (...) {
     }
     record.code = ExitCode();
     try {
         ErrMsg(code, 0, message);
     } catch (...) {
-        record.message = noMemory;
+        record.message = outOfMemoryMessage;
     }
     return false;
 }
@@ -148,6 +147,8 @@ bool ExpressionEvaluator::RecordThrown() noexcept
 /// An evaluation that a running function asks for has a record of its own; that of the outer one is kept meanwhile.
 void ExpressionEvaluator::StartRecord()
 {
+    if (keptRecord)
+        ThrowIfEnded(); // by what the function evaluated before
     if (keptRecord && !*keptRecord)
         keptRecord->emplace(std::move(record));
     record = Record();

@@ -67,7 +67,7 @@ public:
     // Evaluation. The Try forms never throw: they return false with the error recorded. The plain forms throw its exit
     // code. What ends every command (an abort and its like, see CommandRunner::EndsCallers) ends the evaluation too: it
     // is the error on record, with its own code and message, whatever other errors there were and whichever function
-    // might have tested them. So does the lack of memory, with the host's code for an unexpected exception.
+    // might have tested them. So does the lack of memory, with the host's code for it.
 
     bool TryEvaluate(const WString& expression, EEToken& result);
     bool TryEvaluateDouble(const WString& expression, double& result);
@@ -225,6 +225,7 @@ private:
     int EvaluateArguments(EETokenStack& arguments, EETokenStack& postfix);
     bool CallFunction(const EEToken& function, int position, EETokenStack& arguments, EETokenStack& operands);
     void RunFunction(EEFunction& function, EEToken& value, EETokenStack& arguments);
+    void ThrowIfEnded() const;
     void TakeRecordedError(EEToken& argument) const;
     bool TakeResult(EEToken& result, EETokenStack& operands);
 };

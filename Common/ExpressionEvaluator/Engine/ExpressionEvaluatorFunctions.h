@@ -33,8 +33,9 @@ public:
     /// set variables: a map that it changes is seen by what it evaluates from then on, not by the running expression,
     /// whose names have been read. The evaluation that called it then goes on with its own record; both add to one
     /// variable trace. Calls count towards the depth limit of the expression (error 513) through such evaluations too.
-    /// The function must not call Clear, nor use the evaluator after it has returned. An abort, and all else that ends
-    /// every command, also ends the evaluation that called the function, whatever it answers.
+    /// The function must not call Clear nor the single steps (what these record is the outer evaluation's), nor use the
+    /// evaluator after it has returned. An abort, and all else that ends
+    /// every command, also ends the evaluation that called the function, whatever it answers or throws.
     virtual void Evaluate(EEToken& result, EETokenStack& arguments, ExpressionEvaluator* evaluator);
 
     const WString& GetName() const noexcept { return name; }
