@@ -4,8 +4,6 @@
 #include "ExpressionEvaluatorFunctions.h"
 #include "Support/ExpressionFile.h"
 
-#include <regex>
-
 namespace {
 std::string ReadHelpText(const wchar_t* name)
 {
@@ -53,18 +51,33 @@ struct Entry
     std::string text;
 };
 
-/// An entry begins with its names, "Name(...)" or "Name(...) or OtherName(...)", at the start of a line.
+/// The names in "Name(...) or OtherName(...) - ...".
+std::vector<std::string> ReadNames(const std::string& line)
+{
+    constexpr std::string_view separator = ") or ";
+    const auto isPartOfName = [](unsigned char ch) { return std::isalnum(ch) != 0; };
+    std::vector<std::string> names;
+    for (std::size_t start = 0;;) {
+        const std::size_t end = line.find('(', start);
+        const std::string name = line.substr(start, end - start);
+        if (end == std::string::npos || !std::ranges::all_of(name, isPartOfName))
+            return names;
+        names.push_back(name);
+        const std::size_t next = line.find(separator, end);
+        if (next == std::string::npos)
+            return names;
+        start = next + separator.size();
+    }
+}
+
+/// An entry begins with its names, at the start of a line.
 std::vector<Entry> ReadEntries()
 {
-    const std::regex name("(?:^|\\) or )(\\w+)\\(");
     std::vector<Entry> entries;
     std::istringstream lines(ReadHelpText(L"FUNCTIONS.TXT"));
     for (std::string line; std::getline(lines, line);) {
-        if (!line.starts_with(" ")) {
-            entries.emplace_back();
-            for (std::sregex_iterator match(line.begin(), line.end(), name), end; match != end; ++match)
-                entries.back().names.push_back((*match)[1]);
-        }
+        if (!line.starts_with(" "))
+            entries.push_back({ReadNames(line), ""});
         if (!entries.empty())
             entries.back().text += line + "\n";
     }
@@ -134,7 +147,9 @@ TEST(HelpTexts, LinesEndInCrLf)
 {
     for (const std::string name : {"HELP.TXT", "FUNCTIONS.TXT"}) {
         const std::string text = TemporaryFolder::ReadFile(SOURCE_DIR "/Common/ExpressionEvaluator/" + name);
-        const std::size_t bare = std::regex_replace(text, std::regex("\r\n"), "  ").find_first_of("\r\n");
+        std::size_t bare = text.find('\n');
+        while (bare != std::string::npos && bare != 0 && text[bare - 1] == '\r')
+            bare = text.find('\n', bare + 1);
         EXPECT_FALSE(text.empty()) << name;
         if (bare != std::string::npos)
             ADD_FAILURE() << "Line "
