@@ -4,6 +4,9 @@
 #include "ExpressionEvaluatorFunctions.h"
 #include "Support/ExpressionFile.h"
 
+#include <algorithm>
+#include <cctype>
+
 namespace {
 std::string ReadHelpText(const wchar_t* name)
 {
