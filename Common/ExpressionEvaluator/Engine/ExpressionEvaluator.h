@@ -201,7 +201,7 @@ private:
     bool IsLogging() const noexcept;
 
     template <typename Step>
-    bool Guard(const Step& step);
+    [[gnu::visibility("hidden")]] bool Guard(const Step& step);
     bool RecordThrown() noexcept;
     void StartRecord();
     bool ConvertAndEvaluate(const WString& expression, EEToken& result);
