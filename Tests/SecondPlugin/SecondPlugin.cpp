@@ -8,9 +8,10 @@
 #include "ExpressionEvaluatorFunctions.h"
 #include "Text/HostError.h"
 
-__asm__(".pushsection .ov.FUNCTIONS.TXT,\"\"\n"
-        ".ascii \"Cube(x) - The third power of x.\\nTwice(text) - Twice the value of an expression.\\n\"\n"
-        ".popsection");
+__asm__(
+    ".pushsection .ov.FUNCTIONS.TXT,\"\"\n"
+    ".ascii \"Second.Cube(x) - The third power of x.\\nSecond.Twice(text) - Twice the value of an expression.\\n\"\n"
+    ".popsection");
 
 namespace {
 class Second : public CommandBase
@@ -47,13 +48,13 @@ void RunTests(TestCommand& test)
 class Twice : public EEFunction
 {
 public:
-    Twice() : EEFunction(L"Twice", 1) {}
+    Twice() : EEFunction(L"Second.Twice", 1) {}
     using EEFunction::Evaluate;
     void Evaluate(EEToken& result, EETokenStack& arguments, ExpressionEvaluator* evaluator) override
     {
         double value = 0;
         if (!evaluator->TryEvaluateDouble(arguments.Pop().GetWString(true), value))
-            throw ExpressionEvaluatorException(9000, L"Twice takes a number", result.GetPosition());
+            throw ExpressionEvaluatorException(9000, L"Second.Twice takes a number", result.GetPosition());
         result.SetValue(2 * value);
     }
 };
@@ -62,5 +63,5 @@ const AddToCommandVector addSecond(CreateSecond);
 const AddToAutomaticTestVector addTests(L"Second", L"Second plug-in", 1, RunTests);
 const bool addTwice = fnTable_gb.AddFn(new Twice);
 const bool addCube =
-    fnTable_gb.AddFn(new EEMathFunctionPointer(L"Cube", [](double value) { return value * value * value; }));
+    fnTable_gb.AddFn(new EEMathFunctionPointer(L"Second.Cube", [](double value) { return value * value * value; }));
 } // namespace

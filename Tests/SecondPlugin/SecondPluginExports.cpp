@@ -14,11 +14,18 @@
 #include "SetCommand.h"
 #include "While.h"
 
+#include <algorithm>
+
 namespace {
 void Check(TestCommand& test, const wchar_t* what, std::initializer_list<bool> conditions)
 {
     for (int number = 1; const bool condition : conditions)
         Assertion::IsTrue(test, condition, WString::Format(L"%s %d", what, number++));
+}
+
+bool Has(const WStringArray& names, const WString& name)
+{
+    return std::ranges::find(names, name) != names.end();
 }
 
 /// What `action` throws, as its own class sees it: "48 Missing variable: x @3" or the text of an exit code.
@@ -149,7 +156,7 @@ void UseEvaluator(TestCommand& test)
     ExpressionEvaluator::GetSupportedOperators(names);
     ExpressionEvaluator::GetSupportedFunctions(names);
     ExpressionEvaluator::DisplaySupportedOperatorsAndFunctionsHelpText(help, true, L"", L"");
-    Assertion::IsTrue(test, names.Count() > 89 && !help.lines.IsEmpty() && !eeLog_gb.IsEnabled(), L"help");
+    Assertion::IsTrue(test, Has(names, L"Second.Twice") && !help.lines.IsEmpty() && !eeLog_gb.IsEnabled(), L"help");
 }
 
 void UseSteps(TestCommand& test)
@@ -203,9 +210,9 @@ void UseFunctionsAndRegistry(TestCommand& test)
     WStringArray names;
     fnTable_gb.GetSupportedFunctions(names);
     Check(test, L"functions",
-        {fnTable_gb.IsFunction(L"ABS", &count), count == 1, names.Count() > 89,
+        {fnTable_gb.IsFunction(L"ABS", &count), count == 1, Has(names, L"Second.Twice"),
             dynamic_cast<EEMathFunctionPointer*>(fnTable_gb.FindOrNull(L"abs")) != nullptr,
-            GetDebugObjectCountExpressionEvaluator_CExprFn() > 91});
+            GetDebugObjectCountExpressionEvaluator_CExprFn() > static_cast<int>(names.Count())});
     const int functionCount = GetDebugObjectCountExpressionEvaluator_CExprFn();
     Check(test, L"refused functions",
         {!fnTable_gb.AddFn(nullptr), !fnTable_gb.AddFn(new EEFunction(L"ABS", 1)),

@@ -125,16 +125,21 @@ TEST(ShellTest, FunctionsOfPlugins)
         line.insert(line.begin(), {"--plugin", FUNCTIONS_ONLY_FILE, "--plugin", SECOND_PLUGIN_FILE});
         return labsh.Describe(labsh.Run(std::move(line), input));
     };
-    EXPECT_EQ(run({}, "Calc half(TWICE(\"cube(2)+1\"))\nCalc IsErr(Half(sqrt(-1)))\n"), "9\nTRUE\nexit 0");
-    EXPECT_EQ(run({"Help HALF"}), "Half(x) - Half of x.\n    Half(3) -> 1.5\nexit 0");
-    EXPECT_EQ(run({"Help twice"}), "Twice(text) - Twice the value of an expression.\nexit 0");
+    EXPECT_EQ(run({}, "Calc lab.half(SECOND.TWICE(\"second.cube(2)+1\"))\nCalc IsErr(Lab.Half(sqrt(-1)))\n"),
+        "9\nTRUE\nexit 0");
+    EXPECT_EQ(run({"Help LAB.HALF"}), "Lab.Half(x) - Half of x.\n    Lab.Half(3) -> 1.5\nexit 0");
+    EXPECT_EQ(run({"Help second.twice"}), "Second.Twice(text) - Twice the value of an expression.\nexit 0");
 
     labsh.Run({"Calc", "-help"});
     std::string help = labsh.GetOutput();
     help.insert(help.find("Expression evaulator operators:"),
-        " Half(x) - Half of x.\n     Half(3) -> 1.5\n Third(x) - A third of x.\n"
-        " Cube(x) - The third power of x.\n Twice(text) - Twice the value of an expression.\n");
+        " Lab.Half(x) - Half of x.\n     Lab.Half(3) -> 1.5\n Lab.Third(x) - A third of x.\n"
+        " Second.Cube(x) - The third power of x.\n Second.Twice(text) - Twice the value of an expression.\n");
     EXPECT_EQ(run({"Calc", "-help"}), help + "exit 0");
+
+    // The automatic tests of the evaluator take other plug-ins into account.
+    EXPECT_EQ(labsh.Run({"--plugin", SERIES_FILE, "Test"}), 0) << labsh.GetOutput();
+    EXPECT_THAT(labsh.GetOutput(), testing::HasSubstr(" checks, 0 failures\n"));
 }
 
 TEST(ShellTest, ThePluginOfTheDocuments)

@@ -71,15 +71,17 @@ void TestHelpTexts(TestCommand& test)
             expected += L"\nExpression evaluator functions:\n";
         Assertion::AreEqual(test, text.size, size, WString(L"Size of ") + text.name);
     }
-    expected += L"Expression evaulator operators:\n and, or, xor, =, >, <, <>, >=, <=, +, -, &, *, /, ^\n";
-
+    // Between the two stand the texts of other plug-ins.
+    const WString operators =
+        L"\nExpression evaulator operators:\n and, or, xor, =, >, <, <>, >=, <=, +, -, &, *, /, ^\n";
     for (const wchar_t* line : {L"Calc -help", L"Calc -h"}) {
         WStringArray lines;
         test.Run(line, lines);
         WString written;
         for (const WString& each : lines)
             written += each + L"\n";
-        Assertion::IsTrue(test, written == expected, WString(line) + L" writes something else than the texts");
+        Assertion::IsTrue(test, written.StartsWith(expected, false) && written.EndsWith(operators, false),
+            WString(line) + L" writes something else than the texts");
     }
 }
 
