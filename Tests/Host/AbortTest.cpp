@@ -79,6 +79,10 @@ TEST_F(AbortTest, EndsListsAndFiles)
 {
     const TemporaryFolder folder;
     const WString file = WString::FromUtf8(folder.Write("long.ini", std::string(3 * Abort::interval, ';')));
+    std::string settings; // fewer characters than an interval, but more comparisons
+    for (int i = 0; i < 10000; ++i)
+        settings += std::to_string(i) + "=\n";
+    const std::string settingsFile = folder.Write("settings.ini", settings);
     WStringArray names;
     for (std::size_t i = 0; i < Abort::interval; ++i)
         names.Add(WString::Format(L"%u", i * 7919 % Abort::interval));
@@ -91,6 +95,7 @@ TEST_F(AbortTest, EndsListsAndFiles)
         {"table", [&] { table.WriteTable(pipe); }},
         {"processes", [&] { System::GetMatchingProcess(L"*", L"no such process"); }},
         {"settings", [&] { ConfigFileData().Load(file.ToUtf8()); }},
+        {"many settings", [&] { ConfigFileData().Load(settingsFile); }},
         {"write", [&] { File(file, FileOpenMode::Append, FileAccessMode::Write).Write("x", 1); }},
     };
     for (const auto& [name, operation] : operations)

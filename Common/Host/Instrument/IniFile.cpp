@@ -1,6 +1,8 @@
 #include "Instrument/IniFile.h"
 
 #include "Instrument/NamedValues.h"
+#include "Text/Abort.h"
+#include "Text/HostError.h"
 
 #include <SimpleIni.h>
 
@@ -10,10 +12,53 @@
 
 namespace {
 
+/// While it lives, the parser is reading on this thread. An exception that passed the parser would leak its copy of the
+/// text. So when an abort is requested all names count as equal, which lets the parser come to its end at once, and
+/// what it has read is thrown away.
+class Reading
+{
+public:
+    Reading() { current = this; }
+    ~Reading() { current = nullptr; }
+    Reading(const Reading&) = delete;
+    Reading& operator=(const Reading&) = delete;
+
+    bool IsAborted() const { return isAborted; }
+    /// To be called once a comparison.
+    static bool IsEnding() { return current && current->Look(); }
+
+private:
+    bool Look()
+    {
+        if (++comparisons % Abort::interval == 0)
+            isAborted = isAborted || Abort::IsRequested();
+        return isAborted;
+    }
+
+    static thread_local Reading* current;
+    std::size_t comparisons = 0;
+    bool isAborted = false;
+};
+
+thread_local Reading* Reading::current = nullptr;
+
+bool IsAscii(char ch)
+{
+    return static_cast<unsigned char>(ch) < 0x80;
+}
+
 struct Utf8NameOrder
 {
     bool operator()(const char* left, const char* right) const
     {
+        if (Reading::IsEnding())
+            return false;
+        for (; IsAscii(*left) && IsAscii(*right); ++left, ++right) {
+            const wchar_t l = ToLower(static_cast<wchar_t>(*left));
+            const wchar_t r = ToLower(static_cast<wchar_t>(*right));
+            if (l != r || l == 0)
+                return l < r;
+        }
         return NameOrder()(WString::FromUtf8(left), WString::FromUtf8(right));
     }
 };
@@ -37,8 +82,10 @@ Line GetLine(std::string_view text, std::size_t start)
 /// The length of the text up to the end of its last line that is neither blank nor a comment.
 std::size_t GetContentLength(std::string_view text)
 {
+    Abort::Watch watch;
     std::size_t length = 0;
     for (std::size_t start = 0; start < text.size();) {
+        watch.Step();
         const Line line = GetLine(text, start);
         if (!line.text.empty() && line.text[0] != ';' && line.text[0] != '#')
             length = line.end;
@@ -52,8 +99,10 @@ void CheckText(const std::string& path, std::string_view text)
 {
     if (text.find('\0') != text.npos)
         WholeFile::Fail(path, L"not a text file");
+    Abort::Watch watch;
     int number = 0;
     for (std::size_t start = 0; start < text.size();) {
+        watch.Step();
         const Line line = GetLine(text, start);
         ++number;
         if (line.text.starts_with('[') && line.text.find(']') == line.text.npos)
@@ -72,12 +121,23 @@ using Sections = NamedValues<Settings>;
 
 void CopySettings(const Ini::TKeyVal& entries, Settings& settings)
 {
+    constexpr std::size_t interval = 0x1000; // an entry costs as much as many characters
+    Abort::Watch watch;
     std::vector<const Ini::TKeyVal::value_type*> sorted;
-    for (const auto& entry : entries)
+    for (const auto& entry : entries) {
+        watch.Step();
         sorted.push_back(&entry);
-    std::ranges::sort(sorted, {}, [](const auto* entry) { return entry->first.nOrder; });
-    for (const auto* entry : sorted)
+    }
+    std::ranges::sort(sorted, {}, [&](const auto* entry) {
+        watch.Step();
+        return entry->first.nOrder;
+    });
+    std::size_t count = 0;
+    for (const auto* entry : sorted) {
         settings.Get(WString::FromUtf8(entry->first.pItem)) = WString::FromUtf8(entry->second);
+        if (++count % interval == 0)
+            Abort::ThrowIfRequested();
+    }
 }
 
 Sections CopySections(const Ini& ini)
@@ -105,10 +165,17 @@ struct IniFile::Contents
         ini.SetUnicode();
         ini.SetSpaces(false);
         const std::size_t length = GetContentLength(text);
-        if (ini.LoadData(text.data(), length) < 0)
-            throw std::bad_alloc();
+        Read(text.data(), length);
         lastComment = text.substr(length);
         sections = CopySections(ini);
+    }
+    void Read(const char* text, std::size_t length)
+    {
+        const Reading reading;
+        if (ini.LoadData(text, length) < 0)
+            throw std::bad_alloc();
+        if (reading.IsAborted())
+            throw HostException(HostError::Aborted);
     }
     std::string GetText() const
     {

@@ -4,6 +4,7 @@
 #include "Instrument/NameOrder.h"
 #include "Instrument/StatusItemType.h"
 #include "Services/Clock.h"
+#include "Text/Abort.h"
 #include "Text/HostError.h"
 #include "Text/ReferenceText.h"
 
@@ -18,7 +19,7 @@ namespace {
 
 constexpr unsigned int fileCheckInterval = 50; // ms
 constexpr int maxFormattedItems = 100;
-constexpr wchar_t section_lc[] = L"Items";
+constexpr wchar_t section[] = L"Items";
 
 struct Item
 {
@@ -40,7 +41,7 @@ using Items = std::map<WString, Item, NameOrder>;
 bool IsInFile(const IniFile& file, const WString& name)
 {
     WString text;
-    return file.TryGet(section_lc, name, text);
+    return file.TryGet(section, name, text);
 }
 
 /// Sets the items whose text in `current` differs from that in `former`, and drops those that only `former` has.
@@ -51,12 +52,15 @@ void TakeOver(Items& items, const IniFile& current, const IniFile& former)
         return !item.IsLive() && IsInFile(former, name) && !IsInFile(current, name);
     });
     WStringArray names;
-    current.GetKeys(section_lc, names);
+    current.GetKeys(section, names);
+    std::size_t count = 0;
     for (const WString& name : names) {
+        if (++count % 0x1000 == 0) // an item costs as much as many characters
+            Abort::ThrowIfRequested();
         WString text;
         WString formerText;
-        current.TryGet(section_lc, name, text);
-        if (former.TryGet(section_lc, name, formerText) && text == formerText)
+        current.TryGet(section, name, text);
+        if (former.TryGet(section, name, formerText) && text == formerText)
             continue;
         Item item;
         WString reason;
@@ -91,7 +95,7 @@ bool TryExpand(const Items& items, const Item& item, WString& value, int& itemsL
 bool Fits(const WString& name, StatusType type, const WString& text)
 {
     const StatusItemType* row = FindStatusItemType(type);
-    return row && row->fits(text) && IniFile::CanHold(section_lc, name, text);
+    return row && row->fits(text) && IniFile::CanHold(section, name, text);
 }
 
 } // namespace
@@ -203,7 +207,7 @@ void StatusTable::Data::Save()
     auto changed = std::make_unique<IniFile>(*file); // what could not be saved is not known as the file's
     for (const auto& [name, item] : *items)
         if (!item.IsLive())
-            changed->Set(section_lc, name, FindStatusItemType(item.type)->name + (L":" + item.text));
+            changed->Set(section, name, FindStatusItemType(item.type)->name + (L":" + item.text));
     changed->Save();
     file.swap(changed);
 }
