@@ -5,12 +5,12 @@
 #include <CLI/Formatter.hpp>
 #include <cstdlib>
 
-static constexpr const char* description_lc =
+static constexpr const char* description =
     "The bench shell: runs the instrument's commands against an instrument on the desk.\n"
     "With words it runs them as one line, with -f a script. Otherwise standard input is a script, or, on a terminal,\n"
     "commands are asked for.";
 
-static constexpr const char* footer_lc =
+static constexpr const char* footer =
     "The options come before the first word. `labsh Help` lists the commands, `labsh Help Calc` explains one.\n"
     "Exit status: 0; 1 when a command failed, with a line on standard error; 2 for wrong options.";
 
@@ -29,8 +29,8 @@ static std::string GetDefaultDataFolder()
 std::optional<int> ReadArguments(int count, char** texts, Arguments& arguments)
 {
     constexpr int wrongOptions = 2;
-    CLI::App app(description_lc, "labsh");
-    app.footer(footer_lc);
+    CLI::App app(description, "labsh");
+    app.footer(footer);
     app.set_version_flag("--version", "labsh 1.0", "Print the version and exit");
     arguments.dataFolder = GetDefaultDataFolder();
 

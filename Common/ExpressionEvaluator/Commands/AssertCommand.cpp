@@ -4,7 +4,7 @@
 #include "Instrument/System.h"
 
 namespace {
-constexpr int retryDelay_lc = 100; // milliseconds
+constexpr int retryDelay = 100; // milliseconds
 
 constexpr UsageLine usage_lc[] = {
     L"Usage: Assert [<options>] <boolean expression>",
@@ -74,7 +74,7 @@ ExitCode AssertCommand::Main(ArgumentList& arguments, Options& options)
         // After the last attempt too, as is meant.
         if (!quiet)
             GetPipe().WriteLine(L"Retry: %d", attempt + 1);
-        SleepWithoutSimulationMode(retryDelay_lc);
+        SleepWithoutSimulationMode(retryDelay);
     }
     return FailAssertion(expression, evaluator.GetVariableTrace(), logFailure);
 }

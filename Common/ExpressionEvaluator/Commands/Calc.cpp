@@ -6,8 +6,8 @@
 #include "ExpressionEvaluator.h"
 
 namespace {
-constexpr wchar_t errorMessageName_lc[] = L"ErrMsg";
-constexpr wchar_t errorPositionName_lc[] = L"ErrPos";
+constexpr wchar_t errorMessageName[] = L"ErrMsg";
+constexpr wchar_t errorPositionName[] = L"ErrPos";
 
 constexpr UsageLine usage_lc[] = {
     L"Usage: Calc [<options>] <expression>",
@@ -26,10 +26,10 @@ constexpr UsageLine usage_lc[] = {
     L"          functions. Must be used without command arguments.",
     L" -q     Quiet mode, do not display anything, just return the value",
     L"         in the command return string.",
-    {L" -v     Verification mode, update the environment variables %s &", errorMessageName_lc},
-    {L"         %s with the error message and offending character position", errorPositionName_lc},
-    {L"         in the expression on failure. If successful %s=\"\" and", errorMessageName_lc},
-    {L"         %s=-1. Used for automatic testing.", errorPositionName_lc},
+    {L" -v     Verification mode, update the environment variables %s &", errorMessageName},
+    {L"         %s with the error message and offending character position", errorPositionName},
+    {L"         in the expression on failure. If successful %s=\"\" and", errorMessageName},
+    {L"         %s=-1. Used for automatic testing.", errorPositionName},
     L"",
 };
 
@@ -100,8 +100,8 @@ ExitCode Calc::ShowHelpTexts()
 ExitCode Calc::Evaluate(const WString& expression, bool quiet, bool verify)
 {
     if (verify) {
-        GetEnvironment().SetString(errorMessageName_lc, L"");
-        GetEnvironment().SetInt(errorPositionName_lc, -1);
+        GetEnvironment().SetString(errorMessageName, L"");
+        GetEnvironment().SetInt(errorPositionName, -1);
     }
     EEToken result;
     ExpressionEvaluator evaluator(this, 0);
@@ -120,8 +120,8 @@ ExitCode Calc::FailEvaluation(EvaluationError error, bool quiet, bool verify)
         error.code.SetCommandId(static_cast<unsigned short>(GetCommandId()));
     const int position = static_cast<int>(error.marker.Length());
     if (verify) {
-        GetEnvironment().SetString(errorMessageName_lc, error.message);
-        GetEnvironment().SetInt(errorPositionName_lc, position);
+        GetEnvironment().SetString(errorMessageName, error.message);
+        GetEnvironment().SetInt(errorPositionName, position);
     }
     if (!quiet) {
         GetPipe().WriteLine(L"Error:");

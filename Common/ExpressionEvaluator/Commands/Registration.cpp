@@ -19,14 +19,14 @@ static const AddToCommandVector addIf(CreateCommandIf);
 static const AddToCommandVector addSetCommand(CreateCommandSetCommand);
 static const AddToCommandVector addWhile(CreateCommandWhile);
 
-static const AddToDebugObjectCountVector tokenCounter_lc(
+static const AddToDebugObjectCountVector tokenCounter(
     L"ExpressionEvaluator_EEToken", GetDebugObjectCountExpressionEvaluator_EEToken);
-static const AddToDebugObjectCountVector mapCounter_lc(
+static const AddToDebugObjectCountVector mapCounter(
     L"ExpressionEvaluator_CTokenMap", GetDebugObjectCountExpressionEvaluator_CTokenMap);
 
 LogFile eeLog_gb(L"", L"EELog", 0x100000);
 
-static const AddToDebugObjectCountVector functionCounter_lc(
+static const AddToDebugObjectCountVector functionCounter(
     L"ExpressionEvaluator_CExprFn", GetDebugObjectCountExpressionEvaluator_CExprFn);
 EEFunctionTable fnTable_gb;
 

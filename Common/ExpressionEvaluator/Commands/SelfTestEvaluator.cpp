@@ -17,13 +17,13 @@ struct TypedRow
     const char* outcomes[3];
 };
 
-constexpr char noDouble_lc[] = "129 Expression cannot be evaluated as a number @0";
-constexpr char noInt_lc[] = "130 Expression cannot be evaluated as a number @0";
-constexpr char noBool_lc[] = "131 Expression cannot be evaluated as a number @0";
+constexpr char noDouble[] = "129 Expression cannot be evaluated as a number @0";
+constexpr char noInt[] = "130 Expression cannot be evaluated as a number @0";
+constexpr char noBool[] = "131 Expression cannot be evaluated as a number @0";
 
 constexpr TypedRow typed_lc[] = {
     {"3>2", {"1", "1", "1"}},
-    {"\"1F\"", {"31", "31", noBool_lc}},
+    {"\"1F\"", {"31", "31", noBool}},
     {"-7.9", {"-7.9", "-7", "0"}},
     {"1e10", {"1e+10", "2147483647", "0"}},
     {"-1e10", {"-1e+10", "-2147483648", "0"}},
@@ -32,8 +32,8 @@ constexpr TypedRow typed_lc[] = {
     {"2.22e-15", {"2.22e-15", "0", "1"}},
     {"2.2204460492503131e-15", {"2.22045e-15", "0", "0"}},
     {"2.23e-15", {"2.23e-15", "0", "0"}},
-    {"\"true\"", {noDouble_lc, noInt_lc, "1"}},
-    {"\"x\"", {noDouble_lc, noInt_lc, noBool_lc}},
+    {"\"true\"", {noDouble, noInt, "1"}},
+    {"\"x\"", {noDouble, noInt, noBool}},
     {"1/0", {"133 Divide by zero @3", "133 Divide by zero @3", "133 Divide by zero @3"}},
 };
 

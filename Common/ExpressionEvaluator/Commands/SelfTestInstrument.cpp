@@ -17,7 +17,7 @@ namespace {
 using SelfTest::Row;
 using IntLimits = std::numeric_limits<int>;
 
-constexpr wchar_t nameCharacters_lc[] = L"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.";
+constexpr wchar_t nameCharacters[] = L"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.";
 
 /// Evaluates with an environment of its own.
 class Bench
@@ -28,7 +28,7 @@ public:
     void Set(const WString& name, const WString& value) { environment.SetString(name, value); }
     WString Outcome(const WString& expression) const
     {
-        ExpressionEvaluator evaluator(true, environment, nullptr, nameCharacters_lc, 0);
+        ExpressionEvaluator evaluator(true, environment, nullptr, nameCharacters, 0);
         return SelfTest::Outcome(evaluator, expression);
     }
     void Check(const WString& expression, const WString& outcome) const

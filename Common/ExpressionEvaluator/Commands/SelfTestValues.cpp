@@ -13,8 +13,8 @@
 namespace {
 using SelfTest::ThrownBy;
 
-constexpr double infinity_lc = std::numeric_limits<double>::infinity();
-constexpr double notANumber_lc = std::numeric_limits<double>::quiet_NaN();
+constexpr double infinity = std::numeric_limits<double>::infinity();
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 template <typename Value>
 EEToken Operand(Value value)
@@ -136,9 +136,9 @@ void TestTokens(TestCommand& test)
             "Type: TT_OPERAND, DataType: DT_NUM, Value: -2.22e-15 @7 code 0", "none"},
         {Operand(2.23e-15), "2.23e-15 2.23e-15 #6 #8 2.23e-15 2.23e-15 false", "1 2.23e-15 0 0 0 0 []",
             "Type: TT_OPERAND, DataType: DT_NUM, Value: 2.23e-15 @7 code 0", "none"},
-        {Operand(infinity_lc), "#149 #2 #6 #8 inf - false", "1 inf 0 0 0 0 []",
+        {Operand(infinity), "#149 #2 #6 #8 inf - false", "1 inf 0 0 0 0 []",
             "Type: TT_OPERAND, DataType: DT_NUM, Value: inf @7 code 0", "none"},
-        {Operand(notANumber_lc), "#150 #2 #6 #8 nan - false", "1 nan 0 0 0 0 []",
+        {Operand(notANumber), "#150 #2 #6 #8 nan - false", "1 nan 0 0 0 0 []",
             "Type: TT_OPERAND, DataType: DT_NUM, Value: nan @7 code 0", "none"},
         {Operand(true), "#143 1 true #8 TRUE 1 true", "0 1 0 1 1 0 []",
             "Type: TT_OPERAND, DataType: DT_BOOL, Value: TRUE @7 code 0", "none"},
@@ -345,8 +345,7 @@ void TestMap(TestCommand& test)
 void TestNumbers(TestCommand& test)
 {
     wchar_t text[numberTextSize];
-    for (const auto& [value, name] :
-        {std::pair(infinity_lc, L"inf"), {-infinity_lc, L"-inf"}, {-notANumber_lc, L"nan"}})
+    for (const auto& [value, name] : {std::pair(infinity, L"inf"), {-infinity, L"-inf"}, {-notANumber, L"nan"}})
         Assertion::AreEqual(test, name, efFcvt(value, 3, text), L"A number that is not finite");
     Assertion::AreEqual(test, L"1.50000000000000000000", efFcvt(1.5, 21, text), L"Digits beyond fifteen");
     const auto decompose = [](double value, int count) {
@@ -366,8 +365,7 @@ void TestNumbers(TestCommand& test)
     Assertion::AreEqual(test, L"-12345", text, L"MyItow");
     Assertion::AreEqual(test, 0, efAdjustDblForDisplay(0, 3), L"A nudge for zero");
     Assertion::AreEqual(test, L"149 Number is infinite @-1 150 Not a number @-1",
-        ThrownBy([] { EEToken::ValidNumber(-infinity_lc); }) + L" " +
-            ThrownBy([] { EEToken::ValidNumber(notANumber_lc); }),
+        ThrownBy([] { EEToken::ValidNumber(-infinity); }) + L" " + ThrownBy([] { EEToken::ValidNumber(notANumber); }),
         L"ValidNumber");
 }
 } // namespace

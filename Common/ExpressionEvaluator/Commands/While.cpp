@@ -5,7 +5,7 @@
 #include <limits>
 
 namespace {
-constexpr wchar_t exitCodeName_lc[] = L"EC_While";
+constexpr wchar_t exitCodeName[] = L"EC_While";
 
 constexpr UsageLine usage_lc[] = {
     L"Usage: While <condition> Do <command>[;...]",
@@ -127,9 +127,9 @@ ExitCode While::RunLoop(const Loop& loop)
 {
     const bool ignoresFailures = !loop.ignoredCodes.IsEmpty();
     if (ignoresFailures)
-        GetEnvironment().SetString(exitCodeName_lc, L"0");
+        GetEnvironment().SetString(exitCodeName, L"0");
     else
-        GetEnvironment().TryDelete(exitCodeName_lc);
+        GetEnvironment().TryDelete(exitCodeName);
 
     for (unsigned int count = 1; count <= loop.maxCount; ++count) {
         WaitForTimeControlPointIfRequested(); // no command to notice it when the list is empty
@@ -143,7 +143,7 @@ ExitCode While::RunLoop(const Loop& loop)
             return ExitCode(0);
 
         if (ignoresFailures)
-            GetEnvironment().SetString(exitCodeName_lc, L"0");
+            GetEnvironment().SetString(exitCodeName, L"0");
         if (const ExitCode failure = RunCommands(loop); failure.IsError())
             return failure;
         if (loop.wait != 0)
@@ -166,7 +166,7 @@ ExitCode While::RunCommands(const Loop& loop)
         const ExitCode code = Run(command, GetPipe(), runFlags);
         if (!code.IsError())
             continue;
-        GetEnvironment().SetString(exitCodeName_lc, code.ToString());
+        GetEnvironment().SetString(exitCodeName, code.ToString());
         if (IsExitCodeIgnored(code, loop.ignoredCodes))
             continue;
         if ((GetFlags() & CommandFlags::noFailureLog) == 0)

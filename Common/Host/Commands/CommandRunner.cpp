@@ -25,8 +25,8 @@ public:
     NestingLevel& operator=(const NestingLevel&) = delete;
 };
 
-constexpr unsigned int nameLimit_lc = 60;
-constexpr unsigned int messageLimit_lc = 500;
+constexpr unsigned int nameLimit = 60;
+constexpr unsigned int messageLimit = 500;
 
 WString Shorten(const WString& text, unsigned int limit)
 {
@@ -47,7 +47,7 @@ try {
         throw;
     } catch (const HostException& exception) {
         outcome.code = exception;
-        outcome.message = Shorten(exception.GetMessage(), messageLimit_lc);
+        outcome.message = Shorten(exception.GetMessage(), messageLimit);
     } catch (const ExitCode& code) {
         outcome.code = code;
     } catch (const std::bad_alloc&) {
@@ -56,7 +56,7 @@ try {
     } catch (const std::exception& exception) {
         outcome.code = MakeCode(HostError::UnexpectedException);
         const HostException described(HostError::UnexpectedException, WString::FromUtf8(exception.what()));
-        outcome.message = Shorten(described.GetMessage(), messageLimit_lc);
+        outcome.message = Shorten(described.GetMessage(), messageLimit);
     } catch (...) {
         outcome.code = MakeCode(HostError::UnexpectedException);
     }
@@ -79,9 +79,9 @@ WString Describe(const ExitCode& code, const Options& options)
 void AddMessage(CommandRunner::Outcome& outcome, const CommandBase& command, const Options& options) noexcept
 try {
     if (outcome.code.IsError() && outcome.message.IsEmpty())
-        outcome.message = Shorten(command.GetFailureMessage(), messageLimit_lc);
+        outcome.message = Shorten(command.GetFailureMessage(), messageLimit);
     if (outcome.code.IsError() && outcome.message.IsEmpty())
-        outcome.message = Shorten(Describe(outcome.code, options), messageLimit_lc);
+        outcome.message = Shorten(Describe(outcome.code, options), messageLimit);
 } catch (...) { // nothing to add to the code
 }
 } // namespace
@@ -125,7 +125,7 @@ void CommandRunner::RunLine(
     if (name.IsEmpty())
         return;
     const CommandRegistry::Entry* entry = CommandRegistry::FindOrNull(name);
-    outcome.command = entry ? entry->name : Shorten(name, nameLimit_lc);
+    outcome.command = entry ? entry->name : Shorten(name, nameLimit);
 
     Abort::ThrowIfRequested();
     const NestingLevel nesting;

@@ -15,7 +15,7 @@
 namespace {
 
 // A process of another word size would see another table: its size tells it apart.
-constexpr std::uint32_t layout_lc = 0x05900000 + sizeof(OS9EventTable);
+constexpr std::uint32_t layoutNumber = 0x05900000 + sizeof(OS9EventTable);
 
 constexpr int longestWait = 1000; // ms until another process has looked
 
@@ -45,7 +45,7 @@ void MakeMutex(OS9EventTable& table)
     pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST);
     pthread_mutex_init(&table.mutex, &attributes);
     pthread_mutexattr_destroy(&attributes);
-    table.layout = layout_lc;
+    table.layout = layoutNumber;
 }
 
 /// Lets one process at a time look whether the table is complete. A mapping keeps the open file, so closing the
@@ -79,7 +79,7 @@ OS9EventTable* Map()
     auto* table = static_cast<OS9EventTable*>(memory);
     if (table->layout == 0)
         MakeMutex(*table);
-    if (table->layout == layout_lc)
+    if (table->layout == layoutNumber)
         return table;
     munmap(memory, sizeof(OS9EventTable));
     return nullptr;

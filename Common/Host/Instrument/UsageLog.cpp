@@ -17,13 +17,13 @@
 
 namespace {
 
-constexpr char setup_lc[] = "PRAGMA journal_mode = WAL;"
-                            "PRAGMA synchronous = NORMAL;"
-                            "CREATE TABLE IF NOT EXISTS counters ("
-                            " key TEXT PRIMARY KEY," // the name in lower case
-                            " name TEXT NOT NULL,"   // as first spelled
-                            " value INTEGER NOT NULL"
-                            ") WITHOUT ROWID";
+constexpr char setup[] = "PRAGMA journal_mode = WAL;"
+                         "PRAGMA synchronous = NORMAL;"
+                         "CREATE TABLE IF NOT EXISTS counters ("
+                         " key TEXT PRIMARY KEY," // the name in lower case
+                         " name TEXT NOT NULL,"   // as first spelled
+                         " value INTEGER NOT NULL"
+                         ") WITHOUT ROWID";
 
 enum Query
 {
@@ -45,13 +45,13 @@ constexpr const char* queries_lc[] = {
 };
 static_assert(std::size(queries_lc) == queryCount);
 
-constexpr std::chrono::milliseconds patience_lc(1000);
+constexpr std::chrono::milliseconds patience(1000);
 
 /// Waits for other processes to write, unless an abort is requested.
 int WaitWhileBusy(void*, int timesBefore)
 {
     constexpr std::chrono::milliseconds step(5);
-    if (timesBefore * step >= patience_lc || Abort::IsRequested())
+    if (timesBefore * step >= patience || Abort::IsRequested())
         return 0;
     std::this_thread::sleep_for(step);
     return 1;
@@ -60,10 +60,10 @@ int WaitWhileBusy(void*, int timesBefore)
 /// SQLite does not wait by itself where two connections change the journal of a new file at once.
 bool TrySetUp(sqlite3* connection)
 {
-    const auto end = std::chrono::steady_clock::now() + patience_lc;
+    const auto end = std::chrono::steady_clock::now() + patience;
     int result = SQLITE_BUSY;
     do
-        result = sqlite3_exec(connection, setup_lc, nullptr, nullptr, nullptr);
+        result = sqlite3_exec(connection, setup, nullptr, nullptr, nullptr);
     while (result == SQLITE_BUSY && std::chrono::steady_clock::now() < end && WaitWhileBusy(nullptr, 0));
     return result == SQLITE_OK;
 }

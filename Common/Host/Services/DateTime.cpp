@@ -6,11 +6,11 @@
 
 using namespace std::chrono;
 
-static constexpr sys_days dayZero_lc = 1899y / December / 30;
+static constexpr sys_days dayZero = 1899y / December / 30;
 
 static constexpr int ToDayNumber(year_month_day date)
 {
-    return static_cast<int>((sys_days(date) - dayZero_lc).count());
+    return static_cast<int>((sys_days(date) - dayZero).count());
 }
 
 DateTime DateTime::Now()
@@ -49,7 +49,7 @@ DateTime DateTime::FromDays(int days) noexcept
 
 int DateTime::ToDateInt() const noexcept
 {
-    const year_month_day date(dayZero_lc + std::chrono::days(days));
+    const year_month_day date(dayZero + std::chrono::days(days));
     const unsigned int monthAndDay =
         static_cast<unsigned int>(date.month()) * 100 + static_cast<unsigned int>(date.day());
     return static_cast<int>(date.year()) * 10000 + static_cast<int>(monthAndDay);

@@ -3,6 +3,8 @@
 #include "Text/NumberText.h"
 
 #include <array>
+#include <cstdint>
+#include <limits>
 
 WString ExitCode::ToString() const
 {
@@ -28,12 +30,13 @@ bool ExitCode::TryParse(const WString& text, ExitCode& code)
     const std::size_t second = view.find(L':', first + 1);
     if (second == std::wstring_view::npos)
         return false;
+    constexpr unsigned int max16 = std::numeric_limits<std::uint16_t>::max();
     unsigned int id = 0;
     unsigned int moduleNumber = 0;
     unsigned int errorNumber = 0;
-    if (!TryReadUnsigned(view.substr(0, first), 10, 0xFFFF, id) ||
-        !TryReadUnsigned(view.substr(first + 1, second - first - 1), 10, 0xFFFF, moduleNumber) ||
-        !TryReadUnsigned(view.substr(second + 1), 10, 0xFFFFFFFF, errorNumber))
+    if (!TryReadUnsigned(view.substr(0, first), 10, max16, id) ||
+        !TryReadUnsigned(view.substr(first + 1, second - first - 1), 10, max16, moduleNumber) ||
+        !TryReadUnsigned(view.substr(second + 1), 10, std::numeric_limits<std::uint32_t>::max(), errorNumber))
         return false;
     code = ExitCode(static_cast<std::uint16_t>(id), static_cast<std::uint16_t>(moduleNumber), errorNumber);
     return true;

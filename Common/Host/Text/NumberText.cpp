@@ -2,6 +2,8 @@
 
 #include <array>
 #include <charconv>
+#include <cstdint>
+#include <limits>
 #include <locale.h>
 #include <wchar.h>
 
@@ -130,7 +132,8 @@ bool TryReadVersion(std::wstring_view text, unsigned long long& value) noexcept
     for (;;) {
         const std::size_t dot = text.find(L'.');
         unsigned int number = 0;
-        if (count == parts || !TryReadUnsigned(text.substr(0, dot), 10, 0xFFFF, number))
+        if (count == parts ||
+            !TryReadUnsigned(text.substr(0, dot), 10, std::numeric_limits<std::uint16_t>::max(), number))
             return false;
         version = version << 16 | number;
         ++count;

@@ -4,14 +4,14 @@
 #include <fmt/printf.h>
 #include <stdexcept>
 
-static constexpr unsigned int maxField_lc = 4096; // of a width or precision: a wrong one must not eat the memory
+static constexpr unsigned int maxField = 4096; // of a width or precision: a wrong one must not eat the memory
 
 static const wchar_t* SkipField(const wchar_t* at)
 {
     unsigned int field = 0;
     for (; *at >= L'0' && *at <= L'9'; ++at) {
         field = field * 10 + static_cast<unsigned int>(*at - L'0');
-        if (field > maxField_lc)
+        if (field > maxField)
             throw std::invalid_argument("WString::Format: width or precision is too large");
     }
     return at;

@@ -4,8 +4,8 @@
 
 #include <algorithm>
 #include <array>
-#include <climits>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 namespace {
@@ -128,13 +128,14 @@ bool WString::EndsWith(const WString& suffix, bool ignoreCase) const
 
 int WString::IndexOf(const WString& find, int start) const
 {
+    constexpr int maxIndex = std::numeric_limits<int>::max();
     const std::size_t begin = start > 0 ? static_cast<std::size_t>(start) : 0;
     if (find.IsEmpty())
-        return begin <= length && begin <= INT_MAX ? static_cast<int>(begin) : -1;
+        return begin <= length && begin <= maxIndex ? static_cast<int>(begin) : -1;
     const std::size_t index = Finder(find.View(), false).Find(View(), begin);
     if (index == std::wstring_view::npos)
         return -1;
-    return index < INT_MAX ? static_cast<int>(index) : INT_MAX;
+    return index < maxIndex ? static_cast<int>(index) : maxIndex;
 }
 
 void WString::Replace(const WString& find, const WString& with, bool ignoreCase)
