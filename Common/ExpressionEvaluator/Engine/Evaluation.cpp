@@ -360,7 +360,8 @@ bool ExpressionEvaluator::CallFunction(
     return true;
 }
 
-/// A function that caught an abort, or evaluated what was ended by one, does not hide it, whatever it answers or throws.
+/// A function that caught an abort, or evaluated what was ended by one, does not hide it, whatever it answers or
+/// throws.
 void ExpressionEvaluator::ThrowIfEnded() const
 {
     Abort::ThrowIfRequested();
