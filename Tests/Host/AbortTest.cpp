@@ -28,7 +28,7 @@ protected:
         const std::string bytes = text.ToUtf8();
         const WString pattern = L"*" + text.Left(2000) + L"?b*";
         return {
-            {"copy", [=] { const WString copy(text); }},
+            {"copy", [=] { WString() = text; }},
             {"append", [=] { WString(L"x").Append(text.View()); }},
             {"upper case", [=] { text.ToUpperCase(); }},
             {"lower case", [=] { text.ToLowerCase(); }},

@@ -263,7 +263,7 @@ TEST(ShortageOfTheShell, EndsItWithOneLine)
     int runs = 0;
     // The first allocation is the memory that exceptions are thrown from where there is no other.
     for (unsigned int first = 2;; first += 1 + first / 8) {
-        const int status = std::system((command + std::to_string(first) + rest).c_str());
+        const int status = std::system(std::string(command).append(std::to_string(first)).append(rest).c_str());
         ASSERT_TRUE(WIFEXITED(status)) << first << " " << status;
         const std::string errors = folder.Read("errors");
         if (WEXITSTATUS(status) == 0) {
