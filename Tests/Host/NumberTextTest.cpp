@@ -22,8 +22,8 @@ static void ExpectReadAsWcstod(const std::wstring& text)
 {
     wchar_t* expectedEnd = nullptr;
     const double expected = std::wcstod(text.c_str(), &expectedEnd);
-    const wchar_t* end = nullptr;
-    const double value = ReadDouble(text.c_str(), &end);
+    double value = 0;
+    const wchar_t* const end = ReadDouble(text.c_str(), value);
     EXPECT_EQ(Reading(value, end - text.c_str()), Reading(expected, expectedEnd - text.c_str()))
         << WString(text).ToUtf8();
 }
@@ -127,12 +127,11 @@ TEST(Format, AgreesWithTheCLibrary)
 TEST(Numbers, DoNotDependOnTheLocale)
 {
     const DecimalCommaLocale locale;
-    const wchar_t* end = nullptr;
-    for (const wchar_t* text : {L"1.5e1,5", L"+15.,5", L"0x1E.0,5"}) { // the ways through ReadDouble
-        EXPECT_EQ(ReadDouble(text, &end), text[1] == L'x' ? 30 : 15) << WString(text).ToUtf8();
-        EXPECT_STREQ(end, L",5");
-    }
     double value = 0;
+    for (const wchar_t* text : {L"1.5e1,5", L"+15.,5", L"0x1E.0,5"}) { // the ways through ReadDouble
+        EXPECT_STREQ(ReadDouble(text, value), L",5");
+        EXPECT_EQ(value, text[1] == L'x' ? 30 : 15) << WString(text).ToUtf8();
+    }
     EXPECT_TRUE(WString(L"-12.50").TryParseDouble(value, -12.5, -12.5));
     EXPECT_FALSE(WString(L"12,5").TryParseDouble(value, -100, 100));
     EXPECT_EQ(WString::Format(L"%.2f %g %e %d", 1234567.5, 0.5, 1.5, 1234567), L"1234567.50 0.5 1.500000e+00 1234567");

@@ -61,8 +61,7 @@ void UseTokens(TestCommand& test)
     token.SetValue(true);
     Check(test, L"boolean", {token.TryGetValue(&truth), token.TryCast(truth), token.GetBool()});
     token.SetValue(WString(L"a"));
-    token.SetValue(L"ab");
-    token.AppendText(L"c");
+    token.SetValue(L"abc");
     Check(test, L"text", {token.TryGetValue(text), text == token.GetWString(false), text == token.GetString(false)});
     Assertion::AreEqual(test, L"abc", token.ToString(), L"text");
     Assertion::IsTrue(test, token.GetDumpString().IndexOf(L"abc") >= 0, L"dump");
@@ -91,9 +90,8 @@ void UseStackAndMap(TestCommand& test)
     stack.Put(token);
     stack.Put(EEToken(token));
     EETokenStack other(&stack);
-    stack.MoveTopTo(other);
-    stack.MoveTopToBottomOf(other);
-    Check(test, L"stack", {stack.PopBool(), stack.Peek().GetBool(), stack.GetTail().GetBool(), stack.Pop().GetBool()});
+    stack.Drop(3);
+    Check(test, L"stack", {stack.Peek().GetBool(), stack.GetTail().GetBool(), stack.Pop().GetBool()});
     Assertion::AreEqual(test, L"9 ", ThrownBy([&] { stack.PopNumber(); }).Left(2), L"empty stack");
     Assertion::IsTrue(test, other.ToString(false).Length() < other.GetDumpString().Length(), L"dumps");
 

@@ -38,39 +38,16 @@ TEST(StackTest, HoldsCopiesPushedOnTopAndPutAtTheBottom)
     EXPECT_EQ(stack.ToString(true) + stack.GetDumpString(), L"");
 }
 
-TEST(StackTest, TokensMoveBetweenStacksAsTheyAre)
-{
-    EETokenStack from;
-    EETokenStack to;
-    for (const wchar_t* text : {L"a", L"b", L"c", L"d"})
-        from.Put(Operand(text));
-    const EEToken* first = &from.Peek();
-    from.MoveTopTo(to);
-    from.MoveTopToBottomOf(to);
-    from.MoveTopTo(to);
-    EXPECT_EQ((from.ToString(false) + L"| " + to.ToString(false)).ToUtf8(), "d | c a b ");
-    EXPECT_EQ(to.GetTail().ToString(), L"b");
-    to.Pop();
-    EXPECT_EQ(&to.Peek(), first);
-    from.MoveTopToBottomOf(to);
-    EXPECT_EQ(to.ToString(false), L"a b d ");
-    EXPECT_EQ(ThrownBy([&] { from.MoveTopTo(to); }), "9 Stack empty @0");
-    EXPECT_EQ(ThrownBy([&] { from.MoveTopToBottomOf(to); }), "9 Stack empty @0");
-}
-
-TEST(StackTest, NumbersAndBooleansAreReadOffTheTop)
+TEST(StackTest, NumbersAreReadOffTheTop)
 {
     EETokenStack stack;
-    for (const EEToken& token : {Operand(1.5), Operand(true), Operand(L"one")})
+    for (const EEToken& token : {Operand(1.5), Operand(L"one")})
         stack.Put(token);
     EXPECT_EQ(stack.PopNumber(), 1.5);
-    EXPECT_TRUE(stack.PopBool());
     EXPECT_EQ(ThrownBy([&] { stack.PopNumber(); }), "4 Type mismatch @7");
-    EXPECT_EQ(ThrownBy([&] { stack.PopBool(); }), "6 Type mismatch @7");
     EXPECT_EQ(stack.ToString(false), L"one ");
     stack.Clear();
     EXPECT_EQ(ThrownBy([&] { stack.PopNumber(); }), "9 Stack empty @0");
-    EXPECT_EQ(ThrownBy([&] { stack.PopBool(); }), "9 Stack empty @0");
 }
 
 TEST(StackTest, TextsOfTheWholeStack)
@@ -100,8 +77,6 @@ TEST(StackTest, OperationsAreLoggedWhileTheLogIsOn)
         eeLog_gb.SetEnabled(true);
         stack.Put(text);
         stack.Push(text);
-        stack.MoveTopTo(stack);
-        stack.MoveTopToBottomOf(stack);
         stack.Pop();
         eeLog_gb.SetEnabled(false);
         stack.Pop();
@@ -109,8 +84,7 @@ TEST(StackTest, OperationsAreLoggedWhileTheLogIsOn)
     });
     EXPECT_TRUE(process.Wait());
     const std::string dump = ": Type: TT_OPERAND, DataType: DT_STR, Value: %d\n";
-    EXPECT_EQ(folder.Read("EELog.txt"),
-        "Put" + dump + "Push" + dump + "Pop" + dump + "Push" + dump + "Pop" + dump + "Put" + dump + "Pop" + dump);
+    EXPECT_EQ(folder.Read("EELog.txt"), "Put" + dump + "Push" + dump + "Pop" + dump);
 }
 
 TEST(MapTest, FindsCopiesInAnyCase)

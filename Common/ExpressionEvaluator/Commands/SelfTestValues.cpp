@@ -243,10 +243,7 @@ void TestTokenOperations(TestCommand& test)
     Assertion::AreEqual(test, L"FALSE", fresh.ToString(), L"A new boolean");
     fresh.SetNoPrm(8);
     Assertion::IsTrue(test, !fresh.IsMissingVariable() && !fresh.IsNa(), L"A new error is no missing variable");
-    EEToken joined = Operand(1.0);
-    joined.AppendText(L"a");
-    joined.AppendText(L"b");
-    Assertion::AreEqual(test, L"1ab", joined.ToString(), L"AppendText");
+    const EEToken quoted = Operand(L"1ab");
     Assertion::AreEqual(test, L"#UnknownVariable ? #UnknownVariable #NA1",
         EEToken(TT_NONE, L"x").ToString() + L" " + EEToken(10, L"?").ToString() + L" " +
             EEToken(TT_END, L"").ToString() + L" " + EEToken(TT_OPERAND, L"").ToString(),
@@ -260,7 +257,7 @@ void TestTokenOperations(TestCommand& test)
     Assertion::AreEqual(test, L"first", first, L"The first of ten texts");
     Assertion::IsTrue(test, Operand(L"eleventh").GetString(false) == first, L"The eleventh text takes the first place");
 
-    const ExpressionEvaluatorException quoting(10, L"'%t' is not '%T'", &joined, 3);
+    const ExpressionEvaluatorException quoting(10, L"'%t' is not '%T'", &quoted, 3);
     Assertion::AreEqual(test, L"10 '1ab' is not '1ab' @3", ThrownBy([&] { throw quoting; }), L"A message that quotes");
     Assertion::AreEqual(test, L"0:505:132", ThrownBy([] { CheckAndThrowExitCode(ExitCode(7, 8, 0)); }), L"No error");
     Assertion::AreEqual(test, L"0:505:133", ThrownBy([] { CheckAndThrowExitCode(ExitCode(0, 505, 133)); }), L"Error");
@@ -283,8 +280,8 @@ void TestStack(TestCommand& test)
     Assertion::AreEqual(test, L"1 t TRUE #NA1 bad <> \u00B1 abs ", stack.ToString(false), L"A stack");
 
     EETokenStack other;
-    stack.MoveTopTo(other);
-    stack.MoveTopToBottomOf(other);
+    other.Push(stack.Pop());
+    other.Put(stack.Pop());
     EEToken token = Operand(2.5);
     other.Push(&token);
     other.Push(token);
@@ -295,12 +292,11 @@ void TestStack(TestCommand& test)
         L"Tail, top and count");
     Assertion::AreEqual(test, 2.5, other.PopNumber(), L"PopNumber");
     Assertion::AreEqual(test, L"2.5", other.Pop().ToString(), L"Pop");
-    Assertion::IsTrue(test, stack.PopBool() && stack.Count() == 5, L"PopBool");
+    Assertion::IsTrue(test, stack.Pop().GetBool() && stack.Count() == 5, L"Pop of a boolean");
     Assertion::AreEqual(test,
         L"Type: TT_OPERAND, DataType: DT_NUM, Value: 1\nType: TT_OPERAND, DataType: DT_STR, Value: t\n",
         other.GetDumpString(), L"The dump of a stack");
-    Assertion::AreEqual(test, L"6 Type mismatch @7", ThrownBy([&] { other.PopBool(); }), L"PopBool of a number");
-    Assertion::AreEqual(test, 2, other.Count(), L"A failed PopBool removes nothing");
+    Assertion::AreEqual(test, L"6 Type mismatch @7", ThrownBy([&] { other.Peek().GetBool(); }), L"GetBool of a number");
     other.Clear();
     Assertion::IsTrue(test, other.IsEmpty() && !copy.IsEmpty(), L"Clear");
     Assertion::AreEqual(test, L"9 Stack empty @0", ThrownBy([&] { other.Pop(); }), L"Pop of nothing");

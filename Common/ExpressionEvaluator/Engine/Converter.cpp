@@ -1,274 +1,232 @@
-#include "ExpressionEvaluator.h"
+#include "Converter.h"
 
-#include "ExpressionEvaluatorException.h"
-#include "OperatorTable.h"
+#include "ExpressionEvaluator.h"
 #include "Text/Abort.h"
 
-namespace {
-/// What has just been read of a sub-expression, and so what may come next.
-enum class State
+bool Converter::Fail(const EvaluatorError& error, const wchar_t* at)
 {
-    AfterOperator, // a binary operator, "(", or nothing yet
-    AfterSign,     // a unary operator
-    AfterOperand
-};
+    return evaluator.Fail(error, at);
+}
 
-/// A sub-expression on its way to postfix order: operands go to the output at once, operators wait on a stack until one
-/// that binds less follows.
-///
-///     1 + 2 * 3      output 1 2 3      operators + *      end: 1 2 3 * +
-///     2 * 3 + 1      output 2 3 *      operators +        "+" binds less than "*", which left the stack before it
-class SubExpression
+static constexpr Item beginning_lc = Item::Mark(TT_PRMLIST, L"|", 0);
+static constexpr Item separator_lc = Item::Mark(TT_PRMSEP, L",", 0);
+
+/// What operators wait above: the beginning of a sub-expression, and an opening parenthesis.
+static constexpr OperatorRow boundary_lc = {L"(", 0, 0, Operation::And};
+
+inline void Converter::BeginSubExpression()
 {
-public:
-    SubExpression(ExpressionEvaluator& evaluator, const wchar_t* start, wchar_t*& cursor, EETokenStack& output)
-        : evaluator(evaluator), start(start), cursor(cursor), output(output)
-    {}
+    workspace.operators.Push({&boundary_lc, 0});
+    current = {};
+}
 
-    bool Convert(int* terminator);
-
-private:
-    ExpressionEvaluator& evaluator;
-    const wchar_t* const start;
-    wchar_t*& cursor;
-    EETokenStack& output;
-    EETokenStack operators;
-    State state = State::AfterOperator;
-    int depth = 0; // parentheses opened here and not yet closed
-
-    bool Take(EEToken& token, int* terminator);
-    bool TakeSign(EEToken& token);
-    bool TakeEnd(const EEToken& token, int* terminator);
-    bool TakeOpen(EEToken& token);
-    bool TakeClose(const EEToken& token, int* terminator);
-    bool TakeOperator(EEToken& token, bool expected, const EvaluatorError& unexpected);
-    bool TakeCall(EEToken& token);
-    bool TakeOperand(const EEToken& token);
-
-    bool IsAfterOperand() const noexcept { return state == State::AfterOperand; }
-    bool Fail(const EvaluatorError& error) { return evaluator.Fail(error, cursor); }
-    bool Finish(int type, int* terminator);
-};
-
-/// Ends the sub-expression: the waiting operators go to the output.
-bool SubExpression::Finish(int type, int* terminator)
+/// What the log shows of one that waits.
+static Item AsItem(const WaitingOperator& waiting)
 {
-    while (!operators.IsEmpty())
-        operators.MoveTopToBottomOf(output);
-    *terminator = type;
+    if (waiting.row == &boundary_lc)
+        return Item::Mark(TT_LEFTP, waiting.row->GetName(), waiting.position);
+    return Item::Operator(*waiting.row, waiting.position);
+}
+
+inline void Converter::PushOperator(const OperatorRow& row, int position)
+{
+    const WaitingOperator waiting = {&row, position};
+    if (workspace.isLogged)
+        workspace.Log(L"Push", AsItem(waiting));
+    workspace.operators.Push(waiting);
+}
+
+inline const WaitingOperator& Converter::PopOperator()
+{
+    if (workspace.isLogged)
+        workspace.Log(L"Pop", AsItem(workspace.operators.GetTop()));
+    return workspace.operators.Pop();
+}
+
+/// Puts out the waiting operators of that priority and above.
+inline void Converter::PutOperators(int priority)
+{
+    while (workspace.operators.GetTop().row->priority >= priority) {
+        const WaitingOperator& waiting = PopOperator();
+        Item& item = workspace.postfix.GetNext();
+        item.position = waiting.position;
+        item.SetOperator(waiting.row->GetType(), *waiting.row);
+        workspace.PutNext(item);
+    }
+}
+
+[[gnu::always_inline]] inline bool Converter::TakeOperand(const Item& item)
+{
+    if (IsAfterOperand())
+        return Fail(Errors::OperandAfterOperand);
+    workspace.PutNext(item);
+    current.state = SubExpression::AfterOperand;
     return true;
 }
 
-/// sub-expression: tokens up to the end of the text, a "," or an unmatched ")"
-bool SubExpression::Convert(int* terminator)
+[[gnu::always_inline]] inline bool Converter::TakeOperator(const OperatorRow& row, int position)
 {
-    EEToken token;
-    *terminator = TT_NONE;
-    while (*terminator == TT_NONE) {
-        Abort::ThrowIfRequested();
-        if (!evaluator.GetToken(token, &cursor) || !Take(token, terminator))
-            return false;
-    }
+    if (!IsAfterOperand())
+        return Fail(Errors::OperandExpectedAtBinary);
+    const bool groupsFromTheRight = row.operation == Operation::Raise;
+    PutOperators(row.priority + (groupsFromTheRight ? 1 : 0));
+    PushOperator(row, position);
+    current.state = SubExpression::AfterOperator;
     return true;
 }
 
-bool SubExpression::Take(EEToken& token, int* terminator)
+[[gnu::always_inline]] inline bool Converter::TakeOpen(int position)
 {
-    if (token.GetType() == TT_DUALOP) {
-        if (!IsAfterOperand())
-            return TakeSign(token);
-        token.SetType(TT_BINARYOP);
-    }
-    switch (token.GetType()) {
-    case TT_END:
-    case TT_PRMSEP: return TakeEnd(token, terminator);
-    case TT_LEFTP: return TakeOpen(token);
-    case TT_RIGHTP: return TakeClose(token, terminator);
-    case TT_BINARYOP: return TakeOperator(token, IsAfterOperand(), Errors::OperandExpectedAtBinary);
-    case TT_UNARYOP: return TakeOperator(token, !IsAfterOperand(), Errors::UnaryAfterOperand);
-    case TT_FUNCOP: return TakeCall(token);
-    case TT_OPERAND: return TakeOperand(token);
-    default: return Fail(Errors::TokenUnrecognized);
-    }
+    if (IsAfterOperand())
+        return Fail(Errors::OperatorExpected);
+    PushOperator(boundary_lc, position);
+    ++current.depth;
+    current.state = SubExpression::AfterOperator;
+    return true;
+}
+
+/// A ")" that nothing in the sub-expression opened belongs to the call around it; where it stands in place of an
+/// operand of that call, an argument is missing.
+[[gnu::always_inline]] inline bool Converter::TakeClose()
+{
+    if (!IsAfterOperand())
+        return Fail(workspace.calls.IsEmpty() ? Errors::OperandExpectedAtClose : Errors::EmptyArgument);
+    if (current.depth == 0)
+        return EndSubExpression(TT_RIGHTP);
+    PutOperators(1);
+    PopOperator();
+    --current.depth;
+    return true;
 }
 
 /// A "+" or "-" where an operand is due; a plus has no effect. Nothing binds tighter than the minus, so it waits on top
 /// of all others.
-bool SubExpression::TakeSign(EEToken& token)
+bool Converter::TakeSign(const Item& item)
 {
-    if (state == State::AfterSign)
+    if (current.state == SubExpression::AfterSign)
         return Fail(Errors::TwoUnaryOperators);
-    if (token.Is(L'&'))
+    if (item.row->operation == Operation::Join)
         return Fail(Errors::OperandExpectedAtDual);
-    if (token.Is(L'-')) {
-        token.SetToken(TT_UNARYOP, unaryMinus);
-        operators.Push(token);
-    }
-    state = State::AfterSign;
+    if (item.row->operation == Operation::Subtract)
+        PushOperator(RowOf(Operation::Negate), item.position);
+    current.state = SubExpression::AfterSign;
     return true;
 }
 
-bool SubExpression::TakeEnd(const EEToken& token, int* terminator)
+bool Converter::TakeEnd(int type)
 {
     if (!IsAfterOperand())
         return Fail(Errors::OperandExpectedAtEnd);
-    if (depth > 0)
+    if (current.depth > 0)
         return Fail(Errors::CloseExpected);
-    return Finish(token.GetType(), terminator);
+    return EndSubExpression(type);
 }
 
-bool SubExpression::TakeOpen(EEToken& token)
-{
-    if (IsAfterOperand())
-        return Fail(Errors::OperatorExpected);
-    operators.Push(token);
-    ++depth;
-    state = State::AfterOperator;
-    return true;
-}
-
-/// A ")" that nothing here opened belongs to an enclosing call.
-bool SubExpression::TakeClose(const EEToken& token, int* terminator)
-{
-    if (!IsAfterOperand())
-        return Fail(Errors::OperandExpectedAtClose);
-    if (depth == 0)
-        return Finish(token.GetType(), terminator);
-    while (operators.Peek().GetType() != TT_LEFTP)
-        operators.MoveTopToBottomOf(output);
-    operators.Pop();
-    --depth;
-    return true;
-}
-
-bool SubExpression::TakeOperator(EEToken& token, bool expected, const EvaluatorError& unexpected)
-{
-    if (!expected)
-        return Fail(unexpected);
-    const int priority = token.GetPriority();
-    while (!operators.IsEmpty()) {
-        EEToken& waiting = operators.Peek();
-        if (waiting.GetType() == TT_LEFTP || waiting.GetPriority() < priority ||
-            (waiting.GetPriority() == priority && token.IsRightAssoc()))
-            break;
-        operators.MoveTopToBottomOf(output);
-    }
-    operators.Push(token);
-    state = State::AfterOperator;
-    return true;
-}
-
-bool SubExpression::TakeCall(EEToken& token)
+bool Converter::TakeCall(const Item& function)
 {
     if (IsAfterOperand())
         return Fail(Errors::CallAfterOperand);
-    if (token.GetNoPrm() == 0)
+    if (function.dataType == 0)
         return Fail(Errors::FunctionWithoutParameters);
-    int ended = TT_NONE;
-    return evaluator.InfixFunctionToPostfix(start, token, cursor, &ended, output) && TakeOperand(token);
+    return OpenCall(function);
 }
 
-bool SubExpression::TakeOperand(const EEToken& token)
+bool Converter::OpenCall(const Item& function)
 {
-    if (IsAfterOperand())
-        return Fail(Errors::OperandAfterOperand);
-    output.Put(token);
-    state = State::AfterOperand;
+    if (static_cast<int>(workspace.calls.GetSize()) + evaluator.callDepth >= ExpressionEvaluator::maxCallDepth)
+        return Fail(Errors::NestedTooDeeply);
+    workspace.calls.Push({function, current, GetCursor(), 1});
+    Item beginning = beginning_lc;
+    beginning.position = static_cast<int>(GetCursor() - start); // at the "(", counted from 1
+    workspace.Put(beginning);
+    BeginSubExpression();
     return true;
 }
 
-/// Out of line, because the recursion of calls within calls runs through the caller's stack frame.
-[[gnu::noinline]] void PutMark(EETokenStack& postfix, int type, wchar_t ch, int position)
+/// The operators that still wait go to the output.
+bool Converter::EndSubExpression(int type)
 {
-    postfix.Put(EEToken(type, ch, position));
-}
-} // namespace
-
-// NOLINTNEXTLINE(performance-unnecessary-value-param): the form that other plug-ins are linked against
-bool ExpressionEvaluator::Infix2Postfix(WString expression, EETokenStack& postfix)
-{
-    return Convert(expression.ToCString(), postfix);
+    PutOperators(1);
+    if (!workspace.calls.IsEmpty())
+        return EndArgument(workspace.calls.GetTop(), type);
+    ended = type;
+    return false;
 }
 
-/// An exception is an error behind what has been read.
-bool ExpressionEvaluator::Convert(const wchar_t* expression, EETokenStack& postfix)
+bool Converter::EndArgument(PendingCall& call, int type)
 {
-    wchar_t* cursor = const_cast<wchar_t*>(expression); // only moved, never written through
-    EEToken error;
-    try {
-        return ConvertAll(expression, cursor, postfix);
-    } catch (...) {
-        error.SetPosition(static_cast<int>(cursor - expression));
-        TakeThrown(error);
-    }
-    return RecordValue(error);
-}
-
-/// expression: sub-expression, end of text
-bool ExpressionEvaluator::ConvertAll(const wchar_t* expression, wchar_t*& cursor, EETokenStack& postfix)
-{
-    postfix.Clear();
-    record.expressionStart = expression;
-    int terminator = TT_NONE;
-    if (!InfixSubExpr2Postfix(expression, cursor, &terminator, postfix))
-        return false;
-    switch (terminator) {
-    case TT_END: return true;
-    case TT_RIGHTP: return Fail(Errors::CloseUnmatched, cursor);
-    case TT_PRMSEP: return Fail(Errors::SeparatorOutsideCall, cursor);
-    default: return Fail(Errors::EndExpected, cursor);
-    }
-}
-
-bool ExpressionEvaluator::InfixSubExpr2Postfix(
-    const wchar_t* start, wchar_t*& cursor, int* terminator, EETokenStack& postfix)
-{
-    record.expressionStart = start;
-    return SubExpression(*this, start, cursor, postfix).Convert(terminator);
-}
-
-/// arguments: sub-expression { "," sub-expression } ")"
-///
-/// f(a, b) becomes "|", postfix of a, ",", postfix of b; the caller appends f.
-bool ExpressionEvaluator::InfixFunctionToPostfix(
-    const wchar_t* start, EEToken& function, wchar_t*& cursor, int* terminator, EETokenStack& postfix)
-{
-    if (callDepth == maxCallDepth)
-        return Fail(Errors::NestedTooDeeply, cursor);
-    ExpressionEvaluator nested(this);
-    PutMark(postfix, TT_PRMLIST, L'|', static_cast<int>(cursor - start)); // at the "(", counted from 1
-
-    const int expected = function.GetType() == TT_FUNCOP ? function.GetNoPrm() : 0; // below 0: any number
-    for (int given = 1;; ++given) {
-        const wchar_t* argument = cursor;
-        if (!nested.InfixSubExpr2Postfix(start, cursor, terminator, postfix))
-            return ReportArgument(nested);
-
-        const bool tooMany = expected >= 0 && given > expected;
-        if (*terminator == TT_PRMSEP) {
-            if (tooMany)
-                return Fail(Errors::TooManyParametersAtSeparator, argument);
-            PutMark(postfix, TT_PRMSEP, L',', 0);
-            continue;
-        }
-        if (given < expected)
-            return Fail(Errors::MissingParameter, cursor);
-        if (*terminator != TT_RIGHTP)
-            return Fail(Errors::CallUnclosed, cursor);
-        if (tooMany)
-            return Fail(Errors::TooManyParametersAtClose, argument);
-        function.SetNoPrm(given);
+    const int expected = call.function.dataType; // below 0: any number
+    const bool isTooMany = expected >= 0 && call.given > expected;
+    if (type == TT_PRMSEP) {
+        if (isTooMany)
+            return Fail(Errors::TooManyParametersAtSeparator, call.argument);
+        workspace.Put(separator_lc);
+        ++call.given;
+        call.argument = GetCursor();
+        current.state = SubExpression::AfterOperator;
         return true;
     }
+    if (call.given < expected)
+        return Fail(Errors::MissingParameter);
+    if (type != TT_RIGHTP)
+        return Fail(Errors::CallUnclosed);
+    if (isTooMany)
+        return Fail(Errors::TooManyParametersAtClose, call.argument);
+    return EndCall(call);
 }
 
-/// Records the error of an argument here. Where a ")" stood in place of an operand, an argument is missing.
-bool ExpressionEvaluator::ReportArgument(const ExpressionEvaluator& nested)
+/// The call is an operand of the sub-expression around it.
+bool Converter::EndCall(const PendingCall& call)
 {
-    constexpr EvaluatorError empty = Errors::OperandExpectedAtClose;
-    if (nested.record.code == ExitCode(0, evaluatorModule, empty.number))
-        ErrMsg(ExpressionEvaluatorException(Errors::EmptyArgument, nested.record.position));
-    else
-        ErrMsg(nested.record.code, nested.record.position, nested.record.message.ToCString());
-    return false;
+    Item function = call.function;
+    function.dataType = call.given;
+    current = call.outer;
+    workspace.operators.Pop(); // the boundary
+    workspace.calls.Pop();
+    if (awaited && workspace.calls.IsEmpty()) {
+        *awaited = function;
+        ended = TT_RIGHTP;
+        return false;
+    }
+    workspace.Put(function);
+    current.state = SubExpression::AfterOperand;
+    return true;
+}
+
+[[gnu::always_inline]] inline bool Converter::Take(int type, const Item& item)
+{
+    switch (type) {
+    case TT_OPERAND: return TakeOperand(item);
+    case TT_DUALOP:
+        if (!IsAfterOperand())
+            return TakeSign(item);
+        [[fallthrough]];
+    case TT_BINARYOP: return TakeOperator(*item.row, item.position);
+    case TT_LEFTP: return TakeOpen(item.position);
+    case TT_RIGHTP: return TakeClose();
+    case TT_FUNCOP: return TakeCall(item);
+    case TT_END:
+    case TT_PRMSEP: return TakeEnd(type);
+    case TT_NONE: return false;
+    default: return Fail(Errors::TokenUnrecognized);
+    }
+}
+
+bool Converter::Convert(int& terminator)
+{
+    BeginSubExpression();
+    bool goesOn = true;
+    while (goesOn) {
+        Abort::ThrowIfRequested();
+        Item& item = workspace.postfix.GetNext();
+        goesOn = Take(tokenizer.Read(item), item);
+    }
+    terminator = ended;
+    return ended != TT_NONE;
+}
+
+bool Converter::ConvertArguments(Item& function, int& terminator)
+{
+    awaited = &function;
+    return OpenCall(function) && Convert(terminator);
 }

@@ -1,11 +1,13 @@
 #include "ExpressionEvaluator.h"
 
 #include "Commands/CommandBase.h"
+#include "Evaluation.h"
 #include "ExpressionEvaluatorException.h"
 #include "Instrument/System.h"
 #include "NameCharacters.h"
 #include "Saturate.h"
 #include "Text/HostError.h"
+#include "WorkspaceUse.h"
 
 #include <new>
 #include <utility>
@@ -37,16 +39,6 @@ ExpressionEvaluator::ExpressionEvaluator(
       environment(environment),
       hasEnvironment(useEnvironment),
       flags(flags)
-{}
-
-ExpressionEvaluator::ExpressionEvaluator(const ExpressionEvaluator* outer)
-    : validChars(outer->validChars),
-      map(outer->map),
-      environment(outer->environment),
-      hasEnvironment(outer->hasEnvironment),
-      trace(outer->trace),
-      flags(outer->flags),
-      callDepth(outer->callDepth + 1)
 {}
 
 ExpressionEvaluator::~ExpressionEvaluator() = default;
@@ -119,41 +111,6 @@ bool ExpressionEvaluator::Guard(const Step& step)
     }
 }
 
-/// Records the exception that is being handled in place of any other error, and returns false. What it needs in the end
-/// is a message so short that it takes no memory.
-bool ExpressionEvaluator::RecordThrown() noexcept
-{
-    ExitCode code(0, ExitCode::hostModule, static_cast<unsigned int>(HostError::UnexpectedException));
-    const wchar_t* message = GetHostMessage(code);
-    try {
-        throw;
-    } catch (const ExitCode& thrown) {
-        code = thrown;
-        message = GetHostMessage(code);
-    } catch (const std::bad_alloc&) {
-        code = ExitCode(0, ExitCode::hostModule, static_cast<unsigned int>(HostError::OutOfMemory));
-        message = outOfMemoryMessage;
-    } catch (...) {
-    }
-    record.code = ExitCode();
-    try {
-        ErrMsg(code, 0, message);
-    } catch (...) {
-        record.message = outOfMemoryMessage;
-    }
-    return false;
-}
-
-/// An evaluation that a running function asks for has a record of its own; that of the outer one is kept meanwhile.
-void ExpressionEvaluator::StartRecord()
-{
-    if (keptRecord)
-        ThrowIfEnded(); // by what the function evaluated before
-    if (keptRecord && !*keptRecord)
-        keptRecord->emplace(std::move(record));
-    record = Record();
-}
-
 bool ExpressionEvaluator::TryEvaluate(const WString& expression, EEToken& result)
 {
     return Guard([&] { return ConvertAndEvaluate(expression, result); });
@@ -162,12 +119,12 @@ bool ExpressionEvaluator::TryEvaluate(const WString& expression, EEToken& result
 bool ExpressionEvaluator::ConvertAndEvaluate(const WString& expression, EEToken& result)
 {
     StartRecord();
-    EETokenStack postfix;
+    const WorkspaceUse use(*this);
     WriteEvaluatorLog([&] { return L"\n->Expression: " + expression; });
-    const bool converted = Convert(expression.ToCString(), postfix);
+    const bool isConverted = Convert(expression.ToCString());
     WriteEvaluatorLog(
-        [&] { return (converted ? L" Posfix stack: " : L" Infix2Posfix failure, stack: ") + postfix.ToString(true); });
-    return converted && EvaluatePostfixExpr(result, postfix);
+        [&] { return (isConverted ? L" Posfix stack: " : L" Infix2Posfix failure, stack: ") + use.DescribePostfix(); });
+    return isConverted && Evaluation(*this, *workspace, use.GetFirst()).Run(result);
 }
 
 /// A number or boolean; the given error when the value cannot be cast to it.
@@ -245,84 +202,10 @@ WString ExpressionEvaluator::EvaluateString(const WString& expression)
     return OrThrow(TryEvaluateString(expression, result), result, record.code);
 }
 
-bool ExpressionEvaluator::TryGetErrorMessage(ExitCode& code, WString& message, int* position) const
-{
-    if (record.message.IsEmpty())
-        return false;
-    message = record.message;
-    code = record.code;
-    if (position)
-        *position = record.position;
-    return true;
-}
-
-bool ExpressionEvaluator::TryGetErrorMessage(ExitCode& code, WString& message, WString& marker) const
-{
-    if (record.message.IsEmpty() && !record.code.IsError())
-        return false;
-    code = record.code;
-    message = record.message;
-    if (message.IsEmpty())
-        message = WString::Format(L"NA - Missing error message - ExitCode: %s", code.ToCString());
-    marker = WString(record.position > 1 ? static_cast<std::size_t>(record.position - 1) : 0, L' ');
-    marker += L'^';
-    return true;
-}
-
-bool ExpressionEvaluator::TryGetErrorReason(WString& reason) const
-{
-    for (const Reason& known : record.reasons)
-        if (known.position == record.position && known.code == record.code) {
-            reason = known.text;
-            return true;
-        }
-    return false;
-}
-
-bool ExpressionEvaluator::TryGetMissingVariableName(WString& name) const
-{
-    name = record.missingVariable;
-    return !name.IsEmpty();
-}
-
-void ExpressionEvaluator::ErrMsg(const ExitCode& code, int position, const wchar_t* message)
-{
-    if (record.code.IsError())
-        return;
-    record.code = code;
-    record.position = position;
-    record.message = message;
-    if (record.message.IsEmpty())
-        record.message = code.ToString();
-}
-
-void ExpressionEvaluator::ErrMsg(unsigned int number, const wchar_t* at, const wchar_t* message)
-{
-    const bool isPlace = at && record.expressionStart;
-    ErrMsg(ExitCode(0, evaluatorModule, number), isPlace ? static_cast<int>(at - record.expressionStart) : 0, message);
-}
-
-void ExpressionEvaluator::ErrMsg(const ExpressionEvaluatorException& exception)
-{
-    ErrMsg(
-        ExitCode(0, evaluatorModule, exception.GetCode()), exception.GetPosition(), exception.GetMessage().ToCString());
-}
-
-bool ExpressionEvaluator::Fail(const EvaluatorError& error, const wchar_t* at)
-{
-    ErrMsg(error.number, at, error.message);
-    return false;
-}
-
-bool ExpressionEvaluator::IsLogging() const noexcept
-{
-    return eeLog_gb.IsEnabled() || (flags & EvaluatorFlags::traceVariables) != 0;
-}
-
 void ExpressionEvaluator::ClearVariableTrace() noexcept
 {
-    trace->lines.Clear();
-    trace->isFull = false;
+    trace.lines.Clear();
+    trace.isFull = false;
 }
 
 void ExpressionEvaluator::LogVariable(const wchar_t* prefix, const WString& name, const EEToken& value)
@@ -335,14 +218,14 @@ void ExpressionEvaluator::LogVariable(const wchar_t* prefix, const WString& name
         return line;
     };
     WriteEvaluatorLog(makeLine);
-    if ((flags & EvaluatorFlags::traceVariables) == 0 || trace->isFull)
+    if ((flags & EvaluatorFlags::traceVariables) == 0 || trace.isFull)
         return;
     try {
-        trace->lines += trace->lines.IsEmpty() ? makeLine() : L"\n" + makeLine();
+        trace.lines += trace.lines.IsEmpty() ? makeLine() : L"\n" + makeLine();
     } catch (const HostException& exception) {
         if (!IsHostError(exception, HostError::TextTooLong))
             throw;
-        trace->isFull = true;
+        trace.isFull = true;
     }
 }
 

@@ -15,11 +15,16 @@
 #include <vector>
 
 class CommandBase;
+class Converter;
 class EEFunction;
+class Evaluation;
 struct EvaluatorError;
 class ExpressionEvaluatorException;
+struct Item;
 class NameCharacters;
 class Pipe;
+class Tokenizer;
+struct Workspace;
 
 /// Options of an evaluator, given at construction.
 namespace EvaluatorFlags {
@@ -94,7 +99,7 @@ public:
     /// With the flag traceVariables, one line "label:name=value" for each variable read and function called; a variable
     /// of the map and a built-in name are without "label:". It ends before the line that would make it longer than a
     /// text can be.
-    const WString& GetVariableTrace() const noexcept { return trace->lines; }
+    const WString& GetVariableTrace() const noexcept { return trace.lines; }
     void ClearVariableTrace() noexcept;
 
     // The error record. Only the first error of an evaluation is kept.
@@ -170,6 +175,8 @@ private:
         const wchar_t* expressionStart = nullptr;
         WString missingVariable;
         std::vector<Reason> reasons; // of every host failure, for only the end shows which one is the error
+
+        void Clear() noexcept;
     };
 
     struct Trace
@@ -179,6 +186,10 @@ private:
     };
 
     class RunningCall;
+    class WorkspaceUse;
+    friend class Tokenizer;
+    friend class Converter;
+    friend class Evaluation;
 
     Record record;
     std::optional<Record>* keptRecord =
@@ -188,17 +199,16 @@ private:
     std::unique_ptr<EETokenMap> ownMap;
     Environment environment;
     bool hasEnvironment = false;
-    Trace ownTrace;
-    Trace* trace = &ownTrace; // that of the outermost evaluator
+    Trace trace;
     unsigned int flags = 0;
-    int callDepth = 0; // how many calls enclose what this evaluator converts or evaluates
-
-    /// An evaluator for the arguments of a call: the settings of the outer one, which it must not outlive, and an error
-    /// record of its own.
-    explicit ExpressionEvaluator(const ExpressionEvaluator* outer);
+    int callDepth = 0;                    // how many calls enclose what is being evaluated
+    std::shared_ptr<Workspace> workspace; // from the first evaluation on
 
     EETokenMap& GetOrMakeMap();
-    bool IsLogging() const noexcept;
+    bool IsLogging() const noexcept
+    {
+        return eeLog_gb.IsEnabled() || (flags & EvaluatorFlags::traceVariables) != 0;
+    }
 
     template <typename Step>
     [[gnu::visibility("hidden")]] bool Guard(const Step& step);
@@ -208,26 +218,16 @@ private:
     template <typename Value>
     bool TryEvaluateAs(const WString& expression, Value& result, const EvaluatorError& error);
 
-    bool ReadString(EEToken& token, wchar_t** cursor);
-    bool ReadNumber(EEToken& token, wchar_t** cursor);
-    bool ReadWord(EEToken& token, wchar_t** cursor);
-    void ReadVariable(EEToken& token, const WString& name, const wchar_t* at);
     void LogIfEnabled(const wchar_t* prefix, const WString& name, const EEToken& token);
 
-    bool Convert(const wchar_t* expression, EETokenStack& postfix);
-    bool ConvertAll(const wchar_t* expression, wchar_t*& cursor, EETokenStack& postfix);
-    bool ReportArgument(const ExpressionEvaluator& nested);
+    bool Convert(const wchar_t* expression);
+    bool FailBehind(int terminator, const wchar_t* at);
     bool RecordValue(const EEToken& error);
     void TakeThrown(EEToken& result);
     void TakeHostError(EEToken& result, const ExitCode& code, const WString& reason);
-    bool EvaluateTokens(EEToken& result, EETokenStack& postfix, int* terminator);
-    bool EvaluateCall(int position, EETokenStack& postfix, EETokenStack& operands);
-    int EvaluateArguments(EETokenStack& arguments, EETokenStack& postfix);
-    bool CallFunction(const EEToken& function, int position, EETokenStack& arguments, EETokenStack& operands);
+    Item GetRecordedError() const noexcept;
     void RunFunction(EEFunction& function, EEToken& value, EETokenStack& arguments);
     void ThrowIfEnded() const;
-    void TakeRecordedError(EEToken& argument) const;
-    bool TakeResult(EEToken& result, EETokenStack& operands);
 };
 
 /// The next value of the host's generator, from 0 up to 1.

@@ -7,6 +7,7 @@
 #include "LiveCounter.h"
 #include "Text/WStringArray.h"
 
+#include <span>
 #include <string_view>
 
 class ExpressionEvaluator;
@@ -38,12 +39,26 @@ public:
     /// every command, also ends the evaluation that called the function, whatever it answers or throws.
     virtual void Evaluate(EEToken& result, EETokenStack& arguments, ExpressionEvaluator* evaluator);
 
+    /// A routine of numbers that gives what Evaluate does: one of a single number, whose NaN becomes the error value
+    /// 504, or one of all arguments. It may throw as Evaluate may.
+    struct Routine
+    {
+        double (*ofOne)(double) = nullptr;
+        double (*ofMany)(std::span<const double>) = nullptr;
+    };
+    /// The routine that spares the engine the tokens, if there is one.
+    const Routine& GetRoutine() const noexcept { return routine; }
+    void SetRoutine(const Routine& newRoutine) noexcept { routine = newRoutine; }
+
     const WString& GetName() const noexcept { return name; }
+    const WString& GetLowerCaseName() const noexcept { return lowerCaseName; }
     int GetParameterCount() const noexcept { return parameterCount; }
 
 private:
     const WString name;
+    const WString lowerCaseName;
     const int parameterCount;
+    Routine routine;
 
     static std::atomic<int> liveCount;
     friend int GetDebugObjectCountExpressionEvaluator_CExprFn();
@@ -75,6 +90,7 @@ public:
 
     /// The function of that name, owned by the table, or null.
     EEFunction* FindOrNull(std::wstring_view name) const;
+    EEFunction* FindOrNull(const HashedName& name) const;
     /// True for the name of a function; `parameterCount`, when given, receives its rule.
     bool IsFunction(const wchar_t* name, int* parameterCount) const;
     /// Calls the function; throws code 200 when there is none of that name.

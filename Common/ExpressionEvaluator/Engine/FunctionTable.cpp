@@ -10,7 +10,9 @@ int GetDebugObjectCountExpressionEvaluator_CExprFn()
     return EEFunction::liveCount;
 }
 
-EEFunction::EEFunction(const wchar_t* name, int parameterCount) : name(name), parameterCount(parameterCount) {}
+EEFunction::EEFunction(const wchar_t* name, int parameterCount)
+    : name(name), lowerCaseName(this->name.ToLowerCase()), parameterCount(parameterCount)
+{}
 
 void EEFunction::Evaluate(EEToken& result, EETokenStack&)
 {
@@ -23,6 +25,11 @@ void EEFunction::Evaluate(EEToken& result, EETokenStack& arguments, ExpressionEv
 }
 
 EEFunction* EEFunctionTable::FindOrNull(std::wstring_view name) const
+{
+    return static_cast<EEFunction*>(functions.GetObjectOrNull(name));
+}
+
+EEFunction* EEFunctionTable::FindOrNull(const HashedName& name) const
 {
     return static_cast<EEFunction*>(functions.GetObjectOrNull(name));
 }

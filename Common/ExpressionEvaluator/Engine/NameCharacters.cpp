@@ -7,7 +7,7 @@ NameCharacters::NameCharacters(const WString& chars) : chars(chars)
     for (const wchar_t ch : chars) {
         const auto code = std::char_traits<wchar_t>::to_int_type(ch);
         if (code != 0 && code < ascii.size())
-            ascii.set(code);
+            ascii[code] = true;
     }
 }
 

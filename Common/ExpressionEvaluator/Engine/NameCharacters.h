@@ -2,7 +2,7 @@
 
 #include "Text/WString.h"
 
-#include <bitset>
+#include <array>
 #include <memory>
 #include <string>
 
@@ -29,7 +29,7 @@ public:
 
 private:
     WString chars;
-    std::bitset<128> ascii;
+    std::array<bool, 128> ascii{};
 
     bool ContainsOther(wchar_t ch) const noexcept { return chars.View().find(ch) != std::wstring_view::npos; }
 };

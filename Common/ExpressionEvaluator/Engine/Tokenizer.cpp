@@ -1,13 +1,14 @@
-#include "ExpressionEvaluator.h"
+#include "Tokenizer.h"
 
-#include "EvaluatorErrors.h"
+#include "ExpressionEvaluator.h"
 #include "ExpressionEvaluatorFunctions.h"
 #include "NameCharacters.h"
-#include "OperatorTable.h"
 #include "Services/Clock.h"
 #include "Text/CharacterCase.h"
 #include "Text/NumberText.h"
+#include "Workspace.h"
 
+#include <algorithm>
 #include <numbers>
 
 namespace {
@@ -17,183 +18,187 @@ constexpr std::size_t maxNameLength = 63;
 /// A name that needs no variable, unless the evaluator's flags hide it.
 struct BuiltInName
 {
-    const wchar_t* name;
+    std::wstring_view name;
     unsigned int hiddenBy;
-    void (*set)(EEToken&);
+    Item (*make)(int position);
 };
 
 constexpr BuiltInName builtInNames_lc[] = {
-    {L"true", 0, [](EEToken& token) { token.SetValue(true); }},
-    {L"false", 0, [](EEToken& token) { token.SetValue(false); }},
-    {L"PI", 0, [](EEToken& token) { token.SetValue(std::numbers::pi); }},
-    {L"LF", 0, [](EEToken& token) { token.SetValue(L"\n"); }},
-    {L"RND", 0, [](EEToken& token) { token.SetValue(GetRandomNumber()); }},
-    {L"Timer", 0, [](EEToken& token) { token.SetValue(static_cast<double>(GetTickCount())); }},
-    {L"e", EvaluatorFlags::noConstantE, [](EEToken& token) { token.SetValue(std::numbers::e); }},
+    {L"true", 0, [](int position) { return Item::Truth(true, position); }},
+    {L"false", 0, [](int position) { return Item::Truth(false, position); }},
+    {L"PI", 0, [](int position) { return Item::Number(std::numbers::pi, position); }},
+    {L"LF", 0, [](int position) { return Item::Text(L"\n", position); }},
+    {L"RND", 0, [](int position) { return Item::Number(GetRandomNumber(), position); }},
+    {L"Timer", 0, [](int position) { return Item::Number(GetTickCount(), position); }},
+    {L"e", EvaluatorFlags::noConstantE, [](int position) { return Item::Number(std::numbers::e, position); }},
 };
 
-bool TrySetBuiltIn(EEToken& token, const WString& name, unsigned int flags)
+bool TrySetBuiltIn(Item& item, std::wstring_view name, unsigned int flags)
 {
     for (const BuiltInName& row : builtInNames_lc)
-        if ((row.hiddenBy & flags) == 0 && name.Equals(row.name, true)) {
-            row.set(token);
+        if ((row.hiddenBy & flags) == 0 && EqualsIgnoreCase(name, row.name)) {
+            item = row.make(item.position);
             return true;
         }
     return false;
 }
 
-/// The keyword that the word is, an operator of letters, or null.
-const wchar_t* FindKeyword(std::wstring_view word)
+/// A backslash that keeps the quote or backslash behind it from being one.
+bool IsEscape(const wchar_t* at)
 {
-    for (const OperatorRow* row = operatorTable_gb; row->name[0]; ++row) {
-        const bool isKeyword = row->name[0] >= L'a' && row->name[0] <= L'z';
-        if (isKeyword && EqualsIgnoreCase(word, row->name))
-            return row->name;
-    }
+    return at[0] == L'\\' && (at[1] == L'\\' || at[1] == L'"');
+}
+
+/// The row of the keyword that the word is, an operator of letters, or null.
+const OperatorRow* FindKeyword(std::wstring_view word)
+{
+    if (word.size() > 3)
+        return nullptr;
+    for (const OperatorRow* row = operatorTable_gb; row->IsKeyword(); ++row)
+        if (EqualsIgnoreCase(word, row->name))
+            return row;
     return nullptr;
-}
-
-/// The type of a token that is one character, TT_NONE for the start of a longer one.
-int SingleCharacterType(wchar_t ch)
-{
-    switch (ch) {
-    case 0: return TT_END;
-    case L'(': return TT_LEFTP;
-    case L')': return TT_RIGHTP;
-    case L',': return TT_PRMSEP;
-    case L'+':
-    case L'-':
-    case L'&': return TT_DUALOP;
-    case L'*':
-    case L'/':
-    case L'=':
-    case L'^': return TT_BINARYOP;
-    default: return TT_NONE;
-    }
-}
-
-/// comparison: "<" | "<=" | "<>" | ">" | ">="
-void ReadComparison(EEToken& token, wchar_t** cursor)
-{
-    const wchar_t* at = *cursor;
-    const bool two = at[1] == L'=' || (at[0] == L'<' && at[1] == L'>');
-    const wchar_t name[] = {at[0], two ? at[1] : L'\0', L'\0'};
-    token.SetToken(TT_BINARYOP, name);
-    *cursor += two ? 2 : 1;
 }
 } // namespace
 
-/// token: any single character of the table above | comparison | string | number | reference | word; blanks before it
-bool ExpressionEvaluator::GetToken(EEToken& token, wchar_t** cursor)
+int Tokenizer::Fail(const EvaluatorError& error, const wchar_t* at)
 {
-    while (**cursor == L' ' || **cursor == L'\t')
-        ++*cursor;
-    token.SetPosition(static_cast<int>(*cursor - record.expressionStart) + 1);
+    evaluator.Fail(error, at);
+    return TT_NONE;
+}
 
-    const wchar_t ch = **cursor;
-    if (const int type = SingleCharacterType(ch); type != TT_NONE) {
-        token.SetToken(type, ch);
-        *cursor += type != TT_END;
-        return true;
-    }
-    switch (ch) {
-    case L'<':
-    case L'>': ReadComparison(token, cursor); return true;
-    case L'"': return ReadString(token, cursor);
-    case L'%': return TryGetSystemVariable(token, cursor);
-    default: return ch == L'.' || (ch >= L'0' && ch <= L'9') ? ReadNumber(token, cursor) : ReadWord(token, cursor);
-    }
+/// comparison: "<" | "<=" | "<>" | ">" | ">="
+int Tokenizer::ReadComparison(Item& item)
+{
+    const bool isLess = *cursor == L'<';
+    if (cursor[1] == L'=')
+        return TakeOperator(item, TT_BINARYOP, isLess ? Operation::LessOrEqual : Operation::GreaterOrEqual, 2);
+    if (isLess && cursor[1] == L'>')
+        return TakeOperator(item, TT_BINARYOP, Operation::Differ, 2);
+    return TakeOperator(item, TT_BINARYOP, isLess ? Operation::Less : Operation::Greater);
 }
 
 /// string: a quote, characters, a quote; a backslash before a backslash or a quote stands for that character
-bool ExpressionEvaluator::ReadString(EEToken& token, wchar_t** cursor)
+int Tokenizer::ReadString(Item& item)
 {
-    wchar_t text[maxStringLength + 1];
-    std::size_t length = 0;
-    wchar_t* at = *cursor + 1;
+    const wchar_t* const first = cursor + 1;
+    const wchar_t* at = first;
+    std::size_t escapes = 0;
     for (; *at != L'"'; ++at) {
         if (*at == 0)
             return Fail(Errors::StringUnterminated, at);
-        if (*at == L'\\' && (at[1] == L'\\' || at[1] == L'"'))
+        if (IsEscape(at)) {
             ++at;
-        if (length == maxStringLength)
+            ++escapes;
+        }
+        if (static_cast<std::size_t>(at - first) - escapes == maxStringLength)
             return Fail(Errors::StringTooLong, at);
-        text[length++] = *at;
     }
-    text[length] = 0;
-    token.SetType(TT_OPERAND);
-    token.SetValue(text);
-    *cursor = at + 1;
-    return true;
+    cursor += at + 1 - cursor;
+    std::wstring_view text(first, static_cast<std::size_t>(at - first));
+    item = Item::Text(escapes == 0 ? text : Unescape(text), item.position);
+    return TT_OPERAND;
 }
 
-/// number: what wcstod takes, without a sign; directly before a name character it is the start of a word ("12xyz",
-/// "1.2.3")
-bool ExpressionEvaluator::ReadNumber(EEToken& token, wchar_t** cursor)
+/// The text without the backslashes of its escapes.
+std::wstring_view Tokenizer::Unescape(std::wstring_view text)
 {
-    const wchar_t* end = nullptr;
-    const double value = ReadDouble(*cursor, &end);
-    if (end == *cursor)
-        return Fail(Errors::InvalidNumber, *cursor);
-    if (validChars->Contains(*end))
-        return ReadWord(token, cursor);
-    token.SetType(TT_OPERAND);
-    token.SetValue(value);
-    token.SetText(*cursor, static_cast<std::size_t>(end - *cursor));
-    *cursor += end - *cursor;
-    return true;
+    wchar_t characters[maxStringLength];
+    std::size_t length = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (IsEscape(&text[i])) // what it takes along stands in the text too
+            ++i;
+        characters[length++] = text[i];
+    }
+    return workspace.texts.Copy({characters, length});
+}
+
+/// reference: see TryGetSystemVariable
+int Tokenizer::ReadReference(Item& item)
+{
+    EEToken token;
+    token.SetPosition(item.position);
+    const bool isRead = evaluator.TryGetSystemVariable(token, &cursor);
+    workspace.Keep(token, item);
+    return isRead ? TT_OPERAND : TT_NONE;
 }
 
 /// word: function "(" | keyword " " | variable
-bool ExpressionEvaluator::ReadWord(EEToken& token, wchar_t** cursor)
+int Tokenizer::ReadWord(Item& item)
 {
-    const wchar_t* start = *cursor;
-    const std::size_t length = validChars->RunLength(start);
-    const std::wstring_view word(start, length);
-    if (length == 0)
-        return Fail(Errors::InvalidNameCharacter, start + 1);
+    NameHash hash;
+    const wchar_t* end = cursor;
+    for (; nameCharacters.Contains(*end); ++end)
+        hash.Add(*end);
+    const HashedName word{{cursor, static_cast<std::size_t>(end - cursor)}, hash.Get()};
+    if (word.name.empty())
+        return Fail(Errors::InvalidNameCharacter, cursor + 1);
 
-    if (start[length] == L'(') {
-        wchar_t name[maxNameLength + 1] = {};
-        for (std::size_t i = 0; i < length && i < maxNameLength; ++i)
-            name[i] = ToLower(start[i]);
-        int parameterCount = -1;
-        fnTable_gb.IsFunction(name, &parameterCount);
-        token.SetToken(TT_FUNCOP, name);
-        token.SetNoPrm(parameterCount);
-        *cursor += length + 1;
-        return true;
-    }
-    if (start[length] == L' ')
-        if (const wchar_t* keyword = FindKeyword(word)) {
-            token.SetToken(TT_BINARYOP, keyword);
-            *cursor += length;
-            return true;
-        }
-    if (length > maxNameLength)
-        return Fail(Errors::VariableNameTooLong, start);
-    *cursor += length;
-    ReadVariable(token, WString(word), start);
-    return true;
+    if (*end == L'(')
+        return ReadCall(item, word);
+    if (*end == L' ')
+        if (const OperatorRow* keyword = FindKeyword(word.name))
+            return TakeOperator(item, TT_BINARYOP, keyword->operation, word.name.size());
+    if (word.name.size() > maxNameLength)
+        return Fail(Errors::VariableNameTooLong);
+    ReadVariable(item, word);
+    cursor += end - cursor;
+    return TT_OPERAND;
 }
 
-/// The value of a variable of the map, of the environment, or of a built-in name, in this order; else the token becomes
-/// a missing variable.
-void ExpressionEvaluator::ReadVariable(EEToken& token, const WString& name, const wchar_t* at)
+/// The name of a function is cut where it is too long.
+int Tokenizer::ReadCall(Item& item, const HashedName& word)
 {
-    const int position = token.GetPosition();
-    if (map)
-        token = *map->GetVariable(name.ToCString());
+    const std::wstring_view name = word.name.substr(0, maxNameLength);
+    const bool isCut = name.size() < word.name.size();
+    Take(item, TT_FUNCOP, word.name.size() + 1);
+    item.function = isCut ? fnTable_gb.FindOrNull(name) : fnTable_gb.FindOrNull(word);
+    item.dataType = item.function ? item.function->GetParameterCount() : -1;
+    item.SetText(item.function ? item.function->GetLowerCaseName().View() : LowerCase(name));
+    return TT_FUNCOP;
+}
+
+std::wstring_view Tokenizer::LowerCase(std::wstring_view name)
+{
+    wchar_t characters[maxNameLength];
+    std::transform(name.begin(), name.end(), characters, ToLower);
+    return workspace.texts.Copy({characters, name.size()});
+}
+
+/// The value of a variable of the map, of the environment, or of a built-in name, in this order; else the item becomes
+/// a missing variable.
+void Tokenizer::ReadVariable(Item& item, const HashedName& word)
+{
+    const int position = item.position;
+    const EEToken* const variable = evaluator.map ? evaluator.map->FindOrNull(word) : nullptr;
+    const bool isInMap = variable && !variable->IsNa();
+    if (isInMap)
+        workspace.Keep(*variable, item);
     else
-        token.SetNA();
-    const bool inEnvironment = token.IsNa() && hasEnvironment; // which logs it
-    if (inEnvironment)
-        TryGetEnvironmentVariableValue(token, name, false, at);
-    if (token.IsNa() && !TrySetBuiltIn(token, name, flags)) {
-        token.SetMissingVariable(name);
-        record.missingVariable = name;
-    }
-    token.SetPosition(position);
-    if (!inEnvironment)
-        LogIfEnabled(L"", name, token);
+        ReadOtherName(item, word.name);
+    item.position = position;
+    const bool isLogged = !isInMap && evaluator.hasEnvironment; // by the environment, which was asked
+    if (!isLogged && evaluator.IsLogging())
+        evaluator.LogVariable(L"", WString(word.name), EEToken(item));
+}
+
+void Tokenizer::ReadOtherName(Item& item, std::wstring_view name)
+{
+    item = Item::Operand(DT_NONE, item.position);
+    if (evaluator.hasEnvironment)
+        ReadEnvironment(item, name);
+    if (item.dataType != DT_NONE || TrySetBuiltIn(item, name, evaluator.flags))
+        return;
+    item = Item::Missing(name, item.position);
+    if (workspace.calls.IsEmpty()) // an argument's error travels in its item alone
+        evaluator.record.missingVariable = WString(name);
+}
+
+void Tokenizer::ReadEnvironment(Item& item, std::wstring_view name)
+{
+    EEToken token;
+    token.SetNA();
+    evaluator.TryGetEnvironmentVariableValue(token, WString(name), false, cursor);
+    if (!token.IsNa())
+        workspace.Keep(token, item);
 }

@@ -125,6 +125,13 @@ private:
     const ConfigDataType type;
 };
 
+// Routines of all arguments; the greatest and the smallest take one at least.
+
+double GetSum(std::span<const double> numbers);
+double GetMean(std::span<const double> numbers);
+double GetGreatest(std::span<const double> numbers);
+double GetSmallest(std::span<const double> numbers);
+
 // Routines of one number.
 
 double sign(double value);      // -1 below 0, else 1

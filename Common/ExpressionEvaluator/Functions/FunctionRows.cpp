@@ -4,11 +4,12 @@
 #include <cmath>
 
 namespace {
-/// A function's name and what makes it.
+/// A function's name, what makes it, and what it gives for arguments that are all numbers.
 struct FunctionRow
 {
     const wchar_t* name;
     EEFunction* (*make)(const wchar_t* name);
+    double (*routine)(std::span<const double>) = nullptr;
 };
 
 /// A parameter count of -1 leaves the check to the function; further arguments go to its constructor.
@@ -19,8 +20,8 @@ EEFunction* Make(const wchar_t* name)
 }
 
 constexpr FunctionRow functions_lc[] = {
-    {L"Avg", Make<EEAvg, -1>},
-    {L"Average", Make<EEAvg, -1>},
+    {L"Avg", Make<EEAvg, -1>, GetMean},
+    {L"Average", Make<EEAvg, -1>, GetMean},
     {L"Bool", Make<EEBool, 1>},
     {L"IndexOf", Make<EEIndexOf, -1>},
     {L"InStr", Make<EEIndexOf, -1>},
@@ -37,7 +38,7 @@ constexpr FunctionRow functions_lc[] = {
     {L"Left", Make<EELeft, 2>},
     {L"Len", Make<EELen, 1>},
     {L"LCase", Make<EELCase, 1>},
-    {L"Max", Make<EEMax, -1>},
+    {L"Max", Make<EEMax, -1>, GetGreatest},
     {L"Med", Make<EEMedian, -1>},
     {L"Median", Make<EEMedian, -1>},
     {L"Mid", Make<EEMid, -1>},
@@ -47,13 +48,13 @@ constexpr FunctionRow functions_lc[] = {
     {L"ToString", Make<EEToString, 1>},
     {L"StrCat", Make<EEStrCat, -1>},
     {L"StrReplace", Make<EEStrReplace, -1>},
-    {L"Min", Make<EEMin, -1>},
+    {L"Min", Make<EEMin, -1>, GetSmallest},
     {L"Mod", Make<EEMod, 2>},
     {L"Not", Make<EENot, 1>},
     {L"Slope", Make<EESlope, -1>},
     {L"StDev", Make<EEStDev, -1>},
     {L"Sd", Make<EEStDev, -1>},
-    {L"Sum", Make<EESum, -1>},
+    {L"Sum", Make<EESum, -1>, GetSum},
     {L"Ftoa", Make<EEFtoa, 2>},
     {L"Fcvt", Make<EEFcvt, 2>},
     {L"FmtEng", Make<EEFmtEng, 3>},
@@ -126,8 +127,11 @@ constexpr unsigned int functionBuckets = 67;
 
 EEFunctionTable::EEFunctionTable() : functions(functionBuckets)
 {
-    for (const FunctionRow& row : functions_lc)
-        AddFn(row.make(row.name));
+    for (const FunctionRow& row : functions_lc) {
+        EEFunction* const function = row.make(row.name);
+        function->SetRoutine({.ofMany = row.routine});
+        AddFn(function);
+    }
     for (const OneArgumentRow* row = oneArgFn_lc; row->name[0]; ++row)
         AddFn(new EEMathFunctionPointer(row->name, row->routine));
 }

@@ -6,17 +6,21 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <vector>
 
 using namespace FunctionArguments;
 
 namespace {
-double PopSum(EETokenStack& arguments)
+/// All arguments, of which there is one at least where `needsOne` says so.
+std::vector<double> PopNumbers(EETokenStack& arguments, bool needsOne)
 {
-    double sum = 0;
-    while (!arguments.IsEmpty())
-        sum += PopNumber(arguments);
-    return sum;
+    std::vector<double> numbers;
+    while (needsOne || !arguments.IsEmpty()) {
+        numbers.push_back(PopNumber(arguments));
+        needsOne = false;
+    }
+    return numbers;
 }
 
 /// What the least-squares line through points depends on.
@@ -50,40 +54,50 @@ PointSums PopPoints(EETokenStack& arguments, const EvaluatorError& error)
 }
 } // namespace
 
+double GetSum(std::span<const double> numbers)
+{
+    return std::accumulate(numbers.begin(), numbers.end(), 0.0);
+}
+
+double GetMean(std::span<const double> numbers)
+{
+    return GetSum(numbers) / static_cast<double>(numbers.size());
+}
+
+double GetGreatest(std::span<const double> numbers)
+{
+    return *std::ranges::max_element(numbers);
+}
+
+double GetSmallest(std::span<const double> numbers)
+{
+    return *std::ranges::min_element(numbers);
+}
+
 void EEAvg::Evaluate(EEToken& result, EETokenStack& arguments)
 {
-    const int count = arguments.Count();
-    result.SetValue(PopSum(arguments) / count);
+    result.SetValue(GetMean(PopNumbers(arguments, false)));
 }
 
 void EEMax::Evaluate(EEToken& result, EETokenStack& arguments)
 {
-    double max = PopNumber(arguments);
-    while (!arguments.IsEmpty())
-        max = std::max(max, PopNumber(arguments));
-    result.SetValue(max);
+    result.SetValue(GetGreatest(PopNumbers(arguments, true)));
 }
 
 void EEMin::Evaluate(EEToken& result, EETokenStack& arguments)
 {
-    double min = PopNumber(arguments);
-    while (!arguments.IsEmpty())
-        min = std::min(min, PopNumber(arguments));
-    result.SetValue(min);
+    result.SetValue(GetSmallest(PopNumbers(arguments, true)));
 }
 
 void EESum::Evaluate(EEToken& result, EETokenStack& arguments)
 {
-    result.SetValue(PopSum(arguments));
+    result.SetValue(GetSum(PopNumbers(arguments, false)));
 }
 
 void EEMedian::Evaluate(EEToken& result, EETokenStack& arguments)
 {
-    std::vector<double> numbers;
-    do {
-        numbers.push_back(PopNumber(arguments));
-    } while (!arguments.IsEmpty());
-    std::sort(numbers.begin(), numbers.end(), [](double left, double right) {
+    std::vector<double> numbers = PopNumbers(arguments, true);
+    std::ranges::sort(numbers, [](double left, double right) {
         Abort::ThrowIfRequested(); // millions of numbers take their time
         return left < right;
     });

@@ -1,7 +1,7 @@
 #include "EEToken.h"
 
 #include "EEMissingVariableException.h"
-#include "OperatorTable.h"
+#include "Item.h"
 
 std::atomic<int> EEToken::liveCount{0};
 
@@ -17,6 +17,26 @@ EEToken& EEToken::operator=(EEToken* other)
     *this = EEToken();
     SetNA();
     return *this;
+}
+
+void EEToken::SetItem(const Item& item)
+{
+    const std::wstring_view newText = item.GetText();
+    text.Assign(newText.data(), newText.size());
+    type = item.type;
+    dataType = item.dataType;
+    priority = -1;
+    position = item.position;
+    missingVariable = item.isMissing;
+    errorCode = 0;
+    if (type != TT_OPERAND)
+        return;
+    if (dataType == DT_NUM)
+        number = item.number;
+    else if (dataType == DT_BOOL)
+        boolValue = item.truth;
+    else
+        errorCode = item.errorCode;
 }
 
 void EEToken::SetToken(int newType, const wchar_t* newText)
@@ -114,10 +134,16 @@ void EEToken::ClearError() noexcept
     missingVariable = false;
 }
 
+static int FindPriority(int type, std::wstring_view text)
+{
+    const OperatorRow* const row = type == TT_FUNCOP ? nullptr : FindOperator(text);
+    return row ? row->priority : noOperatorPriority;
+}
+
 int EEToken::GetPriority()
 {
     if (priority == -1 && type != TT_OPERAND)
-        priority = type == TT_FUNCOP ? noOperatorPriority : FindPriority(text.View());
+        priority = FindPriority(type, text.View());
     return priority;
 }
 

@@ -10,6 +10,8 @@
 #include <type_traits>
 
 class ExpressionEvaluatorException;
+struct Item;
+struct Refusal;
 
 /// A pointer to anything but wide text, which would silently be taken for a boolean where a value is expected.
 template <typename T>
@@ -51,6 +53,8 @@ public:
     EEToken() noexcept = default;
     EEToken(int type, const wchar_t* text) : text(text), type(type) {}
     EEToken(int type, wchar_t ch, int position) : text(1, ch), type(type), position(position) {}
+    /// A token of what an item stands for.
+    explicit EEToken(const Item& item) { SetItem(item); }
     EEToken(const EEToken& other) = default;
     EEToken(EEToken&& other) noexcept = default;
     ~EEToken() override = default;
@@ -60,6 +64,7 @@ public:
 
     // Setters leave every field that they do not name as it is.
 
+    void SetItem(const Item& item); // all fields
     void SetToken(int newType, const wchar_t* newText);
     void SetToken(int newType, wchar_t ch); // an empty text for 0
     void SetType(int newType) noexcept;
@@ -72,8 +77,6 @@ public:
     void SetValue(bool value);
     template <NoValuePointer T>
     void SetValue(T value) = delete;
-    /// Becomes its text (see GetWString with conversion) followed by `more`; throws as that does.
-    void AppendText(const WString& more);
     void SetNA();
     void SetTypeErr(); // the error code is left as it is
     void SetException(unsigned int code, const WString& message);
@@ -81,6 +84,9 @@ public:
     void SetMissingVariable(const WString& name);
     void ClearError() noexcept; // error code 0 and no missing-variable mark
 
+    /// The item that stands for this token; its text is a view of this one's.
+    Item AsItem() const noexcept;
+    void SetItemFrom(Item& item) const noexcept;
     const WString& GetText() const noexcept { return text; }
     int GetType() const noexcept { return type; }
     int GetDataType() const noexcept { return dataType; }
@@ -154,6 +160,7 @@ private:
     [[no_unique_address]] LiveCounter<liveCount> liveCounter;
 
     void SetOperand(int newDataType) noexcept;
+    [[noreturn]] void Throw(const Refusal& refusal) const;
 };
 
 /// How many tokens are alive in the process.

@@ -1,9 +1,9 @@
 #include "EEToken.h"
 
 #include "ExpressionEvaluatorException.h"
+#include "Item.h"
 
 #include <cmath>
-#include <limits>
 
 bool EEToken::IsNumberValid(double value) noexcept
 {
@@ -45,53 +45,28 @@ bool EEToken::TryGetValue(WString& value) const
     return found;
 }
 
-namespace {
-bool TryParseNumber(const WString& text, double& value)
-{
-    unsigned int hexadecimal = 0;
-    if (text.TryParseDouble(value))
-        return true;
-    if (!text.TryGetHexUInt(hexadecimal, 0, std::numeric_limits<unsigned int>::max()))
-        return false;
-    value = hexadecimal;
-    return true;
-}
-} // namespace
-
 bool EEToken::TryCast(double& value) const
 {
-    if (type != TT_OPERAND)
-        return false;
-    switch (dataType) {
-    case DT_BOOL: value = boolValue != 0 ? 1.0 : 0.0; return true;
-    case DT_STR: return TryParseNumber(text, value);
-    case DT_NUM: value = number; return IsNumberValid(value);
-    default: return false;
-    }
+    return ::TryCast(AsItem(), value);
 }
 
 bool EEToken::TryCast(bool& value) const
 {
-    if (type != TT_OPERAND)
-        return false;
-    switch (dataType) {
-    case DT_BOOL: value = boolValue != 0; return true;
-    case DT_STR: return text.TryGetBool(value);
-    case DT_NUM: value = std::fabs(number) < 10 * std::numeric_limits<double>::epsilon(); return true;
-    default: return false;
-    }
+    return ::TryCast(AsItem(), value);
+}
+
+void EEToken::Throw(const Refusal& refusal) const
+{
+    if (!refusal.error)
+        RethrowError();
+    throw ExpressionEvaluatorException(*refusal.error, refusal.position);
 }
 
 double EEToken::GetNumber() const
 {
-    RethrowError();
-    if (dataType == DT_NUM)
-        return ValidNumber(number);
-    if (dataType == DT_BOOL)
-        throw ExpressionEvaluatorException(Errors::BooleanIsNoNumber, position);
     double value = 0;
-    if (!TryCast(value))
-        throw ExpressionEvaluatorException(Errors::NumberMismatch, position);
+    if (Refusal refusal; !TakeNumber(AsItem(), value, refusal))
+        Throw(refusal);
     return value;
 }
 
@@ -116,23 +91,17 @@ int EEToken::GetInteger(int min, int max) const
 
 bool EEToken::GetBool() const
 {
-    RethrowError();
-    if (dataType != DT_BOOL)
-        throw ExpressionEvaluatorException(Errors::BoolMismatch, position);
-    return boolValue != 0;
+    bool value = false;
+    if (Refusal refusal; !TakeTruth(AsItem(), value, refusal))
+        Throw(refusal);
+    return value;
 }
 
 WString EEToken::GetWString(bool convert) const
 {
-    RethrowError();
-    if (dataType == DT_STR || (convert && (dataType == DT_NUM || dataType == DT_BOOL)))
-        return ToString();
-    throw ExpressionEvaluatorException(Errors::TextMismatch, position);
-}
-
-void EEToken::AppendText(const WString& more)
-{
-    if (dataType != DT_STR || type != TT_OPERAND)
-        SetValue(GetWString(true));
-    text += more;
+    NumberBuffer buffer;
+    std::wstring_view value;
+    if (Refusal refusal; !TakeText(AsItem(), convert, buffer, value, refusal))
+        Throw(refusal);
+    return WString(value);
 }

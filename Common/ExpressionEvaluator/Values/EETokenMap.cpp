@@ -62,6 +62,11 @@ EEToken* EETokenMap::GetVariable(const wchar_t* name)
     return found ? static_cast<EEToken*>(found) : &defaultToken;
 }
 
+const EEToken* EETokenMap::FindOrNull(const HashedName& name) const noexcept
+{
+    return static_cast<const EEToken*>(variables.GetObjectOrNull(name));
+}
+
 bool EETokenMap::GetVariable(const wchar_t* name, WString& text, const wchar_t* defaultText)
 {
     const EEToken* token = GetVariable(name);

@@ -28,6 +28,8 @@ public:
 
     /// The stored token, or the default token "#NA"; never null, owned by the map.
     EEToken* GetVariable(const wchar_t* name);
+    /// The stored token, or null.
+    const EEToken* FindOrNull(const HashedName& name) const noexcept;
     /// True and the variable's text, else false and `defaultText`, or "#NA" when that is null.
     bool GetVariable(const wchar_t* name, WString& text, const wchar_t* defaultText);
 

@@ -2,21 +2,17 @@
 
 #include "EvaluatorLog.h"
 #include "ExpressionEvaluatorException.h"
+#include "Item.h"
 #include "Text/HostError.h"
 
 #include <utility>
 
 namespace {
-[[gnu::noinline]] void WriteLog(const wchar_t* operation, const EEToken& token)
-{
-    WriteEvaluatorLog([&] { return WString::Format(L"%s: %s", operation, token.GetDumpString()); });
-}
-
 /// Small, so that a log which is off costs each operation no more than the question.
 inline void Log(const wchar_t* operation, const EEToken& token)
 {
     if (eeLog_gb.IsEnabled())
-        WriteLog(operation, token);
+        EETokenStack::WriteLog(operation, token);
 }
 
 /// The top token, which the caller is about to remove.
@@ -35,6 +31,11 @@ void RequireToken(const LinkedList<EEToken>& list)
         throw ExitCode(0, ExitCode::hostModule, static_cast<unsigned int>(HostError::EmptyContainer));
 }
 } // namespace
+
+void EETokenStack::WriteLog(const wchar_t* operation, const EEToken& token)
+{
+    WriteEvaluatorLog([&] { return WString::Format(L"%s: %s", operation, token.GetDumpString()); });
+}
 
 EETokenStack::EETokenStack(EETokenStack* other)
 {
@@ -97,23 +98,15 @@ double EETokenStack::PopNumber()
     return number;
 }
 
-bool EETokenStack::PopBool()
+void EETokenStack::Append(const Item& item)
 {
-    const bool value = LeavingToken(list).GetBool();
-    list.RemoveHead();
-    return value;
+    list.AddTail(EEToken(item));
 }
 
-void EETokenStack::MoveTopTo(EETokenStack& other)
+void EETokenStack::Drop(std::size_t count) noexcept
 {
-    Log(L"Push", LeavingToken(list));
-    list.MoveHeadToHeadOf(other.list);
-}
-
-void EETokenStack::MoveTopToBottomOf(EETokenStack& other)
-{
-    Log(L"Put", LeavingToken(list));
-    list.MoveHeadToTailOf(other.list);
+    for (; count > 0; --count)
+        list.RemoveHead();
 }
 
 EEToken& EETokenStack::Peek() const

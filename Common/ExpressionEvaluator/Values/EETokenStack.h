@@ -25,12 +25,8 @@ public:
     /// Removes the top token and returns it, in a slot that the next Pop of this stack overwrites. Throws
     /// ExpressionEvaluatorException 9 on an empty stack.
     EEToken& Pop();
-    /// Pop().GetNumber() and Pop().GetBool(), without the slot. A token whose conversion throws is not removed.
+    /// Pop().GetNumber(), without the slot. A token whose conversion throws is not removed.
     double PopNumber();
-    bool PopBool();
-    /// other.Push(Pop()) and other.Put(Pop()), without the slot and without a copy.
-    void MoveTopTo(EETokenStack& other);
-    void MoveTopToBottomOf(EETokenStack& other);
     /// The top and the bottom token, left in place. Both throw ExitCode(0, 1, 22) on an empty stack.
     EEToken& Peek() const;
     EEToken& GetTail() const;
@@ -44,6 +40,18 @@ public:
     WString ToString(bool typed) const;
     /// Each token's dump and a line feed, top to bottom.
     WString GetDumpString() const;
+
+    // For the engine, which logs by itself what its items stand for.
+
+    void Append(const Item& item);         // at the bottom
+    void Drop(std::size_t count) noexcept; // from the top; no more than there are
+    template <typename Visit>
+    void ForEach(const Visit& visit) const // from the top
+    {
+        for (const auto* node = list.GetHead(); node; node = node->next)
+            visit(node->value);
+    }
+    static void WriteLog(const wchar_t* operation, const EEToken& token);
 
 private:
     mutable LinkedList<EEToken> list;

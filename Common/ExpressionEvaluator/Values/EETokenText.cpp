@@ -1,7 +1,7 @@
 #include "EEToken.h"
 
 #include "Containers/CriticalSection.h"
-#include "NumberFormat.h"
+#include "Item.h"
 
 #include <cstddef>
 #include <iterator>
@@ -23,12 +23,12 @@ WString EEToken::ToString() const
 {
     if (type != TT_OPERAND)
         return type == TT_NONE || text.IsEmpty() ? WString(L"#UnknownVariable") : text;
-    if (dataType == DT_BOOL)
-        return boolValue != 0 ? L"TRUE" : L"FALSE";
-    if (dataType == DT_STR || !text.IsEmpty())
-        return text; // a literal number keeps the form in which it was written
-    if (dataType == DT_NUM)
-        return DoubleToString(number);
+    if (dataType == DT_BOOL || dataType == DT_STR || dataType == DT_NUM) {
+        NumberBuffer buffer;
+        return WString(GetValueText(AsItem(), buffer));
+    }
+    if (!text.IsEmpty())
+        return text;
     return dataType != DT_NONE ? WString::Format(L"#DT=%d", dataType) : WString(L"#NA1");
 }
 

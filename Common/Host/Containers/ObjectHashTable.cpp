@@ -1,20 +1,11 @@
 #include "Containers/ObjectHashTable.h"
 
-#include "Text/CharacterCase.h"
-
-#include <cstdint>
-
-std::size_t ObjectHashTable::Hash::operator()(std::wstring_view key) const noexcept
+std::size_t ObjectHashTable::Hash::operator()(std::wstring_view key) const
 {
-    std::uint32_t hash = 2166136261; // FNV-1a over the lower-case characters
+    NameHash hash;
     for (const wchar_t ch : key)
-        hash = (hash ^ static_cast<std::uint32_t>(ToLower(ch))) * 16777619;
-    return hash;
-}
-
-bool ObjectHashTable::Equal::Same(std::wstring_view left, std::wstring_view right) noexcept
-{
-    return EqualsIgnoreCase(left, right);
+        hash.Add(ch);
+    return hash.Get();
 }
 
 bool ObjectHashTable::Add(const WString& name, std::shared_ptr<Object> object)
@@ -27,10 +18,21 @@ void ObjectHashTable::Insert(const WString& name, std::shared_ptr<Object> object
     objects.insert_or_assign(name, std::move(object));
 }
 
-Object* ObjectHashTable::GetObjectOrNull(std::wstring_view name) const noexcept
+template <typename Objects, typename Name>
+static Object* Find(const Objects& objects, const Name& name) noexcept
 {
     const auto found = objects.find(name);
     return found == objects.end() ? nullptr : found->second.get();
+}
+
+Object* ObjectHashTable::GetObjectOrNull(std::wstring_view name) const noexcept
+{
+    return Find(objects, name);
+}
+
+Object* ObjectHashTable::GetObjectOrNull(const HashedName& name) const noexcept
+{
+    return Find(objects, name);
 }
 
 void ObjectHashTable::GetKeys(WStringArray& names) const

@@ -1,5 +1,7 @@
 #include "Text/NumberText.h"
 
+#include "Text/CharacterCase.h"
+
 #include <array>
 #include <charconv>
 #include <cstdint>
@@ -7,13 +9,12 @@
 #include <locale.h>
 #include <wchar.h>
 
-static double ReadAnyDouble(const wchar_t* text, const wchar_t** end) noexcept
+static const wchar_t* ReadAnyDouble(const wchar_t* text, double& value) noexcept
 {
     static const locale_t portable = newlocale(LC_ALL_MASK, "C", nullptr);
-    wchar_t* behind = nullptr;
-    const double value = wcstod_l(text, &behind, portable);
-    *end = behind;
-    return value;
+    wchar_t* end = nullptr;
+    value = wcstod_l(text, &end, portable);
+    return end;
 }
 
 static bool IsDigit(wchar_t ch) noexcept
@@ -42,10 +43,24 @@ static bool ContinuesDecimal(const wchar_t* at) noexcept
     return IsDigit(*at) || *at == L'.' || IsExponentMark(*at);
 }
 
-double ReadDouble(const wchar_t* text, const wchar_t** end) noexcept
+const wchar_t* ReadExponent(const wchar_t* at, int& power) noexcept
+{
+    const bool isNegative = *++at == L'-';
+    if (isNegative || *at == L'+')
+        ++at;
+    const wchar_t* const first = at;
+    int exponent = 0;
+    for (; IsDigit(*at) && at - first < 3; ++at)
+        exponent = exponent * 10 + (*at - L'0');
+    power += isNegative ? -exponent : exponent;
+    const bool isExact = power >= -maxExactPower && power <= maxExactPower;
+    return at == first || IsDigit(*at) || !isExact ? nullptr : at;
+}
+
+const wchar_t* ReadOtherDouble(const wchar_t* text, double& value) noexcept
 {
     if (!StartsDecimal(text))
-        return ReadAnyDouble(text, end);
+        return ReadAnyDouble(text, value);
 
     // Ordinary numbers: several times faster than wcstod, with the same value.
     std::array<char, 64> digits;
@@ -55,13 +70,11 @@ double ReadDouble(const wchar_t* text, const wchar_t** end) noexcept
         ++count;
     }
     if (count == digits.size())
-        return ReadAnyDouble(text, end);
-    double value = 0;
+        return ReadAnyDouble(text, value);
     const auto [behind, error] = std::from_chars(digits.data(), digits.data() + count, value);
     if (error == std::errc::result_out_of_range)
-        return ReadAnyDouble(text, end);
-    *end = text + (behind - digits.data());
-    return value;
+        return ReadAnyDouble(text, value);
+    return text + (behind - digits.data());
 }
 
 bool TryReadDecimal(const wchar_t* text, const wchar_t* end, double& value, double min, double max) noexcept
@@ -71,8 +84,8 @@ bool TryReadDecimal(const wchar_t* text, const wchar_t* end, double& value, doub
         ++text;
     if (!StartsDecimal(text))
         return false;
-    const wchar_t* behind = nullptr;
-    const double magnitude = ReadDouble(text, &behind);
+    double magnitude = 0;
+    const wchar_t* const behind = ReadDouble(text, magnitude);
     const double number = negative ? -magnitude : magnitude;
     if (behind != end || number < min || number > max)
         return false;
@@ -142,5 +155,14 @@ bool TryReadVersion(std::wstring_view text, unsigned long long& value) noexcept
         text.remove_prefix(dot + 1);
     }
     value = version << 16 * (parts - count);
+    return true;
+}
+
+bool TryReadBool(std::wstring_view text, bool& value) noexcept
+{
+    const bool isTrue = EqualsIgnoreCase(text, L"true");
+    if (!isTrue && !EqualsIgnoreCase(text, L"false"))
+        return false;
+    value = isTrue;
     return true;
 }

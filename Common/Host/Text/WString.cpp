@@ -6,8 +6,6 @@
 
 #include <algorithm>
 
-static constexpr std::size_t maxLength = 1u << 24; // a text that keeps doubling must not eat the memory
-
 WString::WString(std::size_t count, wchar_t ch)
 {
     if (count > capacity)
@@ -20,9 +18,9 @@ WString::WString(std::size_t count, wchar_t ch)
 /// Doubling keeps repeated appending linear.
 static std::size_t GrownCapacity(std::size_t capacity, std::size_t needed)
 {
-    if (needed > maxLength)
+    if (needed > WString::maxLength)
         throw HostException(HostError::TextTooLong);
-    return std::max(needed, std::min(capacity * 2, maxLength));
+    return std::max(needed, std::min(capacity * 2, WString::maxLength));
 }
 
 /// Makes room for `count` characters and keeps the text. Whatever copies long texts or builds one comes by here.

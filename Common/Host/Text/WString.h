@@ -22,6 +22,7 @@ class HOST_API WString
 {
 public:
     static constexpr std::size_t inlineCapacity = 15;
+    static constexpr std::size_t maxLength = 1u << 24; // a text that keeps doubling must not eat the memory
 
     WString() noexcept = default;
     WString(const wchar_t* text) { Assign(text, text ? std::wcslen(text) : 0); } // a null pointer gives an empty text

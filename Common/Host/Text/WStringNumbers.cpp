@@ -17,11 +17,7 @@ bool WString::TryGetHexUInt(unsigned int& value, unsigned int min, unsigned int 
 
 bool WString::TryGetBool(bool& value) const
 {
-    const bool isTrue = Equals(L"true", true);
-    if (!isTrue && !Equals(L"false", true))
-        return false;
-    value = isTrue;
-    return true;
+    return TryReadBool(View(), value);
 }
 
 bool WString::TryGetVersion(unsigned long long& value) const

@@ -1,0 +1,122 @@
+// How the evaluation calls functions.
+
+#include "Evaluation.h"
+
+#include "ExpressionEvaluator.h"
+#include "ExpressionEvaluatorException.h"
+#include "ExpressionEvaluatorFunctions.h"
+
+#include <cmath>
+
+/// Evaluates the arguments of the call at `position`, and then its function.
+bool Evaluation::Call(int position, Item& result)
+{
+    if (evaluator.callDepth == ExpressionEvaluator::maxCallDepth) { // of items that no converter has made
+        Record(Errors::NestedTooDeeply, position);
+        return false;
+    }
+    ++evaluator.callDepth;
+    const std::size_t first = workspace.operands.GetSize();
+    const bool hasFunction = EvaluateArguments() == TT_FUNCOP;
+    if (!hasFunction)
+        Record(Errors::FunctionTokenExpected, position);
+    const bool isCalled = hasFunction && CallFunction(Item(Take()), first, result);
+    --evaluator.callDepth;
+    return isCalled;
+}
+
+/// Evaluates each argument as a level of its own and returns what ended the last one. A failed argument becomes an
+/// error value.
+int Evaluation::EvaluateArguments()
+{
+    int ended = TT_PRMSEP;
+    while (ended == TT_PRMSEP) {
+        Item argument;
+        if (!EvaluateLevel(argument, ended) && argument.IsValued())
+            argument = evaluator.GetRecordedError();
+        workspace.Log(L"Put", argument);
+        workspace.operands.Push(argument);
+    }
+    return ended;
+}
+
+/// Runs what belongs to a function; an exception becomes the error of the level.
+template <typename Action>
+bool Evaluation::Try(const Action& action, Item& result)
+{
+    try {
+        action();
+        return true;
+    } catch (...) {
+        EEToken error;
+        error.SetPosition(result.position);
+        evaluator.TakeThrown(error);
+        workspace.Keep(error, result);
+        return false;
+    }
+}
+
+/// Replaces the arguments by the function's value.
+bool Evaluation::CallFunction(const Item& function, std::size_t first, Item& result)
+{
+    if (!function.function) {
+        const WString message = WString::Format(Errors::UnknownFunction.message, WString(function.GetText()));
+        evaluator.ErrMsg(ExpressionEvaluatorException(Errors::UnknownFunction.number, message, function.position));
+        return false;
+    }
+    Item value;
+    const std::span<const Item> arguments(&workspace.operands[first], workspace.operands.end());
+    const EEFunction::Routine& routine = function.function->GetRoutine();
+    bool isRun = false;
+    if (workspace.isLogged || (!routine.ofMany && (!routine.ofOne || arguments.size() != 1)))
+        isRun = RunFunction(*function.function, arguments, value, result); // which pops its arguments into the log
+    else if (routine.ofOne)
+        isRun = RunRoutine(routine.ofOne, arguments[0], value, result);
+    else
+        isRun = RunRoutine(routine.ofMany, arguments, value, result);
+    if (!isRun)
+        return false;
+    if (evaluator.IsLogging())
+        evaluator.LogVariable(L"Function:", WString(function.GetText()), EEToken(value));
+    workspace.operands.Cut(first);
+    return Put(value);
+}
+
+bool Evaluation::RunFunction(EEFunction& function, std::span<const Item> arguments, Item& value, Item& result)
+{
+    EETokenStack stack;
+    for (const Item& argument : arguments)
+        stack.Append(argument);
+    EEToken answer;
+    answer.SetPosition(result.position);
+    if (!Try([&] { evaluator.RunFunction(function, answer, stack); }, result))
+        return false;
+    workspace.Keep(answer, value);
+    return true;
+}
+
+bool Evaluation::RunRoutine(double (*routine)(double), const Item& argument, Item& value, Item& result)
+{
+    double number = 0;
+    double answer = 0;
+    if (!ReadNumber(argument, number, result) || !Try([&] { answer = routine(number); }, result))
+        return false;
+    value = std::isnan(answer) ? Item::Error(Errors::InvalidOperation, argument.position - 1)
+                               : Item::Number(answer, result.position);
+    return true;
+}
+
+bool Evaluation::RunRoutine(
+    double (*routine)(std::span<const double>), std::span<const Item> arguments, Item& value, Item& result)
+{
+    std::vector<double>& numbers = workspace.numbers;
+    numbers.resize(arguments.size());
+    for (std::size_t i = 0; i < arguments.size(); ++i)
+        if (!ReadNumber(arguments[i], numbers[i], result))
+            return false;
+    double answer = 0;
+    if (!Try([&] { answer = routine(numbers); }, result))
+        return false;
+    value = Item::Number(answer, result.position);
+    return true;
+}
