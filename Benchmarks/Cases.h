@@ -26,3 +26,8 @@ struct Case
 };
 
 std::vector<Case> MakeCases();
+
+/// 1+2+3, for three numbers and a plus
+std::string MakeSeries(std::size_t count, const std::string& separator);
+/// ((1+1)+1), for two levels and +1
+std::string MakeNested(std::size_t levels, const std::string& addend);

@@ -4,20 +4,23 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
-/// An evaluator with its variables set and one expression to evaluate. The text is held in the form that the evaluator
+using Texts = std::vector<std::string>;
+
+/// An evaluator with its variables set and expressions to evaluate. The texts are held in the form that the evaluator
 /// takes.
 class Contender
 {
 public:
     virtual ~Contender() = default;
-    /// From text to value: nothing made of the text may be kept for the next time.
-    virtual void Evaluate() = 0;
+    /// From a text, told by its index, to its value: nothing made of it may be kept for the next time.
+    virtual void Evaluate(std::size_t text) = 0;
     /// The value of the last evaluation, or what went wrong.
     virtual Value GetValue() = 0;
 };
 
-std::unique_ptr<Contender> MakeEvaluator(const std::string& expression);
-std::unique_ptr<Contender> MakeMuParser(const std::string& expression);
-std::unique_ptr<Contender> MakeLua(const std::string& expression);
-std::unique_ptr<Contender> MakeTcl(const std::string& expression);
+std::unique_ptr<Contender> MakeEvaluator(const Texts& expressions);
+std::unique_ptr<Contender> MakeMuParser(const Texts& expressions);
+std::unique_ptr<Contender> MakeLua(const Texts& expressions);
+std::unique_ptr<Contender> MakeTcl(const Texts& expressions);

@@ -1,38 +1,46 @@
 #include "Contender.h"
-
 #include "ExpressionEvaluator.h"
+#include "Variation.h"
 
 namespace {
 class EvaluatorContender : public Contender
 {
 public:
-    explicit EvaluatorContender(const std::string& expression)
-        : evaluator(nullptr, 0), expression(WString::FromUtf8(expression))
+    explicit EvaluatorContender(const Texts& texts)
     {
-        evaluator.SetVariable(L"a", variableA);
-        evaluator.SetVariable(L"b", variableB);
-        evaluator.SetVariable(L"c", variableC);
-        evaluator.SetVariable(L"d", variableD);
+        for (const std::string& text : texts)
+            expressions.push_back(WString::FromUtf8(text));
+        for (const auto& [name, value] : MakeVariables())
+            evaluator.SetVariable(WString::FromUtf8(name), value);
     }
 
-    void Evaluate() override { evaluator.TryEvaluate(expression, result); }
+    void Evaluate(std::size_t text) override { succeeded = evaluator.TryEvaluate(expressions[text], result); }
 
     Value GetValue() override
     {
         double number = 0;
-        if (result.GetDataType() != DT_STR && result.TryCast(number))
+        if (succeeded && result.GetDataType() != DT_STR && result.TryCast(number))
             return number;
-        return result.ToString().ToUtf8();
+        return succeeded ? result.ToString().ToUtf8() : GetErrorMessage();
     }
 
 private:
-    ExpressionEvaluator evaluator;
-    WString expression;
+    ExpressionEvaluator evaluator{nullptr, 0};
+    std::vector<WString> expressions;
     EEToken result;
+    bool succeeded = false;
+
+    std::string GetErrorMessage() const
+    {
+        ExitCode code;
+        WString message;
+        evaluator.TryGetErrorMessage(code, message, nullptr);
+        return message.ToUtf8();
+    }
 };
 } // namespace
 
-std::unique_ptr<Contender> MakeEvaluator(const std::string& expression)
+std::unique_ptr<Contender> MakeEvaluator(const Texts& expressions)
 {
-    return std::make_unique<EvaluatorContender>(expression);
+    return std::make_unique<EvaluatorContender>(expressions);
 }

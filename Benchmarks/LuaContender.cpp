@@ -1,4 +1,5 @@
 #include "Contender.h"
+#include "Variation.h"
 
 #include <lua.hpp>
 
@@ -6,21 +7,23 @@ namespace {
 class LuaContender : public Contender
 {
 public:
-    explicit LuaContender(const std::string& expression) : chunk("return " + expression)
+    explicit LuaContender(const Texts& expressions)
     {
+        for (const std::string& expression : expressions)
+            chunks.push_back("return " + expression);
         luaL_openlibs(lua.get());
-        SetVariable("a", variableA);
-        SetVariable("b", variableB);
-        SetVariable("c", variableC);
-        SetVariable("d", variableD);
-        for (const char* name : {"sqrt", "sin", "cos"})
+        for (const auto& [name, value] : MakeVariables()) {
+            lua_pushnumber(lua.get(), value);
+            lua_setglobal(lua.get(), name.c_str());
+        }
+        for (const char* name : {"sqrt", "sin", "cos", "max", "min"})
             MakeGlobal(name);
     }
 
-    void Evaluate() override
+    void Evaluate(std::size_t text) override
     {
         lua_settop(lua.get(), 0);
-        if (luaL_loadstring(lua.get(), chunk.c_str()) == LUA_OK)
+        if (luaL_loadbuffer(lua.get(), chunks[text].data(), chunks[text].size(), "=") == LUA_OK)
             lua_pcall(lua.get(), 0, 1, 0); // leaves the value, or the error's text
     }
 
@@ -38,13 +41,7 @@ private:
     };
 
     std::unique_ptr<lua_State, Close> lua{luaL_newstate()};
-    std::string chunk;
-
-    void SetVariable(const char* name, double value)
-    {
-        lua_pushnumber(lua.get(), value);
-        lua_setglobal(lua.get(), name);
-    }
+    Texts chunks;
 
     /// Spares the look-up of the library in each call: the others have none.
     void MakeGlobal(const char* name)
@@ -57,7 +54,7 @@ private:
 };
 } // namespace
 
-std::unique_ptr<Contender> MakeLua(const std::string& expression)
+std::unique_ptr<Contender> MakeLua(const Texts& expressions)
 {
-    return std::make_unique<LuaContender>(expression);
+    return std::make_unique<LuaContender>(expressions);
 }

@@ -1,4 +1,5 @@
 #include "Contender.h"
+#include "Variation.h"
 
 #include <muParser.h>
 
@@ -6,18 +7,16 @@ namespace {
 class MuParserContender : public Contender
 {
 public:
-    explicit MuParserContender(const std::string& expression) : expression(expression)
+    explicit MuParserContender(const Texts& expressions) : expressions(expressions)
     {
-        parser.DefineVar("a", &a);
-        parser.DefineVar("b", &b);
-        parser.DefineVar("c", &c);
-        parser.DefineVar("d", &d);
+        for (Variable& variable : variables)
+            parser.DefineVar(variable.name, &variable.value);
     }
 
-    void Evaluate() override
+    void Evaluate(std::size_t text) override
     {
         try {
-            parser.SetExpr(expression);
+            parser.SetExpr(expressions[text]);
             value = parser.Eval();
         } catch (const mu::ParserError& error) {
             value = error.GetMsg();
@@ -28,16 +27,13 @@ public:
 
 private:
     mu::Parser parser;
-    std::string expression;
+    Texts expressions;
+    std::vector<Variable> variables = MakeVariables();
     Value value;
-    double a = variableA;
-    double b = variableB;
-    double c = variableC;
-    double d = variableD;
 };
 } // namespace
 
-std::unique_ptr<Contender> MakeMuParser(const std::string& expression)
+std::unique_ptr<Contender> MakeMuParser(const Texts& expressions)
 {
-    return std::make_unique<MuParserContender>(expression);
+    return std::make_unique<MuParserContender>(expressions);
 }

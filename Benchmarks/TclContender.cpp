@@ -1,4 +1,5 @@
 #include "Contender.h"
+#include "Variation.h"
 
 #include <tcl.h>
 
@@ -21,20 +22,20 @@ Reference Share(Tcl_Obj* object)
 class TclContender : public Contender
 {
 public:
-    explicit TclContender(const std::string& expression) : expression(expression)
+    explicit TclContender(const Texts& expressions) : expressions(expressions)
     {
-        SetVariable("a", variableA);
-        SetVariable("b", variableB);
-        SetVariable("c", variableC);
-        SetVariable("d", variableD);
+        Tcl_Init(tcl.get()); // defines max and min
+        for (const auto& [name, value] : MakeVariables())
+            Tcl_SetVar2Ex(tcl.get(), name.c_str(), nullptr, Tcl_NewDoubleObj(value), TCL_GLOBAL_ONLY);
     }
 
-    void Evaluate() override
+    void Evaluate(std::size_t text) override
     {
         // A fresh object each time, as an object keeps what it was compiled to.
-        const Reference text = Share(Tcl_NewStringObj(expression.data(), static_cast<int>(expression.size())));
+        const std::string& expression = expressions[text];
+        const Reference fresh = Share(Tcl_NewStringObj(expression.data(), static_cast<int>(expression.size())));
         Tcl_Obj* value = nullptr;
-        if (Tcl_ExprObj(tcl.get(), text.get(), &value) == TCL_OK)
+        if (Tcl_ExprObj(tcl.get(), fresh.get(), &value) == TCL_OK)
             result.reset(value); // with a reference that is ours
         else
             result = Share(Tcl_GetObjResult(tcl.get()));
@@ -50,17 +51,12 @@ public:
 
 private:
     std::unique_ptr<Tcl_Interp, Release> tcl{Tcl_CreateInterp()};
-    std::string expression;
+    Texts expressions;
     Reference result;
-
-    void SetVariable(const char* name, double value)
-    {
-        Tcl_SetVar2Ex(tcl.get(), name, nullptr, Tcl_NewDoubleObj(value), TCL_GLOBAL_ONLY);
-    }
 };
 } // namespace
 
-std::unique_ptr<Contender> MakeTcl(const std::string& expression)
+std::unique_ptr<Contender> MakeTcl(const Texts& expressions)
 {
-    return std::make_unique<TclContender>(expression);
+    return std::make_unique<TclContender>(expressions);
 }
