@@ -71,8 +71,8 @@ std::vector<Case> MakeCases()
         {.name = "sum of 200", .expected = 20100.0, .evaluator = MakeSeries(200, "+")},
         {.name = "one variable", .expected = a, .evaluator = "a", .tcl = "$a"},
         {.name = "one number", .expected = 7.0, .evaluator = "7"},
-        {.name = "1/2", .expected = 0.5, .evaluator = "1/2", .tcl = "1/2.0"},
-        {.name = "1/0", .expected = "Divide by zero", .evaluator = "1/0", .muParser = "", .lua = "", .tcl = ""},
-        {.name = "IsErr(1/0)", .expected = 1.0, .evaluator = "IsErr(1/0)", .muParser = "", .lua = "", .tcl = ""},
+        {.name = "half", .expected = 0.5, .evaluator = "1/2", .tcl = "1/2.0"},
+        {.name = "error", .expected = "Divide by zero", .evaluator = "1/0", .muParser = "", .lua = "", .tcl = ""},
+        {.name = "tested error", .expected = 1.0, .evaluator = "IsErr(1/0)", .muParser = "", .lua = "", .tcl = ""},
     };
 }
