@@ -25,6 +25,7 @@ void DelayedStatus::Finish()
     if (!lastDue_lc)
         return;
     const int wait = static_cast<int>(*lastDue_lc - GetTickCount());
+    System::usage.WriteCounts();
     Clock::Get().Sleep(static_cast<unsigned int>(std::max(wait, 0)));
     Abort::ThrowIfRequested();
     System::status.Refresh();

@@ -73,7 +73,7 @@ try {
 void CountCommand(const WString& name)
 try {
     if (CommandRegistry::FindOrNull(name))
-        System::usage.Increment((L"Command." + name).ToCString());
+        System::usage.Count(L"Command." + name);
 } catch (const std::bad_alloc&) { // the command has run all the same
 }
 } // namespace

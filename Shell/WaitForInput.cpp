@@ -1,5 +1,6 @@
 #include "WaitForInput.h"
 
+#include "Instrument/System.h"
 #include "Text/Abort.h"
 
 #include <cerrno>
@@ -8,6 +9,7 @@
 
 bool WaitForInput(int descriptor)
 {
+    System::usage.WriteCounts();
     // The interrupt is let in during the wait alone: between the question and the wait it would be lost.
     sigset_t interrupt;
     sigset_t former;

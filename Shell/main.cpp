@@ -111,7 +111,7 @@ static void CheckOutput()
 
 static void CountOnTime(unsigned int start)
 try {
-    System::usage.Increment(L"System.OnTime", (GetTickCount() - start) / 1000);
+    System::usage.Count(L"System.OnTime", (GetTickCount() - start) / 1000);
 } catch (const std::bad_alloc&) { // the commands have run all the same
 }
 

@@ -1,6 +1,7 @@
 #include "Instrument/UsageLog.h"
 #include "Support/ChildProcess.h"
 #include "Support/HostTexts.h"
+#include "Support/ManualClock.h"
 #include "Support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -61,6 +62,39 @@ TEST_F(UsageCounters, SaturateForReadersAndNeverWrap)
     EXPECT_EQ(Get(L"Full"), 0) << "a sum beyond 64 bits changes nothing";
 }
 
+TEST_F(UsageCounters, CountsAreGatheredAndWrittenInOrder)
+{
+    ManualClock clock;
+    UsageLog other;
+    const auto getElsewhere = [&] {
+        int value = -1;
+        other.TryGetUsageValue(L"n", value);
+        return value;
+    };
+    usage.Open(path);
+    other.Open(path);
+    usage.Count(L"n");
+    clock.Sleep(99);
+    usage.Count(L"n", 3);
+    EXPECT_EQ(getElsewhere(), -1) << "for the next 100 ms";
+    clock.Sleep(1);
+    usage.WriteCountsIfDue();
+    EXPECT_EQ(getElsewhere(), 4);
+    usage.Count(L"N");
+    EXPECT_EQ(Get(L"n"), 5) << "a read comes behind what is gathered";
+    usage.Count(L"n", 100);
+    other.Set(L"n", 10);
+    usage.Set(L"n", 20);
+    usage.Count(L"n");
+    EXPECT_EQ(getElsewhere(), 20) << "so does a change";
+    usage.WriteCounts();
+    EXPECT_EQ(getElsewhere(), 21);
+    usage.Count(L"n");
+    other.Increment(L"n", 2);
+    usage.Open(folder.Path("Other.db"));
+    EXPECT_EQ(getElsewhere(), 24) << "and at the end all is written";
+}
+
 TEST_F(UsageCounters, FilesThatDoNotServeAreReportedAndNothingIsCounted)
 {
     folder.Write("text", "This is no database, however long the text of this file may be.\n");
@@ -84,15 +118,17 @@ TEST_F(UsageCounters, ProcessesAndThreadsThatCountAtOnceLoseNothing)
         UsageLog mine;
         mine.Open(path);
         IncrementOften(mine);
+        mine.Count(L"Shared", 50);
+        mine.WriteCounts();
         return raise(SIGKILL) == 0; // the file keeps the lock and the journal of a process that is gone
     };
     ChildProcess first(countAndDie);
     ChildProcess second(countAndDie);
     EXPECT_FALSE(first.Wait() || second.Wait());
     usage.Open(path);
-    EXPECT_EQ(Get(L"Shared"), 800);
+    EXPECT_EQ(Get(L"Shared"), 900);
     std::thread thread([&] { IncrementOften(usage); });
     IncrementOften(usage);
     thread.join();
-    EXPECT_EQ(Get(L"Shared"), 1600);
+    EXPECT_EQ(Get(L"Shared"), 1700);
 }

@@ -159,6 +159,20 @@ TEST(ShellTest, DelayedStatusIsSetBeforeTheEnd)
     EXPECT_EQ(labsh.GetOutput(), "ShellTest=7\nOther=true\n");
 }
 
+TEST(ShellTest, CommandsAreCountedBeforeALongOneEnds)
+{
+    for (const char* line : {"Wait 86400", "While true Do Set x=1", "Status -d86400 HotelDoorOpen=true"}) {
+        Labsh labsh;
+        labsh.Start({}, std::string("Echo\nEcho\n") + line);
+        Labsh reader;
+        const std::string data = labsh.folder.Path("data");
+        EXPECT_TRUE(WaitUntil([&] {
+            reader.Run({"--data", data, "Usage Command.Echo"});
+            return reader.GetOutput() == "Command.Echo=2\n";
+        })) << line;
+    }
+}
+
 TEST(ShellTest, InterruptEndsTheScript)
 {
     // Which of the commands notices the interrupt, and so the id in the code, is a matter of chance.

@@ -1,6 +1,7 @@
 #include "Commands/CommandBase.h"
 
 #include "Commands/CommandRunner.h"
+#include "Instrument/System.h"
 #include "Services/Clock.h"
 #include "Text/Abort.h"
 
@@ -16,6 +17,7 @@ Pipe& GetStandardOutput()
 
 void Sleep(int milliseconds)
 {
+    System::usage.WriteCounts();
     Clock::Get().Sleep(static_cast<unsigned int>(std::max(milliseconds, 0)));
     Abort::ThrowIfRequested();
 }

@@ -2,6 +2,7 @@
 
 #include "Commands/CommandLine.h"
 #include "Commands/Reference.h"
+#include "Instrument/System.h"
 #include "Text/Abort.h"
 #include "Text/HostError.h"
 
@@ -128,6 +129,7 @@ void CommandRunner::RunLine(
     outcome.command = entry ? entry->name : Shorten(name, nameLimit);
 
     Abort::ThrowIfRequested();
+    System::usage.WriteCountsIfDue(); // while a command runs others for long
     const NestingLevel nesting;
     if (line.Length() > maxLineLength)
         throw HostException(HostError::CommandTooLong);

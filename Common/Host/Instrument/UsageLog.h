@@ -7,18 +7,23 @@
 #include <memory>
 #include <string>
 
-/// Named counters for several processes at once, in an SQLite file. Names compare in any case. Safe under threads,
-/// once it is open: Open comes before other threads use it. Without an open file all reads find nothing and increments
-/// are dropped: counting never fails a command. An operation waits for other processes that write, 1 s at most (Open 2
-/// s) and no longer than until an abort is requested, and then fails.
+/// Named counters for several processes at once, in an SQLite file with its journal beside it ("-wal" and "-shm" behind
+/// the file's name, which belong to it). Names compare in any case. Safe under threads, once it is open: Open comes
+/// before other threads use it. Without an open file all reads find nothing and increments are dropped: counting never
+/// fails a command. An operation waits for other processes that write, 1 s at most (Open, and one that finds counts
+/// gathered, 2 s) and no longer than until an abort is requested, and then fails.
 ///
 /// Every change is a transaction of its own that survives the death of the process at any moment, and no change is lost
-/// to another process. A power failure may lose the last changes but never damages the file: it is not flushed to the
-/// disk at each, so that counting in a loop stays cheap.
+/// to another process. A power failure may lose the last changes but never damages the file: it is flushed to the disk
+/// not at each but at the end, so that changes in a loop stay cheap.
+///
+/// What is merely counted, a little at each command, is gathered in memory and written in one transaction: at most ten
+/// times a second, before any other operation of this object, and at the end. It is not flushed to the disk.
 class HOST_API UsageLog
 {
 public:
     UsageLog();
+    /// Writes what is gathered, and flushes what was changed otherwise to the disk.
     ~UsageLog();
     UsageLog(const UsageLog&) = delete;
     UsageLog& operator=(const UsageLog&) = delete;
@@ -37,7 +42,17 @@ public:
     /// All names, sorted.
     void GetNames(WStringArray& names) const;
 
+    /// Adds to the counter as Increment does, but gathers first.
+    void Count(const WString& name, unsigned int by = 1);
+    /// Writes what is gathered: to be called before a wait. What cannot be written stays gathered.
+    void WriteCounts() noexcept;
+    /// Writes it when its time has come: to be called in loops that do not count.
+    void WriteCountsIfDue() noexcept;
+
 private:
-    struct Database;
-    std::unique_ptr<Database> database;
+    class Counters;
+    std::unique_ptr<Counters> counters;
+
+    template <typename Change>
+    bool TryChange(const Change& change);
 };

@@ -1,0 +1,232 @@
+#include "Instrument/UsageDatabase.h"
+
+#include "Text/Abort.h"
+
+#include <chrono>
+#include <filesystem>
+#include <thread>
+
+#include <sqlite3.h>
+
+namespace {
+
+constexpr char setup[] = "PRAGMA journal_mode = WAL;"
+                         "PRAGMA synchronous = NORMAL;"
+                         "CREATE TABLE IF NOT EXISTS counters ("
+                         " key TEXT PRIMARY KEY," // the name in lower case
+                         " name TEXT NOT NULL,"   // as first spelled
+                         " value INTEGER NOT NULL"
+                         ") WITHOUT ROWID";
+
+/// So many pages, one for a transaction mostly, stand in the journal before SQLite moves them into the file. Whoever
+/// opens the file reads them all.
+constexpr int journalLimit = 100;
+
+constexpr std::chrono::milliseconds patience(1000);
+
+/// Waits for other processes to write, unless an abort is requested.
+int WaitWhileBusy(void*, int timesBefore)
+{
+    constexpr std::chrono::milliseconds step(5);
+    if (timesBefore * step >= patience || Abort::IsRequested())
+        return 0;
+    std::this_thread::sleep_for(step);
+    return 1;
+}
+
+/// SQLite does not wait by itself where two connections change the journal of a new file at once.
+bool TrySetUp(sqlite3* connection)
+{
+    const auto end = std::chrono::steady_clock::now() + patience;
+    int result = SQLITE_BUSY;
+    do
+        result = sqlite3_exec(connection, setup, nullptr, nullptr, nullptr);
+    while (result == SQLITE_BUSY && std::chrono::steady_clock::now() < end && WaitWhileBusy(nullptr, 0));
+    return result == SQLITE_OK;
+}
+
+/// A prepared statement in use; given back at the end, so that it does not keep the file's present state readable.
+class Use
+{
+public:
+    explicit Use(sqlite3_stmt* statement) : statement(statement) {}
+    ~Use()
+    {
+        sqlite3_reset(statement);
+        sqlite3_clear_bindings(statement);
+    }
+    Use(const Use&) = delete;
+    Use& operator=(const Use&) = delete;
+
+    void BindName(const WString& name)
+    {
+        Bind(1, name.ToLowerCase());
+        if (sqlite3_bind_parameter_count(statement) > 1)
+            Bind(2, name);
+    }
+    void BindValue(long long value) { sqlite3_bind_int64(statement, 3, value); }
+    bool NextRow() { return sqlite3_step(statement) == SQLITE_ROW; }
+    bool Finish() { return sqlite3_step(statement) == SQLITE_DONE; }
+    long long GetNumber() const { return sqlite3_column_int64(statement, 0); }
+    WString GetText() const
+    {
+        const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, 0));
+        return WString::FromUtf8(text ? text : "");
+    }
+
+private:
+    sqlite3_stmt* statement;
+
+    void Bind(int index, const WString& text)
+    {
+        const std::string bytes = text.ToUtf8();
+        sqlite3_bind_text(statement, index, bytes.data(), static_cast<int>(bytes.size()), SQLITE_TRANSIENT);
+    }
+};
+
+/// The file as one that nobody changes, which is how SQLite reads it without files of its own beside it.
+std::string GetUnchangingUri(const std::string& path)
+{
+    std::string uri = "file:";
+    for (const char ch : std::filesystem::absolute(path).string()) {
+        if (ch == '%' || ch == '?' || ch == '#')
+            uri += ch == '%' ? "%25" : ch == '?' ? "%3f" : "%23";
+        else
+            uri += ch;
+    }
+    return uri + "?immutable=1";
+}
+
+} // namespace
+
+const char* const UsageDatabase::queries[] = {
+    "SELECT value FROM counters WHERE key = ?1",
+    ("INSERT INTO counters VALUES (?1, ?2, ?3) ON CONFLICT DO UPDATE SET value = value + ?3"
+     " WHERE typeof(value + ?3) = 'integer'"), // a sum beyond 64 bits would become a floating number
+    "INSERT INTO counters VALUES (?1, ?2, ?3) ON CONFLICT DO UPDATE SET value = ?3",
+    "DELETE FROM counters WHERE key = ?1",
+    "SELECT name FROM counters",
+    "BEGIN IMMEDIATE",
+    "COMMIT",
+    "ROLLBACK",
+};
+
+void UsageDatabase::Closer::operator()(sqlite3* connection) const
+{
+    sqlite3_close(connection);
+}
+
+void UsageDatabase::Closer::operator()(sqlite3_stmt* statement) const
+{
+    sqlite3_finalize(statement);
+}
+
+UsageDatabase::~UsageDatabase() = default;
+
+bool UsageDatabase::TryConnect(const std::string& name, int flags)
+{
+    sqlite3* opened = nullptr;
+    const int result = sqlite3_open_v2(name.c_str(), &opened, flags, nullptr);
+    connection.reset(opened); // holds the reason when opening failed
+    if (result != SQLITE_OK)
+        return false;
+    sqlite3_busy_handler(opened, WaitWhileBusy, nullptr);
+    sqlite3_wal_autocheckpoint(opened, journalLimit);
+    sqlite3_db_config(opened, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+    return true;
+}
+
+bool UsageDatabase::TryPrepare()
+{
+    for (std::size_t i = 0; i < queryCount; ++i) {
+        sqlite3_stmt* statement = nullptr;
+        if (sqlite3_prepare_v3(connection.get(), queries[i], -1, SQLITE_PREPARE_PERSISTENT, &statement, nullptr) !=
+            SQLITE_OK)
+            return false;
+        statements[i].reset(statement);
+    }
+    return true;
+}
+
+bool UsageDatabase::TryOpen(const std::string& path)
+{
+    return TryConnect(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE) && TrySetUp(connection.get()) && TryPrepare();
+}
+
+bool UsageDatabase::TryOpenForReading(const std::string& path)
+{
+    return TryConnect(GetUnchangingUri(path), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI) && TryPrepare();
+}
+
+std::string UsageDatabase::GetError() const
+{
+    return sqlite3_errmsg(connection.get());
+}
+
+bool UsageDatabase::TryRead(const WString& name, long long& value)
+{
+    Use query((*this)[ReadValue]);
+    query.BindName(name);
+    if (!query.NextRow())
+        return false;
+    value = query.GetNumber();
+    return true;
+}
+
+void UsageDatabase::ReadNames(WStringArray& names)
+{
+    Use query((*this)[ListNames]);
+    while (query.NextRow())
+        names.Add(query.GetText());
+}
+
+bool UsageDatabase::Add(const WString& name, long long by)
+{
+    Use query((*this)[AddValue]);
+    query.BindName(name);
+    query.BindValue(by);
+    return query.Finish();
+}
+
+bool UsageDatabase::Assign(const WString& name, long long value)
+{
+    Use query((*this)[AssignValue]);
+    query.BindName(name);
+    query.BindValue(value);
+    return query.Finish();
+}
+
+bool UsageDatabase::Remove(const WString& name)
+{
+    Use query((*this)[RemoveRow]);
+    query.BindName(name);
+    return query.Finish() && sqlite3_changes(connection.get()) != 0;
+}
+
+bool UsageDatabase::Execute(Query query)
+{
+    return Use((*this)[query]).Finish();
+}
+
+bool UsageDatabase::Begin()
+{
+    return Execute(BeginTransaction);
+}
+
+bool UsageDatabase::Commit()
+{
+    if (Execute(CommitTransaction))
+        return true;
+    Rollback();
+    return false;
+}
+
+void UsageDatabase::Rollback()
+{
+    Execute(RollbackTransaction);
+}
+
+void UsageDatabase::Preserve()
+{
+    sqlite3_wal_checkpoint_v2(connection.get(), nullptr, SQLITE_CHECKPOINT_FULL, nullptr, nullptr);
+}

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "Text/WString.h"
+#include "Text/WStringArray.h"
+
+#include <array>
+#include <memory>
+#include <string>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+/// The counters' table in its SQLite file. Not locked. An operation waits for other processes that write, 1 s at most
+/// and no longer than until an abort is requested, and then yields false, as it does when the file cannot be written.
+///
+/// What is committed survives the death of the process. Before a power failure it is safe only once it has left the
+/// journal beside the file: SQLite sees to that each time the journal has grown, Preserve at once. The journal stays
+/// when the file is closed, so that a process which changed nothing that must last never waits for the disk.
+class UsageDatabase
+{
+public:
+    ~UsageDatabase();
+
+    /// Opens or creates the file; a failed one serves for GetError alone.
+    bool TryOpen(const std::string& path);
+    /// Opens a file that nobody changes, without files of its own beside it.
+    bool TryOpenForReading(const std::string& path);
+    std::string GetError() const;
+
+    bool TryRead(const WString& name, long long& value);
+    void ReadNames(WStringArray& names);
+    bool Add(const WString& name, long long by);
+    bool Assign(const WString& name, long long value);
+    /// False when there is no such counter as well.
+    bool Remove(const WString& name);
+
+    /// From a Begin that succeeded to Commit all changes are made or, when Commit fails or Rollback is called, none.
+    bool Begin();
+    bool Commit();
+    void Rollback();
+
+    void Preserve();
+
+private:
+    enum Query
+    {
+        ReadValue,
+        AddValue,
+        AssignValue,
+        RemoveRow,
+        ListNames,
+        BeginTransaction,
+        CommitTransaction,
+        RollbackTransaction,
+        queryCount
+    };
+    static const char* const queries[queryCount];
+
+    struct Closer
+    {
+        void operator()(sqlite3* connection) const;
+        void operator()(sqlite3_stmt* statement) const;
+    };
+    std::unique_ptr<sqlite3, Closer> connection; // outlives the statements
+    std::array<std::unique_ptr<sqlite3_stmt, Closer>, queryCount> statements;
+
+    bool TryConnect(const std::string& name, int flags);
+    bool TryPrepare();
+    bool Execute(Query query);
+    sqlite3_stmt* operator[](Query query) const { return statements[query].get(); }
+};
