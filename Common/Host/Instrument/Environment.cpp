@@ -4,6 +4,7 @@
 #include "Text/ExitCode.h"
 
 #include <map>
+#include <string>
 
 struct Environment::Store
 {
@@ -41,12 +42,12 @@ void Environment::SetString(const WString& name, const WString& value)
 
 void Environment::SetInt(const WString& name, int value)
 {
-    SetString(name, WString::Format(L"%d", value));
+    SetString(name, WString::FromUtf8(std::to_string(value)));
 }
 
 void Environment::SetUInt(const WString& name, unsigned int value)
 {
-    SetString(name, WString::Format(L"%u", value));
+    SetString(name, WString::FromUtf8(std::to_string(value)));
 }
 
 bool Environment::TryDelete(const WString& name)

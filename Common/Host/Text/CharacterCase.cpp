@@ -29,10 +29,8 @@ wchar_t ToLowerOther(wchar_t ch) noexcept
     return static_cast<wchar_t>(towlower_l(static_cast<wint_t>(ch), GetCaseLocale()));
 }
 
-bool IsWhiteSpace(wchar_t ch) noexcept
+bool IsOtherWhiteSpace(wchar_t ch) noexcept
 {
-    if (static_cast<unsigned>(ch) < 0x80)
-        return ch == L' ' || (ch >= L'\t' && ch <= L'\r');
     return iswspace_l(static_cast<wint_t>(ch), GetCaseLocale()) != 0;
 }
 

@@ -8,6 +8,7 @@
 /// Case mapping of single characters, one to one, as UTF-8 locales have it, whatever the locale of the process.
 HOST_API wchar_t ToUpperOther(wchar_t ch) noexcept;
 HOST_API wchar_t ToLowerOther(wchar_t ch) noexcept;
+HOST_API bool IsOtherWhiteSpace(wchar_t ch) noexcept;
 
 inline wchar_t ToUpper(wchar_t ch) noexcept
 {
@@ -24,7 +25,12 @@ inline wchar_t ToLower(wchar_t ch) noexcept
 }
 
 /// True for the characters that a UTF-8 locale counts as white space.
-HOST_API bool IsWhiteSpace(wchar_t ch) noexcept;
+inline bool IsWhiteSpace(wchar_t ch) noexcept
+{
+    if (static_cast<unsigned>(ch) < 0x80)
+        return ch == L' ' || (ch >= L'\t' && ch <= L'\r');
+    return IsOtherWhiteSpace(ch);
+}
 
 /// Below, equal to or above 0 as `left` sorts before, with or after `right`, both in lower case.
 HOST_API int CompareIgnoreCase(std::wstring_view left, std::wstring_view right) noexcept;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <type_traits>
 #include <utf8.h>
 
 /// The length of the text's next part. No part begins within a character, nor within what becomes one U+FFFD.
@@ -15,9 +16,25 @@ static std::size_t GetPartLength(std::string_view text)
     return length;
 }
 
+/// Whether it is short, besides, so that it is handled without a look at the abort request.
+template <typename Text>
+static bool IsShortAscii(const Text& text)
+{
+    const auto isAscii = [](auto ch) { return static_cast<std::make_unsigned_t<decltype(ch)>>(ch) < 0x80; };
+    return text.size() <= Abort::interval && std::ranges::all_of(text, isAscii);
+}
+
 WString WString::FromUtf8(std::string_view text)
 {
     WString result;
+    if (IsShortAscii(text)) {
+        if (text.size() > result.capacity)
+            result.Reserve(text.size());
+        std::ranges::copy(text, result.data);
+        result.length = text.size();
+        result.data[result.length] = 0;
+        return result;
+    }
     std::string valid;
     while (!text.empty()) {
         const std::string_view part = text.substr(0, GetPartLength(text));
@@ -34,6 +51,8 @@ WString WString::FromUtf8(std::string_view text)
 
 std::string WString::ToUtf8() const
 {
+    if (IsShortAscii(View()))
+        return std::string(begin(), end());
     constexpr char32_t replacement = 0xFFFD;
     std::string result;
     Abort::Watch watch;
