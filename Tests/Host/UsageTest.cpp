@@ -6,7 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
+#include <filesystem>
 #include <thread>
 
 class UsageCounters : public testing::Test
@@ -93,6 +95,19 @@ TEST_F(UsageCounters, CountsAreGatheredAndWrittenInOrder)
     other.Increment(L"n", 2);
     usage.Open(folder.Path("Other.db"));
     EXPECT_EQ(getElsewhere(), 24) << "and at the end all is written";
+}
+
+TEST_F(UsageCounters, TheJournalStaysShort)
+{
+    std::uintmax_t longest = 0;
+    for (int i = 0; i < 300; ++i) {
+        usage.Open(path);
+        usage.Count(L"n");
+        longest = std::max(longest, std::filesystem::file_size(path + "-wal"));
+    }
+    EXPECT_GT(longest, 0x1000u) << "or each end would wait for the disk";
+    EXPECT_LT(longest, 0x12000u);
+    EXPECT_EQ(Get(L"n"), 300);
 }
 
 TEST_F(UsageCounters, FilesThatDoNotServeAreReportedAndNothingIsCounted)

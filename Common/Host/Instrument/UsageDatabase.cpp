@@ -1,5 +1,6 @@
 #include "Instrument/UsageDatabase.h"
 
+#include "Services/WholeFile.h"
 #include "Text/Abort.h"
 
 #include <chrono>
@@ -10,17 +11,14 @@
 
 namespace {
 
-constexpr char setup[] = "PRAGMA journal_mode = WAL;"
+constexpr char setup[] = "PRAGMA page_size = 512;" // of a new file: the unit in which changes are written and read back
+                         "PRAGMA journal_mode = WAL;"
                          "PRAGMA synchronous = NORMAL;"
                          "CREATE TABLE IF NOT EXISTS counters ("
                          " key TEXT PRIMARY KEY," // the name in lower case
                          " name TEXT NOT NULL,"   // as first spelled
                          " value INTEGER NOT NULL"
                          ") WITHOUT ROWID";
-
-/// So many pages, one for a transaction mostly, stand in the journal before SQLite moves them into the file. Whoever
-/// opens the file reads them all.
-constexpr int journalLimit = 100;
 
 constexpr std::chrono::milliseconds patience(1000);
 
@@ -131,7 +129,6 @@ bool UsageDatabase::TryConnect(const std::string& name, int flags)
     if (result != SQLITE_OK)
         return false;
     sqlite3_busy_handler(opened, WaitWhileBusy, nullptr);
-    sqlite3_wal_autocheckpoint(opened, journalLimit);
     sqlite3_db_config(opened, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
     return true;
 }
@@ -150,6 +147,7 @@ bool UsageDatabase::TryPrepare()
 
 bool UsageDatabase::TryOpen(const std::string& path)
 {
+    journal = path + "-wal";
     return TryConnect(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE) && TrySetUp(connection.get()) && TryPrepare();
 }
 
@@ -221,12 +219,18 @@ bool UsageDatabase::Commit()
     return false;
 }
 
-void UsageDatabase::Rollback()
+void UsageDatabase::Rollback() noexcept
 {
     Execute(RollbackTransaction);
 }
 
-void UsageDatabase::Preserve()
+bool UsageDatabase::IsJournalLong() const noexcept
 {
-    sqlite3_wal_checkpoint_v2(connection.get(), nullptr, SQLITE_CHECKPOINT_FULL, nullptr, nullptr);
+    constexpr off_t limit = 0x10000;
+    return WholeFile::GetStamp(journal).size > limit;
+}
+
+void UsageDatabase::Preserve() noexcept
+{
+    sqlite3_wal_checkpoint_v2(connection.get(), nullptr, SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr);
 }

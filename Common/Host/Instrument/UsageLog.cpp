@@ -21,7 +21,7 @@ static bool IsFolderWritable(const std::string& path)
 }
 
 /// An open file, and what has been counted but is not in it yet.
-class UsageLog::Counters
+class [[gnu::visibility("hidden")]] UsageLog::Counters
 {
 public:
     std::mutex lock; // held by whoever calls an operation
@@ -36,7 +36,10 @@ public:
     void WriteIfDue() noexcept;
 
     /// The file with all that was counted before in it, as far as it can be written.
-    UsageDatabase& Read() { return Write(), database; }
+    UsageDatabase& Read()
+    {
+        return Write(), database;
+    }
     /// Makes a change that is to last, behind all that was counted before.
     template <typename Change>
     bool TryMakeLasting(const Change& change)
@@ -69,11 +72,11 @@ std::unique_ptr<UsageLog::Counters> UsageLog::Counters::OpenOrNull(const std::st
     return opened;
 }
 
-/// What is gathered comes last: the first to write after the file is brought up to date waits for the disk once more,
-/// and that is not left to a process that changes nothing that lasts.
+/// What is gathered comes last, since the first change behind Preserve waits for the disk: that is not left to the next
+/// process. Nor could that one begin the journal anew, for it cannot know that the file has all of it.
 UsageLog::Counters::~Counters()
 {
-    if (hasLasting)
+    if (hasLasting || database.IsJournalLong())
         database.Preserve();
     Write();
 }
