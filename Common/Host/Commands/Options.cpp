@@ -12,6 +12,8 @@ Options::Options(const WStringArray& texts)
 template <typename Reader>
 bool Options::TryRead(const wchar_t* name, unsigned int exitNumber, const Reader& read)
 {
+    if (options.empty())
+        return false;
     const WString wanted(name);
     const Option* given = nullptr;
     for (Option& option : options) {
