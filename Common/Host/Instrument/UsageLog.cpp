@@ -9,7 +9,6 @@
 #include <limits>
 #include <map>
 #include <mutex>
-#include <new>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -36,9 +35,10 @@ public:
     void WriteIfDue() noexcept;
 
     /// The file with all that was counted before in it, as far as it can be written.
-    UsageDatabase& Read()
+    UsageDatabase& GetUpToDate()
     {
-        return Write(), database;
+        Write();
+        return database;
     }
     /// Makes a change that is to last, behind all that was counted before.
     template <typename Change>
@@ -96,7 +96,7 @@ try {
         return false;
     gathered.clear();
     return true;
-} catch (const std::bad_alloc&) {
+} catch (...) { // mostly for want of memory
     database.Rollback();
     return false;
 }
@@ -143,7 +143,7 @@ bool UsageLog::TryGetUsageValue(const wchar_t* name, int& value) const
         return false;
     const std::lock_guard guard(counters->lock);
     long long number = 0;
-    if (!counters->Read().TryRead(name, number))
+    if (!counters->GetUpToDate().TryRead(name, number))
         return false;
     value = static_cast<int>(
         std::clamp<long long>(number, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
@@ -156,7 +156,7 @@ void UsageLog::GetNames(WStringArray& names) const
     if (!counters)
         return;
     const std::lock_guard guard(counters->lock);
-    counters->Read().ReadNames(names);
+    counters->GetUpToDate().ReadNames(names);
     names.Sort();
 }
 
