@@ -97,19 +97,6 @@ TEST_F(UsageCounters, CountsAreGatheredAndWrittenInOrder)
     EXPECT_EQ(getElsewhere(), 24) << "and at the end all is written";
 }
 
-TEST_F(UsageCounters, TheJournalStaysShort)
-{
-    std::uintmax_t longest = 0;
-    for (int i = 0; i < 300; ++i) {
-        usage.Open(path);
-        usage.Count(L"n");
-        longest = std::max(longest, std::filesystem::file_size(path + "-wal"));
-    }
-    EXPECT_GT(longest, 0x1000u) << "or each end would wait for the disk";
-    EXPECT_LT(longest, 0x12000u);
-    EXPECT_EQ(Get(L"n"), 300);
-}
-
 TEST_F(UsageCounters, FilesThatDoNotServeAreReportedAndNothingIsCounted)
 {
     folder.Write("text", "This is no database, however long the text of this file may be.\n");

@@ -1,6 +1,5 @@
 #include "Instrument/UsageDatabase.h"
 
-#include "Services/WholeFile.h"
 #include "Text/Abort.h"
 
 #include <chrono>
@@ -11,9 +10,8 @@
 
 namespace {
 
-constexpr char setup[] = "PRAGMA page_size = 512;" // of a new file: the unit in which changes are written and read back
-                         "PRAGMA journal_mode = WAL;"
-                         "PRAGMA synchronous = NORMAL;"
+constexpr char setup[] = "PRAGMA journal_mode = WAL;"
+                         "PRAGMA synchronous = OFF;" // until there is something that must last
                          "CREATE TABLE IF NOT EXISTS counters ("
                          " key TEXT PRIMARY KEY," // the name in lower case
                          " name TEXT NOT NULL,"   // as first spelled
@@ -129,7 +127,6 @@ bool UsageDatabase::TryConnect(const std::string& name, int flags)
     if (result != SQLITE_OK)
         return false;
     sqlite3_busy_handler(opened, WaitWhileBusy, nullptr);
-    sqlite3_db_config(opened, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
     return true;
 }
 
@@ -147,7 +144,6 @@ bool UsageDatabase::TryPrepare()
 
 bool UsageDatabase::TryOpen(const std::string& path)
 {
-    journal = path + "-wal";
     return TryConnect(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE) && TrySetUp(connection.get()) && TryPrepare();
 }
 
@@ -206,9 +202,14 @@ bool UsageDatabase::Execute(Query query)
     return Use((*this)[query]).Finish();
 }
 
-bool UsageDatabase::Begin()
+bool UsageDatabase::Begin(bool waits)
 {
-    return Execute(BeginTransaction);
+    if (waits)
+        return Execute(BeginTransaction);
+    sqlite3_busy_handler(connection.get(), nullptr, nullptr);
+    const bool hasBegun = Execute(BeginTransaction);
+    sqlite3_busy_handler(connection.get(), WaitWhileBusy, nullptr);
+    return hasBegun;
 }
 
 bool UsageDatabase::Commit()
@@ -224,10 +225,9 @@ void UsageDatabase::Rollback() noexcept
     Execute(RollbackTransaction);
 }
 
-bool UsageDatabase::IsJournalLong() const noexcept
+bool UsageDatabase::TryMakeDurable() noexcept
 {
-    constexpr off_t limit = 0x10000;
-    return WholeFile::GetStamp(journal).size > limit;
+    return sqlite3_exec(connection.get(), "PRAGMA synchronous = NORMAL", nullptr, nullptr, nullptr) == SQLITE_OK;
 }
 
 void UsageDatabase::Preserve() noexcept

@@ -13,9 +13,9 @@ struct sqlite3_stmt;
 /// The counters' table in its SQLite file. Not locked. An operation waits for other processes that write, 1 s at most
 /// and no longer than until an abort is requested, and then yields false, as it does when the file cannot be written.
 ///
-/// What is committed survives the death of the process, but a power failure only once it has left the journal beside
-/// the file. SQLite sees to that now and then while the file is open, Preserve at once. When the file is closed the
-/// journal stays as it is, so that a process which changed nothing that must last need not wait for the disk.
+/// What is committed survives the death of the process. What must survive a power failure too is changed behind
+/// TryMakeDurable and sent to the disk by Preserve; a process that changes nothing of the kind never waits for the
+/// disk.
 class UsageDatabase
 {
 public:
@@ -35,14 +35,13 @@ public:
     bool Remove(const WString& name);
 
     /// From a Begin that succeeded to Commit all changes are made or, when Commit fails or Rollback is called, none.
-    bool Begin();
+    bool Begin(bool waits);
     bool Commit();
     void Rollback() noexcept;
 
-    /// Whether the journal has grown so that whoever opens the file is held up by reading it.
-    bool IsJournalLong() const noexcept;
-    /// Moves what the journal holds into the file, and that to the disk. The next change begins the journal anew, and
-    /// waits for the disk as well.
+    /// From now on changes go to the disk in order, so that a power failure does not damage the file.
+    bool TryMakeDurable() noexcept;
+    /// Waits until all changes are on the disk.
     void Preserve() noexcept;
 
 private:
@@ -65,7 +64,6 @@ private:
         void operator()(sqlite3* connection) const;
         void operator()(sqlite3_stmt* statement) const;
     };
-    std::string journal;                         // the name of its file
     std::unique_ptr<sqlite3, Closer> connection; // outlives the statements
     std::array<std::unique_ptr<sqlite3_stmt, Closer>, queryCount> statements;
 

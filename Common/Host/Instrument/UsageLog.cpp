@@ -31,7 +31,7 @@ public:
 
     void Gather(const WString& name, unsigned int by);
     /// Writes in one transaction what is gathered; false, and it stays gathered, when the file cannot be written.
-    bool Write() noexcept;
+    bool Write(bool waits = true) noexcept;
     void WriteIfDue() noexcept;
 
     /// The file with all that was counted before in it, as far as it can be written.
@@ -44,9 +44,8 @@ public:
     template <typename Change>
     bool TryMakeLasting(const Change& change)
     {
-        const bool isMade = Write() && change(database);
-        hasLasting = hasLasting || isMade;
-        return isMade;
+        hasLasting = hasLasting || database.TryMakeDurable();
+        return hasLasting && Write() && change(database);
     }
 
 private:
@@ -57,7 +56,7 @@ private:
     std::map<WString, long long> gathered;
     unsigned int gatheredSince = 0; // ticks of the clock
 
-    bool TryAddGathered();
+    bool TryAddGathered(bool waits);
 };
 
 std::unique_ptr<UsageLog::Counters> UsageLog::Counters::OpenOrNull(const std::string& path, std::string& reason)
@@ -72,13 +71,11 @@ std::unique_ptr<UsageLog::Counters> UsageLog::Counters::OpenOrNull(const std::st
     return opened;
 }
 
-/// What is gathered comes last, since the first change behind Preserve waits for the disk: that is not left to the next
-/// process. Nor could that one begin the journal anew, for it cannot know that the file has all of it.
 UsageLog::Counters::~Counters()
 {
-    if (hasLasting || database.IsJournalLong())
-        database.Preserve();
     Write();
+    if (hasLasting)
+        database.Preserve();
 }
 
 void UsageLog::Counters::Gather(const WString& name, unsigned int by)
@@ -88,11 +85,11 @@ void UsageLog::Counters::Gather(const WString& name, unsigned int by)
     gathered[name] += by;
 }
 
-bool UsageLog::Counters::Write() noexcept
+bool UsageLog::Counters::Write(bool waits) noexcept
 try {
     if (gathered.empty())
         return true;
-    if (!TryAddGathered())
+    if (!TryAddGathered(waits))
         return false;
     gathered.clear();
     return true;
@@ -109,12 +106,12 @@ void UsageLog::Counters::WriteIfDue() noexcept
     if (now - gatheredSince < interval)
         return;
     gatheredSince = now; // for the next attempt, if this one fails
-    Write();
+    Write(false);        // a command does not wait for other processes to be counted
 }
 
-bool UsageLog::Counters::TryAddGathered()
+bool UsageLog::Counters::TryAddGathered(bool waits)
 {
-    if (!database.Begin())
+    if (!database.Begin(waits))
         return false;
     for (const auto& [name, by] : gathered) {
         if (!database.Add(name, by)) {

@@ -7,18 +7,18 @@
 #include <memory>
 #include <string>
 
-/// Named counters for several processes at once, in an SQLite file with its journal beside it ("-wal" and "-shm" behind
-/// the file's name, which belong to it). Names compare in any case. Safe under threads, once it is open: Open comes
-/// before other threads use it. Without an open file all reads find nothing and increments are dropped: counting never
-/// fails a command. An operation waits for other processes that write, 1 s at most (Open, and one that finds counts
-/// gathered, 2 s) and no longer than until an abort is requested, and then fails.
+/// Named counters for several processes at once, in an SQLite file with its journal beside it while it is open. Names
+/// compare in any case. Safe under threads, once it is open: Open comes before other threads use it. Without an open
+/// file all reads find nothing and increments are dropped: counting never fails a command. An operation waits for other
+/// processes that write, 1 s at most (Open, and one that finds counts gathered, 2 s) and no longer than until an abort
+/// is requested, and then fails.
 ///
 /// Every change is a transaction of its own that survives the death of the process at any moment, and no change is lost
-/// to another process. A power failure may lose the last changes but never damages the file: it is flushed to the disk
-/// not at each but at the end, so that changes in a loop stay cheap.
+/// to another process. It is flushed to the disk not at once but at the end, so that changes in a loop stay cheap.
 ///
 /// What is merely counted, a little at each command, is gathered in memory and written in one transaction: at most ten
-/// times a second, before any other operation of this object, and at the end. It is not flushed to the disk.
+/// times a second, before any other operation of this object, and at the end. It is never flushed to the disk: a power
+/// failure in the moment when it is written may damage the file.
 class HOST_API UsageLog
 {
 public:
