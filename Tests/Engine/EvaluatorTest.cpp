@@ -126,6 +126,9 @@ TEST(Evaluator, TextsThatGetTooLongAreNoErrorOfTheTrace)
     EEToken result;
     EXPECT_FALSE(evaluator.TryEvaluate(longest, result));
     EXPECT_EQ(DescribeError(evaluator), "0:1:12 #Error: 0:1:12 @16777216");
+    bool isError = false;
+    const WString tested = L"IsErr(%U{" + WString((1u << 24) - 14, L'n') + L"}+1)";
+    EXPECT_TRUE(evaluator.TryEvaluateBool(tested, isError) && isError) << "an error value as any other";
 }
 
 TEST(Evaluator, VariablesPersistUntilCleared)

@@ -155,6 +155,14 @@ TEST(FailingFunctions, AnEvaluationInsideLeavesTheOuterOneAlone)
         EXPECT_EQ(evaluator.GetVariableTrace().ToUtf8(),
             "pi=3.14159265358979\nFunction:set=7\nx=7\nFunction:inside=7\nFunction:inside='7'\n"
             "Function:abs=3.14159265358979");
+
+        // A function may even change the text that is being evaluated.
+        EETokenMap map(1);
+        map.SetVariable(L"x", L"set(1) & \"a literal that is longer than 15 characters\"");
+        evaluator.SetVariableMap(&map);
+        EEToken result;
+        EXPECT_TRUE(evaluator.TryEvaluate(map.GetVariable(L"x")->GetText(), result));
+        EXPECT_EQ(result.GetText(), L"1a literal that is longer than 15 characters");
     });
 }
 

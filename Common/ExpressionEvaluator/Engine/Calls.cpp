@@ -5,6 +5,7 @@
 #include "ExpressionEvaluator.h"
 #include "ExpressionEvaluatorException.h"
 #include "ExpressionEvaluatorFunctions.h"
+#include "Text/Abort.h"
 
 #include <cmath>
 
@@ -17,10 +18,11 @@ bool Evaluation::Call(int position, Item& result)
     }
     ++evaluator.callDepth;
     const std::size_t first = workspace.operands.GetSize();
+    const TextArena::Place firstText = workspace.texts.GetPlace();
     const bool hasFunction = EvaluateArguments() == TT_FUNCOP;
     if (!hasFunction)
         Record(Errors::FunctionTokenExpected, position);
-    const bool isCalled = hasFunction && CallFunction(Item(Take()), first, result);
+    const bool isCalled = hasFunction && CallFunction(Item(Take()), first, firstText, result);
     --evaluator.callDepth;
     return isCalled;
 }
@@ -40,24 +42,8 @@ int Evaluation::EvaluateArguments()
     return ended;
 }
 
-/// Runs what belongs to a function; an exception becomes the error of the level.
-template <typename Action>
-bool Evaluation::Try(const Action& action, Item& result)
-{
-    try {
-        action();
-        return true;
-    } catch (...) {
-        EEToken error;
-        error.SetPosition(result.position);
-        evaluator.TakeThrown(error);
-        workspace.Keep(error, result);
-        return false;
-    }
-}
-
-/// Replaces the arguments by the function's value.
-bool Evaluation::CallFunction(const Item& function, std::size_t first, Item& result)
+/// Replaces the arguments, and the texts made for them, by the function's value.
+bool Evaluation::CallFunction(const Item& function, std::size_t first, TextArena::Place firstText, Item& result)
 {
     if (!function.function) {
         const WString message = WString::Format(Errors::UnknownFunction.message, WString(function.GetText()));
@@ -65,21 +51,27 @@ bool Evaluation::CallFunction(const Item& function, std::size_t first, Item& res
         return false;
     }
     Item value;
-    const std::span<const Item> arguments(&workspace.operands[first], workspace.operands.end());
-    const EEFunction::Routine& routine = function.function->GetRoutine();
-    bool isRun = false;
-    if (workspace.isLogged || (!routine.ofMany && (!routine.ofOne || arguments.size() != 1)))
-        isRun = RunFunction(*function.function, arguments, value, result); // which pops its arguments into the log
-    else if (routine.ofOne)
-        isRun = RunRoutine(routine.ofOne, arguments[0], value, result);
-    else
-        isRun = RunRoutine(routine.ofMany, arguments, value, result);
-    if (!isRun)
+    if (!Run(*function.function, {&workspace.operands[first], workspace.operands.end()}, value, result))
         return false;
     if (evaluator.IsLogging())
         evaluator.LogVariable(L"Function:", WString(function.GetText()), EEToken(value));
     workspace.operands.Cut(first);
+    workspace.texts.ReturnTo(firstText);
+    value.SetText(workspace.texts.Copy(value.GetText()));
     return Put(value);
+}
+
+/// The log shows the arguments as a function takes them, from a stack of tokens.
+bool Evaluation::Run(EEFunction& function, std::span<const Item> arguments, Item& value, Item& result)
+{
+    const EEFunction::Routine& routine = function.GetRoutine();
+    if (workspace.isLogged)
+        return RunFunction(function, arguments, value, result);
+    if (routine.ofOne && arguments.size() == 1)
+        return RunRoutine(routine.ofOne, arguments[0], value, result);
+    if (routine.ofMany)
+        return RunRoutine(routine.ofMany, arguments, value, result);
+    return RunFunction(function, arguments, value, result);
 }
 
 bool Evaluation::RunFunction(EEFunction& function, std::span<const Item> arguments, Item& value, Item& result)
@@ -97,11 +89,13 @@ bool Evaluation::RunFunction(EEFunction& function, std::span<const Item> argumen
 
 bool Evaluation::RunRoutine(double (*routine)(double), const Item& argument, Item& value, Item& result)
 {
+    const int position = argument.position;
     double number = 0;
     double answer = 0;
     if (!ReadNumber(argument, number, result) || !Try([&] { answer = routine(number); }, result))
         return false;
-    value = std::isnan(answer) ? Item::Error(Errors::InvalidOperation, argument.position - 1)
+    Abort::ThrowIfRequested();
+    value = std::isnan(answer) ? Item::Error(Errors::InvalidOperation, position - 1)
                                : Item::Number(answer, result.position);
     return true;
 }
@@ -117,6 +111,7 @@ bool Evaluation::RunRoutine(
     double answer = 0;
     if (!Try([&] { answer = routine(numbers); }, result))
         return false;
+    Abort::ThrowIfRequested();
     value = Item::Number(answer, result.position);
     return true;
 }

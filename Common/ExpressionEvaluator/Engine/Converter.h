@@ -15,11 +15,10 @@ class Converter
 {
 public:
     /// Converts what stands at `cursor`; positions count from `start`.
-    Converter(ExpressionEvaluator& evaluator, Workspace& workspace, const wchar_t* start, const wchar_t* cursor) noexcept
+    Converter(
+        ExpressionEvaluator& evaluator, Workspace& workspace, const wchar_t* start, const wchar_t* cursor) noexcept
         : evaluator(evaluator), workspace(workspace), tokenizer(evaluator, workspace, start, cursor), start(start)
     {
-        workspace.operators.Cut(0); // what a conversion that failed has left
-        workspace.calls.Cut(0);
         evaluator.record.expressionStart = start;
     }
 

@@ -7,6 +7,7 @@
 #include "Item.h"
 #include "Text/Abort.h"
 #include "Text/HostError.h"
+#include "Workspace.h"
 
 #include <new>
 #include <utility>
@@ -178,11 +179,11 @@ void ExpressionEvaluator::TakeHostError(EEToken& result, const ExitCode& code, c
 }
 
 /// The recorded error as a value.
-Item ExpressionEvaluator::GetRecordedError() const noexcept
+Item ExpressionEvaluator::GetRecordedError() const
 {
     const bool isOwn = record.code.GetModule() == evaluatorModule;
     const unsigned int number = isOwn ? record.code.GetNumber() : Errors::ForeignArgumentError.number;
-    return Item::Error(number, record.message.View(), record.position);
+    return Item::Error(number, workspace->texts.Copy(record.message.View()), record.position);
 }
 
 /// While a function runs. When it has evaluated something else, the record of the evaluation that called it comes back

@@ -111,7 +111,7 @@ void Evaluation::SkipArgument(int& terminator)
 
 bool Evaluation::Fail(const EvaluatorError& error, int position, Item& result)
 {
-    result = Item::Error(error, position);
+    result = Item::Error(error, position != -1 ? position : result.position);
     return false;
 }
 
@@ -128,18 +128,24 @@ bool Evaluation::FailAsHost(const HostException& exception, Item& result)
 bool Evaluation::Refuse(const Item& operand, const Refusal& refusal, Item& result)
 {
     if (refusal.error)
-        return Fail(*refusal.error, refusal.position != -1 ? refusal.position : result.position, result);
+        return Fail(*refusal.error, refusal.position, result);
+    Try([&] { TakeError(operand, result); }, result);
+    return false;
+}
+
+void Evaluation::TakeError(const Item& operand, Item& result)
+{
     const WString text(operand.GetText());
+    WString message = text;
+    unsigned int code = operand.errorCode;
     if (operand.isMissing) {
         evaluator.record.missingVariable = PruneVariableName(text);
-        const WString message = GenerateMissingVariableMessage(text);
-        result = Item::Error(Errors::MissingVariable.number, workspace.texts.Copy(message.View()), operand.position);
-        result.isMissing = true;
-        return false;
+        message = GenerateMissingVariableMessage(text);
+        code = Errors::MissingVariable.number;
+    } else {
+        message.Replace(L"%t", text, true);
     }
-    WString message = text;
-    message.Replace(L"%t", text, true);
-    const unsigned int code = operand.dataType == DT_ERR ? operand.errorCode : 0;
-    result = Item::Error(code, workspace.texts.Copy(message.View()), operand.position);
-    return false;
+    const int position = operand.position != -1 ? operand.position : result.position;
+    result = Item::Error(code, workspace.texts.Copy(message.View()), position);
+    result.isMissing = operand.isMissing;
 }

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "ExpressionEvaluator.h"
 #include "Workspace.h"
 
 #include <span>
 
-class ExpressionEvaluator;
 class HostException;
 
 /// Consumes the items of an expression in postfix order. An error ends its level alone, as an error value: the rest of
@@ -52,16 +52,16 @@ private:
     [[gnu::cold]] bool Fail(const EvaluatorError& error, int position, Item& result);
     bool FailAsHost(const HostException& exception, Item& result);
     [[gnu::cold]] bool Refuse(const Item& operand, const Refusal& refusal, Item& result);
+    void TakeError(const Item& operand, Item& result);
     void Record(const EvaluatorError& error, int position);
 
     // An operation takes its operands off the stack and puts its value there. The right operand is on top, and is read
     // first unless said otherwise.
 
     bool Apply(const Item& item, Item& result);
+    /// Ordering reads the left operand first.
     template <typename Operation>
-    bool Calculate(Item& result, Operation operation);
-    template <typename Operation>
-    bool Order(Item& result, Operation operation);
+    bool Calculate(Item& result, Operation operation, bool leftFirst = false);
     template <typename Operation>
     [[gnu::noinline]] bool Combine(Item& result, Operation operation);
     [[gnu::noinline]] bool Raise(Item& result);
@@ -71,9 +71,7 @@ private:
     bool Compare(Item& result, bool converts, bool wanted);
     // Any operands. Out of line, so that the way of plain numbers stays short.
     template <typename Operation>
-    [[gnu::noinline]] bool CalculateOthers(Item& result, Operation operation);
-    template <typename Operation>
-    [[gnu::noinline]] bool OrderOthers(Item& result, Operation operation);
+    [[gnu::noinline]] bool CalculateOthers(Item& result, Operation operation, bool leftFirst);
     [[gnu::noinline]] bool DivideOthers(Item& result);
     [[gnu::noinline]] bool CompareOthers(Item& result, bool converts, bool wanted);
     bool CompareTexts(const Item& left, const Item& right, bool converts, bool wanted, Item& result);
@@ -100,7 +98,8 @@ private:
 
     bool Call(int position, Item& result);
     int EvaluateArguments();
-    bool CallFunction(const Item& function, std::size_t first, Item& result);
+    bool CallFunction(const Item& function, std::size_t first, TextArena::Place firstText, Item& result);
+    bool Run(EEFunction& function, std::span<const Item> arguments, Item& value, Item& result);
     bool RunFunction(EEFunction& function, std::span<const Item> arguments, Item& value, Item& result);
     bool RunRoutine(double (*routine)(double), const Item& argument, Item& value, Item& result);
     bool RunRoutine(
@@ -108,3 +107,19 @@ private:
     template <typename Action>
     bool Try(const Action& action, Item& result);
 };
+
+/// Runs what may throw; an exception becomes the error of the level.
+template <typename Action>
+bool Evaluation::Try(const Action& action, Item& result)
+{
+    try {
+        action();
+        return true;
+    } catch (...) {
+        EEToken error;
+        error.SetPosition(result.position);
+        evaluator.TakeThrown(error);
+        workspace.Keep(error, result);
+        return false;
+    }
+}

@@ -124,6 +124,8 @@ bool ExpressionEvaluator::ConvertAndEvaluate(const WString& expression, EEToken&
     const bool isConverted = Convert(expression.ToCString());
     WriteEvaluatorLog(
         [&] { return (isConverted ? L" Posfix stack: " : L" Infix2Posfix failure, stack: ") + use.DescribePostfix(); });
+    if (workspace->hasTokenCalls)
+        workspace->KeepViews(use.GetFirst(), expression.View()); // for a function may change that text
     return isConverted && Evaluation(*this, *workspace, use.GetFirst()).Run(result);
 }
 

@@ -185,6 +185,11 @@ private:
         bool isFull = false;
     };
 
+    struct WorkspaceReturn
+    {
+        void operator()(Workspace* workspace) const noexcept;
+    };
+
     class RunningCall;
     class WorkspaceUse;
     friend class Tokenizer;
@@ -201,14 +206,11 @@ private:
     bool hasEnvironment = false;
     Trace trace;
     unsigned int flags = 0;
-    int callDepth = 0;                    // how many calls enclose what is being evaluated
-    std::shared_ptr<Workspace> workspace; // from the first evaluation on
+    int callDepth = 0;                                     // how many calls enclose what is being evaluated
+    std::unique_ptr<Workspace, WorkspaceReturn> workspace; // from the first evaluation on
 
     EETokenMap& GetOrMakeMap();
-    bool IsLogging() const noexcept
-    {
-        return eeLog_gb.IsEnabled() || (flags & EvaluatorFlags::traceVariables) != 0;
-    }
+    bool IsLogging() const noexcept { return eeLog_gb.IsEnabled() || (flags & EvaluatorFlags::traceVariables) != 0; }
 
     template <typename Step>
     [[gnu::visibility("hidden")]] bool Guard(const Step& step);
@@ -225,7 +227,7 @@ private:
     bool RecordValue(const EEToken& error);
     void TakeThrown(EEToken& result);
     void TakeHostError(EEToken& result, const ExitCode& code, const WString& reason);
-    Item GetRecordedError() const noexcept;
+    Item GetRecordedError() const;
     void RunFunction(EEFunction& function, EEToken& value, EETokenStack& arguments);
     void ThrowIfEnded() const;
 };

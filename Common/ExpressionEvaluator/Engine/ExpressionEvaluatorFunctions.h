@@ -35,16 +35,17 @@ public:
     /// whose names have been read. The evaluation that called it then goes on with its own record; both add to one
     /// variable trace. Calls count towards the depth limit of the expression (error 513) through such evaluations too.
     /// The function must not call Clear nor the single steps (what these record is the outer evaluation's), nor use the
-    /// evaluator after it has returned. An abort, and all else that ends
-    /// every command, also ends the evaluation that called the function, whatever it answers or throws.
+    /// evaluator after it has returned. An abort, and all else that ends every command, also ends the evaluation that
+    /// called the function, whatever it answers or throws.
     virtual void Evaluate(EEToken& result, EETokenStack& arguments, ExpressionEvaluator* evaluator);
 
     /// A routine of numbers that gives what Evaluate does: one of a single number, whose NaN becomes the error value
-    /// 504, or one of all arguments. It may throw as Evaluate may.
+    /// 504, or one of all arguments. It may throw as Evaluate may, and evaluates nothing.
     struct Routine
     {
         double (*ofOne)(double) = nullptr;
         double (*ofMany)(std::span<const double>) = nullptr;
+        bool IsGiven() const noexcept { return ofOne || ofMany; }
     };
     /// The routine that spares the engine the tokens, if there is one.
     const Routine& GetRoutine() const noexcept { return routine; }

@@ -29,11 +29,3 @@ std::shared_ptr<const NameCharacters> NameCharacters::FromUserSet(const wchar_t*
         }
     return std::make_shared<const NameCharacters>(set);
 }
-
-std::size_t NameCharacters::RunLength(const wchar_t* text) const noexcept
-{
-    std::size_t length = 0;
-    while (Contains(text[length]))
-        ++length;
-    return length;
-}

@@ -24,9 +24,6 @@ public:
         return code < ascii.size() ? ascii[code] : ContainsOther(ch);
     }
 
-    /// The length of the run of name characters at `text`.
-    std::size_t RunLength(const wchar_t* text) const noexcept;
-
 private:
     WString chars;
     std::array<bool, 128> ascii{};

@@ -60,7 +60,7 @@ inline Item* Evaluation::FindNumbers() const
 {
     Stack<Item>& operands = workspace.operands;
     const bool areNumbers = operands.GetSize() >= base + 2 && operands.GetTop(0).IsFiniteNumber() &&
-        operands.GetTop(1).IsFiniteNumber() && !workspace.isLogged;
+        operands.GetTop(1).IsFiniteNumber() && !operands.GetTop(1).isMissing && !workspace.isLogged;
     return areNumbers ? &operands.GetTop(1) : nullptr;
 }
 
@@ -92,10 +92,10 @@ bool Evaluation::Apply(const Item& item, Item& result)
     case Operation::Xor: return Combine(result, std::not_equal_to<>());
     case Operation::Equal: return Compare(result, false, true);
     case Operation::Differ: return Compare(result, true, false);
-    case Operation::Greater: return Order(result, std::greater<>());
-    case Operation::Less: return Order(result, std::less<>());
-    case Operation::GreaterOrEqual: return Order(result, std::greater_equal<>());
-    case Operation::LessOrEqual: return Order(result, std::less_equal<>());
+    case Operation::Greater: return Calculate(result, std::greater<>(), true);
+    case Operation::Less: return Calculate(result, std::less<>(), true);
+    case Operation::GreaterOrEqual: return Calculate(result, std::greater_equal<>(), true);
+    case Operation::LessOrEqual: return Calculate(result, std::less_equal<>(), true);
     case Operation::Add: return Calculate(result, std::plus<>());
     case Operation::Subtract: return Calculate(result, std::minus<>());
     case Operation::Multiply: return Calculate(result, std::multiplies<>());
@@ -108,37 +108,22 @@ bool Evaluation::Apply(const Item& item, Item& result)
 }
 
 template <typename Operation>
-bool Evaluation::Calculate(Item& result, Operation operation)
+bool Evaluation::Calculate(Item& result, Operation operation, bool leftFirst)
 {
     if (Item* const left = FindNumbers())
         return Replace(*left, operation(left[0].number, left[1].number), result);
-    return CalculateOthers(result, operation);
+    return CalculateOthers(result, operation, leftFirst);
 }
 
 template <typename Operation>
-bool Evaluation::CalculateOthers(Item& result, Operation operation)
-{
-    double right = 0;
-    double left = 0;
-    return PopNumber(right, result) && PopNumber(left, result) && Give(operation(left, right), result);
-}
-
-template <typename Operation>
-bool Evaluation::Order(Item& result, Operation operation)
-{
-    if (Item* const left = FindNumbers())
-        return Replace(*left, operation(left[0].number, left[1].number), result);
-    return OrderOthers(result, operation);
-}
-
-/// Ordering reads the left operand first.
-template <typename Operation>
-bool Evaluation::OrderOthers(Item& result, Operation operation)
+bool Evaluation::CalculateOthers(Item& result, Operation operation, bool leftFirst)
 {
     const Item* const operand = Pop(result);
     double right = 0;
     double left = 0;
-    return operand && PopNumber(left, result) && ReadNumber(*operand, right, result) &&
+    if (!operand || (!leftFirst && !ReadNumber(*operand, right, result)))
+        return false;
+    return PopNumber(left, result) && (!leftFirst || ReadNumber(*operand, right, result)) &&
         Give(operation(left, right), result);
 }
 

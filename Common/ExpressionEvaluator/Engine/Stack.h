@@ -36,7 +36,7 @@ public:
 
     /// The top value, or one that has so many above it.
     Value& GetTop(std::size_t above = 0) noexcept { return *(top - 1 - above); }
-    const Value& operator[](std::size_t index) const noexcept { return values[index]; }
+    Value& operator[](std::size_t index) const noexcept { return values[index]; }
     const Value* end() const noexcept { return top; }
     std::size_t GetSize() const noexcept { return static_cast<std::size_t>(top - values.get()); }
     std::size_t GetCapacity() const noexcept { return static_cast<std::size_t>(limit - values.get()); }

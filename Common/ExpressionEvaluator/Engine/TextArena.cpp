@@ -1,5 +1,7 @@
 #include "TextArena.h"
 
+#include "Text/WString.h"
+
 #include <algorithm>
 #include <cwchar>
 
@@ -10,7 +12,7 @@ bool TextArena::HasRoom(std::size_t count) const noexcept
 
 bool TextArena::IsLast(std::wstring_view text) const noexcept
 {
-    return top.used != 0 && text.data() + text.size() + 1 == blocks[top.block].characters.get() + top.used;
+    return text.data() == top.last && text.data() + text.size() + 1 == blocks[top.block].characters.get() + top.used;
 }
 
 /// Storage for so many characters, in a block that holds `room` when it must be a new one.
@@ -23,37 +25,39 @@ wchar_t* TextArena::Make(std::size_t count, std::size_t room)
             const std::size_t capacity = std::max(room, smallestBlock);
             blocks.push_back({std::make_unique_for_overwrite<wchar_t[]>(capacity), capacity});
         }
-        top = {next, 0};
+        top = {next, 0, nullptr};
     }
     wchar_t* const made = blocks[top.block].characters.get() + top.used;
     top.used += count;
     return made;
 }
 
-/// The texts side by side at `at`, where one of them may stand already.
-static std::wstring_view Write(wchar_t* at, std::wstring_view left, std::wstring_view right)
-{
-    std::wmemmove(at + left.size(), right.data(), right.size());
-    std::wmemmove(at, left.data(), left.size());
-    at[left.size() + right.size()] = 0;
-    return {at, left.size() + right.size()};
-}
-
 std::wstring_view TextArena::Copy(std::wstring_view text)
 {
     if (text.empty())
-        return {L"", 0};
-    return Write(Make(text.size() + 1, text.size() + 1), text, {});
+        return {L"", text.size()};
+    wchar_t* const made = Make(text.size() + 1, text.size() + 1);
+    std::wmemmove(made, text.data(), text.size());
+    made[text.size()] = 0;
+    top.last = made;
+    return {made, text.size()};
 }
 
 std::wstring_view TextArena::Join(std::wstring_view left, std::wstring_view right)
 {
+    const std::size_t size = left.size() + right.size();
+    wchar_t* made = nullptr;
     if (IsLast(left) && HasRoom(right.size()))
-        return Write(Make(right.size(), 0) - left.size() - 1, left, right);
-    if (IsLast(right) && HasRoom(left.size()))
-        return Write(Make(left.size(), 0) - right.size() - 1, left, right);
-    const std::size_t count = left.size() + right.size() + 1;
-    return Write(Make(count, 2 * count), left, right); // room for a chain to go on
+        made = Make(right.size(), 0) - left.size() - 1;
+    else if (IsLast(right) && HasRoom(left.size()))
+        made = Make(left.size(), 0) - right.size() - 1;
+    else // with room for a chain to go on
+        made = Make(size + 1, std::max(size, std::min(2 * size, WString::maxLength)) + 1);
+    std::wmemmove(made + left.size(), right.data(), right.size()); // either may stand there already
+    std::wmemmove(made, left.data(), left.size());
+    made[size] = 0;
+    top.last = made;
+    return {made, size};
 }
 
 std::size_t TextArena::GetCapacity() const noexcept

@@ -5,17 +5,27 @@
 #include <string_view>
 #include <vector>
 
-/// The texts that an evaluation makes, each with a zero behind it. A text stays where it is until Clear, which keeps
-/// the storage for the next ones.
+/// The texts that an evaluation makes, each with a zero behind it. A text stays where it is until it is let go of;
+/// the storage is kept for the next ones.
 class TextArena
 {
 public:
+    /// What has been made, to return to.
+    struct Place
+    {
+        std::size_t block = 0;
+        std::size_t used = 0;
+        const wchar_t* last = nullptr; // the text that was made last
+    };
+
+    /// The text may be one that has been let go of since the last one was made.
     std::wstring_view Copy(std::wstring_view text);
     /// Both texts as one. That one takes the place of whichever was made last, so that a chain of joins copies nothing
     /// anew; neither text must be used any more.
     std::wstring_view Join(std::wstring_view left, std::wstring_view right);
-    /// Lets go of all texts.
-    void Clear() noexcept { top = {}; }
+    Place GetPlace() const noexcept { return top; }
+    /// Lets go of all texts that have been made since.
+    void ReturnTo(Place place) noexcept { top = place; }
     /// The characters that its storage has room for.
     std::size_t GetCapacity() const noexcept;
 
@@ -24,11 +34,6 @@ private:
     {
         std::unique_ptr<wchar_t[]> characters;
         std::size_t capacity;
-    };
-    struct Place
-    {
-        std::size_t block = 0;
-        std::size_t used = 0;
     };
     std::vector<Block> blocks;
     Place top; // behind the text that was made last

@@ -1,12 +1,9 @@
 #include "Tokenizer.h"
 
-#include "ExpressionEvaluator.h"
 #include "ExpressionEvaluatorFunctions.h"
-#include "NameCharacters.h"
 #include "Services/Clock.h"
+#include "Text/Abort.h"
 #include "Text/CharacterCase.h"
-#include "Text/NumberText.h"
-#include "Workspace.h"
 
 #include <algorithm>
 #include <numbers>
@@ -94,7 +91,7 @@ int Tokenizer::ReadString(Item& item)
         if (static_cast<std::size_t>(at - first) - escapes == maxStringLength)
             return Fail(Errors::StringTooLong, at);
     }
-    cursor += at + 1 - cursor;
+    MoveTo(at + 1);
     std::wstring_view text(first, static_cast<std::size_t>(at - first));
     item = Item::Text(escapes == 0 ? text : Unescape(text), item.position);
     return TT_OPERAND;
@@ -128,8 +125,10 @@ int Tokenizer::ReadWord(Item& item)
 {
     NameHash hash;
     const wchar_t* end = cursor;
-    for (; nameCharacters.Contains(*end); ++end)
+    for (Abort::Watch watch; nameCharacters.Contains(*end); ++end) {
+        watch.Step();
         hash.Add(*end);
+    }
     const HashedName word{{cursor, static_cast<std::size_t>(end - cursor)}, hash.Get()};
     if (word.name.empty())
         return Fail(Errors::InvalidNameCharacter, cursor + 1);
@@ -142,7 +141,7 @@ int Tokenizer::ReadWord(Item& item)
     if (word.name.size() > maxNameLength)
         return Fail(Errors::VariableNameTooLong);
     ReadVariable(item, word);
-    cursor += end - cursor;
+    MoveTo(end);
     return TT_OPERAND;
 }
 
@@ -155,6 +154,7 @@ int Tokenizer::ReadCall(Item& item, const HashedName& word)
     item.function = isCut ? fnTable_gb.FindOrNull(name) : fnTable_gb.FindOrNull(word);
     item.dataType = item.function ? item.function->GetParameterCount() : -1;
     item.SetText(item.function ? item.function->GetLowerCaseName().View() : LowerCase(name));
+    workspace.hasTokenCalls = workspace.hasTokenCalls || !item.function || !item.function->GetRoutine().IsGiven();
     return TT_FUNCOP;
 }
 

@@ -12,7 +12,8 @@
 class Tokenizer
 {
 public:
-    Tokenizer(ExpressionEvaluator& evaluator, Workspace& workspace, const wchar_t* start, const wchar_t* cursor) noexcept
+    Tokenizer(
+        ExpressionEvaluator& evaluator, Workspace& workspace, const wchar_t* start, const wchar_t* cursor) noexcept
         : evaluator(evaluator),
           workspace(workspace),
           nameCharacters(*evaluator.validChars),
@@ -45,6 +46,7 @@ private:
     int ReadWord(Item& item);
     int ReadCall(Item& item, const HashedName& word);
 
+    void MoveTo(const wchar_t* at) noexcept { cursor += at - cursor; }
     std::wstring_view Unescape(std::wstring_view text);
     std::wstring_view LowerCase(std::wstring_view name);
     void ReadVariable(Item& item, const HashedName& word);
@@ -79,7 +81,7 @@ inline int Tokenizer::TakeOperator(Item& item, int type, Operation operation, st
     if (nameCharacters.Contains(*end))
         return ReadWord(item);
     item.SetValue(value, {cursor, static_cast<std::size_t>(end - cursor)});
-    cursor += end - cursor;
+    MoveTo(end);
     return TT_OPERAND;
 }
 

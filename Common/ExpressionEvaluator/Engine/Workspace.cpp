@@ -2,6 +2,7 @@
 
 #include "EETokenStack.h"
 
+#include <functional>
 #include <utility>
 
 namespace {
@@ -19,21 +20,36 @@ struct Closer
 };
 } // namespace
 
-Workspace::Owner Workspace::Borrow()
+Workspace* Workspace::Borrow()
 {
-    return Owner(spare_lc ? std::exchange(spare_lc, nullptr) : new Workspace);
+    return spare_lc ? std::exchange(spare_lc, nullptr) : new Workspace;
 }
 
-void Workspace::GiveBack::operator()(Workspace* workspace) const noexcept
+void Workspace::GiveBack(Workspace* workspace) noexcept
 {
     static thread_local Closer closer;
-    constexpr std::size_t largestSpare = 10'000; // items or characters
-    const bool isLarge = workspace->postfix.GetCapacity() > largestSpare ||
-        workspace->operands.GetCapacity() > largestSpare || workspace->texts.GetCapacity() > largestSpare;
-    if (spare_lc || isClosed_lc || isLarge)
+    if (spare_lc || isClosed_lc || workspace->IsLarge())
         delete workspace;
     else
         spare_lc = workspace;
+}
+
+bool Workspace::IsLarge() const noexcept
+{
+    constexpr std::size_t largestSpare = 20'000; // of items, numbers and characters
+    return operators.GetCapacity() + calls.GetCapacity() + postfix.GetCapacity() + operands.GetCapacity() +
+        numbers.capacity() + texts.GetCapacity() >
+        largestSpare;
+}
+
+void Workspace::KeepViews(std::size_t first, std::wstring_view expression)
+{
+    const std::less<> isBefore;
+    const wchar_t* const begin = expression.data();
+    const wchar_t* const copy = texts.Copy(expression).data();
+    for (std::size_t i = first; i < postfix.GetSize(); ++i)
+        if (Item& item = postfix[i]; !isBefore(item.text, begin) && isBefore(item.text, begin + expression.size()))
+            item.text = copy + (item.text - begin);
 }
 
 void Workspace::WriteLog(const wchar_t* operation, const Item& item)

@@ -4,7 +4,6 @@
 #include "Stack.h"
 #include "TextArena.h"
 
-#include <memory>
 #include <vector>
 
 /// How far the conversion of a sub-expression has got.
@@ -50,24 +49,22 @@ struct Workspace
     Stack<Item> operands;        // waiting in the evaluation
     std::vector<double> numbers; // the arguments of a routine
     TextArena texts;
-    int uses = 0;          // evaluations under way, one within another
-    bool isLogged = false; // whether the evaluator's log is to hold what moves on and off the stacks
+    bool hasTokenCalls = false; // of functions that take tokens, in what has been converted
+    bool isLogged = false;      // whether the evaluator's log is to hold what moves on and off the stacks
 
-    struct GiveBack
-    {
-        void operator()(Workspace* workspace) const noexcept;
-    };
-    using Owner = std::unique_ptr<Workspace, GiveBack>;
-    /// The workspace that the thread's last owner has given back, or a new one.
-    static Owner Borrow();
+    /// The workspace that the thread's last owner has given back, or a new one; for whoever gives it back.
+    static Workspace* Borrow();
+    static void GiveBack(Workspace* workspace) noexcept;
 
     /// Makes the token an item that outlives it.
     void Keep(const EEToken& token, Item& item)
     {
         token.SetItemFrom(item);
-        if (item.length != 0)
-            item.SetText(texts.Copy(item.GetText()));
+        item.SetText(texts.Copy(item.GetText()));
     }
+
+    /// Lets the postfix from `first` on view a copy of the expression instead.
+    void KeepViews(std::size_t first, std::wstring_view expression);
 
     // The operations of the stacks, logged as those of a token stack are.
 
@@ -100,5 +97,6 @@ struct Workspace
     }
 
 private:
+    bool IsLarge() const noexcept;
     static void WriteLog(const wchar_t* operation, const Item& item);
 };

@@ -2,6 +2,11 @@
 
 #include "ExpressionEvaluatorFunctions.h"
 
+void ExpressionEvaluator::WorkspaceReturn::operator()(Workspace* workspace) const noexcept
+{
+    Workspace::GiveBack(workspace);
+}
+
 void ExpressionEvaluator::WorkspaceUse::CopyPostfixTo(EETokenStack& stack) const
 {
     for (std::size_t i = firstItem; i < workspace.postfix.GetSize(); ++i)

@@ -4,7 +4,7 @@
 #include "Workspace.h"
 
 /// The evaluator's workspace for the length of an evaluation, or of a step of one. What the use has left in it goes
-/// with its end; texts go with that of the outermost, for a function may ask its evaluator for another evaluation.
+/// with its end, and what was there before stays, for a function may ask its evaluator for another evaluation.
 class ExpressionEvaluator::WorkspaceUse
 {
 public:
@@ -13,18 +13,20 @@ public:
           workspace(Find(evaluator)),
           firstItem(workspace.postfix.GetSize()),
           firstOperand(workspace.operands.GetSize()),
+          firstText(workspace.texts.GetPlace()),
           callDepth(evaluator.callDepth)
     {
-        ++workspace.uses;
         workspace.isLogged = eeLog_gb.IsEnabled();
+        workspace.operators.Cut(0); // what a conversion that failed has left
+        workspace.calls.Cut(0);
+        workspace.hasTokenCalls = false;
     }
     ~WorkspaceUse()
     {
         workspace.postfix.Cut(firstItem);
         workspace.operands.Cut(firstOperand);
-        evaluator.callDepth = callDepth; // which an exception leaves as it was
-        if (--workspace.uses == 0)
-            workspace.texts.Clear();
+        workspace.texts.ReturnTo(firstText);
+        evaluator.callDepth = callDepth; // an exception passes by the lines that count it down
     }
     WorkspaceUse(const WorkspaceUse&) = delete;
     WorkspaceUse& operator=(const WorkspaceUse&) = delete;
@@ -42,7 +44,7 @@ private:
     static Workspace& Find(ExpressionEvaluator& evaluator)
     {
         if (!evaluator.workspace)
-            evaluator.workspace = Workspace::Borrow();
+            evaluator.workspace.reset(Workspace::Borrow());
         return *evaluator.workspace;
     }
 
@@ -50,5 +52,6 @@ private:
     Workspace& workspace;
     const std::size_t firstItem;
     const std::size_t firstOperand;
+    const TextArena::Place firstText;
     const int callDepth;
 };

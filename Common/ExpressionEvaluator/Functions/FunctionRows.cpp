@@ -127,11 +127,12 @@ constexpr unsigned int functionBuckets = 67;
 
 EEFunctionTable::EEFunctionTable() : functions(functionBuckets)
 {
-    for (const FunctionRow& row : functions_lc) {
-        EEFunction* const function = row.make(row.name);
-        function->SetRoutine({.ofMany = row.routine});
+    const auto add = [this](EEFunction* function, const EEFunction::Routine& routine) {
+        function->SetRoutine(routine);
         AddFn(function);
-    }
+    };
+    for (const FunctionRow& row : functions_lc)
+        add(row.make(row.name), {.ofMany = row.routine});
     for (const OneArgumentRow* row = oneArgFn_lc; row->name[0]; ++row)
-        AddFn(new EEMathFunctionPointer(row->name, row->routine));
+        add(new EEMathFunctionPointer(row->name, row->routine), {.ofOne = row->routine});
 }

@@ -7,9 +7,7 @@
 
 EEMathFunctionPointer::EEMathFunctionPointer(const wchar_t* name, double (*routine)(double))
     : EEFunction(name, 1), routine(routine), routineName(name)
-{
-    SetRoutine({.ofOne = routine});
-}
+{}
 
 void EEMathFunctionPointer::Evaluate(EEToken& result, EETokenStack& arguments)
 {

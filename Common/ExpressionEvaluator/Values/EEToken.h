@@ -64,7 +64,7 @@ public:
 
     // Setters leave every field that they do not name as it is.
 
-    void SetItem(const Item& item); // all fields
+    void SetItem(const Item& item); // all that the item has
     void SetToken(int newType, const wchar_t* newText);
     void SetToken(int newType, wchar_t ch); // an empty text for 0
     void SetType(int newType) noexcept;

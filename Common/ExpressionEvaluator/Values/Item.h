@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <string_view>
 #include <type_traits>
 
@@ -139,10 +140,7 @@ struct Item
     /// An operand that is neither "#NA" nor an error.
     bool IsValued() const noexcept { return type == TT_OPERAND && (dataType & ~DT_ERR) != 0; }
     /// A number that stands for itself.
-    bool IsFiniteNumber() const noexcept
-    {
-        return dataType == DT_NUM && type == TT_OPERAND && std::isfinite(number);
-    }
+    bool IsFiniteNumber() const noexcept { return dataType == DT_NUM && type == TT_OPERAND && std::isfinite(number); }
 
 private:
     constexpr void Set(int newType, int newDataType) noexcept
@@ -157,8 +155,8 @@ static_assert(std::is_trivially_copyable_v<Item>);
 
 inline void EEToken::SetItemFrom(Item& item) const noexcept
 {
-    const int knownType = std::clamp<int>(type, TT_NONE, TT_PRMSEP + 1); // anybody may have set it
-    item.SetMark(knownType, text.View());
+    using Type = std::numeric_limits<decltype(item.type)>;
+    item.SetMark(std::clamp<int>(type, Type::min(), Type::max()), text.View()); // anybody may have set it
     item.position = position;
     item.dataType = dataType;
     item.isMissing = missingVariable;

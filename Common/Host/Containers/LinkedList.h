@@ -50,8 +50,6 @@ public:
     }
 
     /// The head, without a copy, becomes the head or the tail of `other`. The list must not be empty.
-    void MoveHeadToHeadOf(LinkedList& other) noexcept { other.LinkHead(UnlinkHead()); }
-    void MoveHeadToTailOf(LinkedList& other) noexcept { other.LinkTail(UnlinkHead()); }
 
     void Clear() noexcept
     {
