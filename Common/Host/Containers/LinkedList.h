@@ -49,8 +49,6 @@ public:
         Spare::Give(node);
     }
 
-    /// The head, without a copy, becomes the head or the tail of `other`. The list must not be empty.
-
     void Clear() noexcept
     {
         while (head)
