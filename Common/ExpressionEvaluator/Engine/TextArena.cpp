@@ -15,6 +15,12 @@ bool TextArena::IsLast(std::wstring_view text) const noexcept
     return text.data() == top.last && text.data() + text.size() + 1 == blocks[top.block].characters.get() + top.used;
 }
 
+/// Whether `right`, which was made last, stands directly behind `left`.
+bool TextArena::AreNeighbours(std::wstring_view left, std::wstring_view right) const noexcept
+{
+    return right.data() != blocks[top.block].characters.get() && left.data() + left.size() + 1 == right.data();
+}
+
 /// Storage for so many characters, in a block that holds `room` when it must be a new one.
 wchar_t* TextArena::Make(std::size_t count, std::size_t room)
 {
@@ -47,7 +53,9 @@ std::wstring_view TextArena::Join(std::wstring_view left, std::wstring_view righ
 {
     const std::size_t size = left.size() + right.size();
     wchar_t* made = nullptr;
-    if (IsLast(left) && HasRoom(right.size()))
+    if (IsLast(right) && AreNeighbours(left, right))
+        made = blocks[top.block].characters.get() + --top.used - size - 1; // less the zero between them
+    else if (IsLast(left) && HasRoom(right.size()))
         made = Make(right.size(), 0) - left.size() - 1;
     else if (IsLast(right) && HasRoom(left.size()))
         made = Make(left.size(), 0) - right.size() - 1;

@@ -40,5 +40,6 @@ private:
 
     bool HasRoom(std::size_t count) const noexcept;
     bool IsLast(std::wstring_view text) const noexcept;
+    bool AreNeighbours(std::wstring_view left, std::wstring_view right) const noexcept;
     wchar_t* Make(std::size_t count, std::size_t room);
 };
