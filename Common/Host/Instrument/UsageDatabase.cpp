@@ -10,8 +10,8 @@
 
 namespace {
 
-constexpr char setup[] = "PRAGMA journal_mode = WAL;"
-                         "PRAGMA synchronous = OFF;" // until there is something that must last
+constexpr char setup[] = "PRAGMA synchronous = OFF;" // until there is something that must last
+                         "PRAGMA journal_mode = WAL;"
                          "CREATE TABLE IF NOT EXISTS counters ("
                          " key TEXT PRIMARY KEY," // the name in lower case
                          " name TEXT NOT NULL,"   // as first spelled
@@ -233,4 +233,9 @@ bool UsageDatabase::TryMakeDurable() noexcept
 void UsageDatabase::Preserve() noexcept
 {
     sqlite3_wal_checkpoint_v2(connection.get(), nullptr, SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr);
+    // What a process that never waits has moved into the file before is not on the disk yet.
+    sqlite3_file* file = nullptr;
+    sqlite3_file_control(connection.get(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
+    if (file && file->pMethods)
+        file->pMethods->xSync(file, SQLITE_SYNC_NORMAL);
 }
