@@ -4,15 +4,20 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 #include <cstdlib>
+#include <utility>
 
 static constexpr const char* description =
     "The bench shell: runs the instrument's commands against an instrument on the desk.\n"
-    "With words it runs them as one line, with -f a script. Otherwise standard input is a script, or, on a terminal,\n"
-    "commands are asked for.";
+    "With words it runs them as one line. With -f it runs a script, and words name=value are variables of it. "
+    "Otherwise\n"
+    "standard input is a script, or, on a terminal, commands are asked for.";
 
 static constexpr const char* footer =
     "The options come before the first word. `labsh Help` lists the commands, `labsh Help Calc` explains one.\n"
-    "Exit status: 0; 1 when a command failed, with a line on standard error; 2 for wrong options.";
+    "Example: labsh -f cal.txt target=40 unit=\"A 7\"\n"
+    "Exit status: 0; 1 when a command failed, with a line on standard error; 2 for wrong options; what Exit was "
+    "given;\n"
+    "128 and the number of a signal, as the shell ends by it.";
 
 /// The data folder where no option names one; empty where the environment gives none.
 static std::string GetDefaultDataFolder()
@@ -24,6 +29,20 @@ static std::string GetDefaultDataFolder()
         return data + "/labsh";
     const std::string home = get("HOME");
     return home.empty() ? "" : home + "/.local/share/labsh";
+}
+
+/// Words of the form name=value, with names that Set accepts.
+static std::vector<Variable> ReadVariables(const std::vector<std::string>& words)
+{
+    static constexpr const char* nameCharacters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_0123456789.";
+    std::vector<Variable> variables;
+    for (const std::string& word : words) {
+        const std::size_t nameEnd = word.find_first_not_of(nameCharacters);
+        if (nameEnd == 0 || nameEnd == std::string::npos || word[nameEnd] != '=')
+            throw CLI::ValidationError(word, "behind a script stand its variables, as name=value");
+        variables.push_back({word.substr(0, nameEnd), word.substr(nameEnd + 1)});
+    }
+    return variables;
 }
 
 std::optional<int> ReadArguments(int count, char** texts, Arguments& arguments)
@@ -51,11 +70,13 @@ std::optional<int> ReadArguments(int count, char** texts, Arguments& arguments)
             words.erase(words.begin());
         else if (!words.empty() && words[0].starts_with('-'))
             throw CLI::ExtrasError(std::vector<std::string>{words[0]});
-        if (!words.empty() && arguments.script)
-            throw CLI::ValidationError("-f", "there is a line to run already");
+        if (arguments.script)
+            arguments.variables = ReadVariables(std::exchange(words, {}));
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : wrongOptions;
     }
+    if (!words.empty())
+        arguments.firstWord = words[0];
     for (const std::string& word : words)
         arguments.line = arguments.line ? *arguments.line + ' ' + word : word;
     return std::nullopt;

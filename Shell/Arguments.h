@@ -4,11 +4,19 @@
 #include <string>
 #include <vector>
 
+struct Variable
+{
+    std::string name;
+    std::string value;
+};
+
 /// What labsh was started with.
 struct Arguments
 {
     std::optional<std::string> line; // the words behind the options, joined by blanks
     std::optional<std::string> script;
+    std::vector<Variable> variables; // of the script
+    std::string firstWord;           // of the line
     bool keepsGoing = false;
     std::string dataFolder;
     std::vector<std::string> plugins;

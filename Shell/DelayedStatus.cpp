@@ -20,6 +20,15 @@ bool DelayedStatus::TrySet(const WString& name, const WString& value, unsigned i
     return true;
 }
 
+void DelayedStatus::FinishAtOnce()
+{
+    if (!lastDue_lc)
+        return;
+    System::status.SetDelayed();
+    System::status.Save();
+    lastDue_lc.reset();
+}
+
 void DelayedStatus::Finish()
 {
     if (!lastDue_lc)

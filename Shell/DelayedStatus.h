@@ -9,4 +9,6 @@ bool TrySet(const WString& name, const WString& value, unsigned int milliseconds
 /// Waits until every delayed change has been made, and saves the status items. Returns at once when there was none.
 /// Throws HostException (Aborted, or FileError when they cannot be saved).
 void Finish();
+/// Makes every delayed change at once and saves the status items. Throws HostException(FileError).
+void FinishAtOnce();
 } // namespace DelayedStatus

@@ -1,5 +1,7 @@
 #include "Report.h"
 
+#include "Commands/StandardOutput.h"
+
 #include <cstdio>
 #include <new>
 #include <string_view>
@@ -15,23 +17,28 @@ static WString AsOneLine(const WString& text)
     return line;
 }
 
-static void Write(const WString& place, const ExitCode& code, const WString& message)
+void WriteErrorLine(const WString& text)
 {
-    const WString line = AsOneLine(place + code.ToString() + (message.IsEmpty() ? L"" : L" ") + message);
-    std::fflush(stdout); // the report stands behind what the command wrote
-    std::fprintf(stderr, "%s\n", line.ToUtf8().c_str());
+    const std::string line = AsOneLine(text).ToUtf8();
+    StandardOutput::Get().Flush();
+    std::fprintf(stderr, "%s\n", line.c_str());
+}
+
+void WriteReport(const WString& place, const ExitCode& code, const WString& message)
+{
+    WriteErrorLine(place + code.ToString() + (message.IsEmpty() ? L"" : L" ") + message);
 }
 
 void ReportFailure(const WString& scriptName, const ScriptFailure& failure)
 try {
-    Write(FormatPlace(scriptName, failure), failure.outcome.code, failure.outcome.message);
+    WriteReport(FormatFailurePlace(scriptName, failure), failure.outcome.code, failure.outcome.message);
 } catch (const std::bad_alloc&) {
     ReportShortage();
 }
 
 void ReportFailure(const HostException& failure)
 try {
-    Write(L"labsh: ", failure, failure.GetMessage());
+    WriteReport(L"labsh: ", failure, failure.GetMessage());
 } catch (const std::bad_alloc&) {
     ReportShortage();
 }
@@ -39,6 +46,6 @@ try {
 void ReportShortage() noexcept
 {
     constexpr std::string_view line = "labsh: out of memory\n";
-    std::fflush(stdout);
+    StandardOutput::Get().Flush();
     [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, line.data(), line.size());
 }

@@ -3,6 +3,11 @@
 #include "ScriptRunner.h"
 #include "Text/HostError.h"
 
+/// Writes a line on standard error, without control characters and behind what was written on standard output.
+void WriteErrorLine(const WString& text);
+/// The place, the code's text and, where known, the message, as such a line.
+void WriteReport(const WString& place, const ExitCode& code, const WString& message);
+
 /// Writes one line on standard error: the command's place, the code's text and, where known, the message. Without the
 /// memory for that it writes the line of ReportShortage.
 void ReportFailure(const WString& scriptName, const ScriptFailure& failure);

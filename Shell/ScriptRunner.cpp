@@ -1,6 +1,7 @@
 #include "ScriptRunner.h"
 
 #include "Instrument/System.h"
+#include "RunningScript.h"
 #include "Text/HostError.h"
 
 #include <algorithm>
@@ -78,13 +79,15 @@ try {
 }
 } // namespace
 
-bool RunScript(LineSource& source, Pipe& output, const Environment& environment,
-    const std::function<bool(const ScriptFailure&)>& goesOn)
+bool RunScript(LineSource& source, const WString& name, Pipe& output, const Environment& environment,
+    const std::function<bool(ScriptFailure&)>& goesOn)
 {
     CommandReader reader(source);
+    RunningScript script(name);
     std::string command;
     while (reader.TryRead(command)) {
-        const ScriptFailure run = {RunCommand(command, output, environment), reader.GetLine()};
+        script.line = reader.GetLine();
+        ScriptFailure run = {RunCommand(command, output, environment), script.line};
         CountCommand(run.outcome.command);
         if (run.outcome.code.IsError() && !goesOn(run))
             return false;
@@ -92,8 +95,7 @@ bool RunScript(LineSource& source, Pipe& output, const Environment& environment,
     return true;
 }
 
-WString FormatPlace(const WString& scriptName, const ScriptFailure& failure)
+WString FormatFailurePlace(const WString& scriptName, const ScriptFailure& failure)
 {
-    const WString command = failure.outcome.command + L": ";
-    return scriptName.IsEmpty() ? command : WString::Format(L"%s:%u: %s", scriptName, failure.line, command);
+    return FormatPlace(scriptName, failure.line) + failure.outcome.command + L": ";
 }

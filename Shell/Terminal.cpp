@@ -1,5 +1,6 @@
 #include "Terminal.h"
 
+#include "Signals.h"
 #include "Text/Abort.h"
 #include "Text/HostError.h"
 #include "Text/WString.h"
@@ -76,6 +77,9 @@ bool Terminal::TryReadLine(std::string& line)
     std::fflush(stdout);
     for (;;) {
         Abort::Clear();
+        Signals::ForgetInterrupt();
+        if (Signals::GetPending() != 0)
+            return false;
         el_wset(editor->line.get(), EL_PREP_TERM, 1); // before the prompt, which a program may answer at once
         int count = 0;
         const wchar_t* text = el_wgets(editor->line.get(), &count);
@@ -84,7 +88,7 @@ bool Terminal::TryReadLine(std::string& line)
             return false;
         }
         if (!text || Abort::IsRequested()) {
-            std::puts("^C");
+            std::puts(Signals::GetPending() == SIGINT ? "^C" : "");
             continue;
         }
         WString typed(text, static_cast<std::size_t>(count));

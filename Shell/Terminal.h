@@ -15,7 +15,8 @@ public:
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
 
-    /// Forgets an abort of the last command, then asks for a line.
+    /// Forgets an interrupt of the last command, then asks for a line. False at the end of the input and when another
+    /// signal is to end the shell.
     bool TryReadLine(std::string& line) override;
 
 private:

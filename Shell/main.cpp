@@ -1,24 +1,27 @@
 #include "Arguments.h"
 #include "BuiltIns/BuiltIns.h"
+#include "BuiltIns/Exit.h"
 #include "Commands/PluginLoader.h"
+#include "Commands/StandardOutput.h"
 #include "DelayedStatus.h"
 #include "FileLines.h"
 #include "Instrument/System.h"
 #include "Report.h"
 #include "ScriptRunner.h"
 #include "Services/Clock.h"
+#include "Signals.h"
 #include "Terminal.h"
 #include "Text/Abort.h"
 #include "Text/HostError.h"
 
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <fcntl.h>
 #include <filesystem>
 #include <functional>
 #include <new>
+#include <system_error>
 #include <unistd.h>
 
 /// No file that is opened later may be taken for a standard stream that was closed at the start.
@@ -28,15 +31,6 @@ static void OccupyStandardStreams()
     while (file >= 0 && file <= STDERR_FILENO)
         file = open("/dev/null", O_RDONLY); // writing to it fails, as it should
     close(file);
-}
-
-/// Makes Ctrl-C an abort request. Without SA_RESTART it also ends the wait for input.
-static void CatchInterrupt()
-{
-    struct sigaction action = {};
-    action.sa_handler = [](int) { Abort::Request(); };
-    sigemptyset(&action.sa_mask);
-    sigaction(SIGINT, &action, nullptr);
 }
 
 static void Start(const Arguments& arguments)
@@ -57,33 +51,56 @@ struct Ending
     bool isReadToEnd = false; // neither a failure nor Exit stopped it before
 };
 
-/// Runs the commands of a source and reports each failure; `goesOn` says whether the source is read on after one.
-static Ending RunCommands(LineSource& source, const WString& name, const std::function<bool(const ExitCode&)>& goesOn)
+/// Whether an abort is a matter of its own, and not the consequence of output that nobody takes.
+static bool IsAbortToBeReported()
 {
-    StreamPipe output(stdout);
+    return Signals::GetPending() != SIGPIPE && StandardOutput::Get().GetFault() == 0;
+}
+
+/// A file that is given for a command.
+static void AddHint(const Arguments& arguments, CommandRunner::Outcome& outcome)
+{
+    std::error_code error;
+    if (IsHostError(outcome.code, HostError::UnknownCommand) && outcome.code.GetCommandId() == 0 &&
+        std::filesystem::is_regular_file(arguments.firstWord, error))
+        outcome.message += WString::FromUtf8("; a script is run by: labsh -f " + arguments.firstWord);
+}
+
+/// Runs the commands of a source and reports each failure; `goesOn` says whether the source is read on after one.
+static Ending RunCommands(const Arguments& arguments, LineSource& source, const std::string& name,
+    const std::function<bool(const ExitCode&)>& goesOn)
+{
+    Environment environment;
+    for (const Variable& variable : arguments.variables)
+        environment.SetString(WString::FromUtf8(variable.name), WString::FromUtf8(variable.value));
+    const WString sourceName = WString::FromUtf8(name);
     Ending ending;
-    ending.isReadToEnd = RunScript(source, output, Environment(), [&](const ScriptFailure& failure) {
-        const CommandRunner::Outcome& outcome = failure.outcome;
+    const auto reportFailure = [&](ScriptFailure& failure) {
+        CommandRunner::Outcome& outcome = failure.outcome;
         if (IsHostError(outcome.code, HostError::ExitRequested))
             return false;
-        ReportFailure(name, failure);
+        AddHint(arguments, outcome);
+        if (!IsHostError(outcome.code, HostError::Aborted) || IsAbortToBeReported())
+            ReportFailure(sourceName, failure);
         ending.succeeded = false;
         return goesOn(outcome.code);
-    });
+    };
+    ending.isReadToEnd = RunScript(source, sourceName, StandardOutput::Get(), environment, reportFailure);
     return ending;
 }
 
 /// Whatever fails at the terminal is no failure of the shell, and an abort ends the command alone.
-static void RunTerminal()
+static bool RunTerminal(const Arguments& arguments)
 {
     Terminal terminal(System::GetDataFolder() + "/history");
-    RunCommands(terminal, WString(), [](const ExitCode&) { return true; });
+    RunCommands(arguments, terminal, "", [](const ExitCode&) { return StandardOutput::Get().GetFault() == 0; });
+    return true;
 }
 
-static bool RunScriptFile(LineSource& source, const std::string& name, bool keepsGoing)
+static bool RunScriptFile(const Arguments& arguments, LineSource& source, const std::string& name)
 {
-    const Ending ending = RunCommands(source, WString::FromUtf8(name),
-        [&](const ExitCode& code) { return keepsGoing && !IsHostError(code, HostError::Aborted); });
+    const Ending ending = RunCommands(arguments, source, name,
+        [&](const ExitCode& code) { return arguments.keepsGoing && !IsHostError(code, HostError::Aborted); });
     if (ending.isReadToEnd)
         DelayedStatus::Finish();
     return ending.succeeded;
@@ -93,20 +110,12 @@ static bool Run(const Arguments& arguments)
 {
     if (arguments.line) {
         OneLine line(*arguments.line);
-        return RunScriptFile(line, "", false);
+        return RunScriptFile(arguments, line, "");
     }
-    if (!arguments.script && isatty(STDIN_FILENO)) {
-        RunTerminal();
-        return true;
-    }
+    if (!arguments.script && isatty(STDIN_FILENO))
+        return RunTerminal(arguments);
     FileLines script = arguments.script ? FileLines(*arguments.script) : FileLines(STDIN_FILENO, "stdin");
-    return RunScriptFile(script, arguments.script.value_or("stdin"), arguments.keepsGoing);
-}
-
-static void CheckOutput()
-{
-    if (std::fflush(stdout) != 0 || std::ferror(stdout))
-        throw HostException(HostError::FileError, L"standard output cannot be written");
+    return RunScriptFile(arguments, script, arguments.script.value_or("stdin"));
 }
 
 static void CountOnTime(unsigned int start)
@@ -115,23 +124,50 @@ try {
 } catch (const std::bad_alloc&) { // the commands have run all the same
 }
 
-/// The shell with its arguments read; yields its exit status.
-static int RunShell(const Arguments& arguments)
+static void CheckOutput()
+{
+    StandardOutput::Get().Flush();
+    if (const int fault = StandardOutput::Get().GetFault(); fault != 0 && Signals::GetPending() != SIGPIPE)
+        throw HostException(HostError::FileError,
+            WString::FromUtf8("standard output cannot be written: " + std::generic_category().message(fault)));
+}
+
+/// Calls `action`, which yields whether it succeeded, and reports what it throws.
+static bool TryTo(const std::function<bool()>& action)
 try {
-    const unsigned int start = GetTickCount();
-    Start(arguments);
-    const bool succeeded = Run(arguments);
-    CountOnTime(start);
-    CheckOutput();
-    return succeeded ? 0 : 1;
+    return action();
 } catch (const HostException& failure) {
-    ReportFailure(failure);
-    return 1;
+    if (!IsHostError(failure, HostError::Aborted) || IsAbortToBeReported())
+        ReportFailure(failure);
+    return false;
 } catch (const std::bad_alloc&) {
     throw;
 } catch (const std::exception& exception) {
     ReportFailure(HostException(HostError::UnexpectedException, WString::FromUtf8(exception.what())));
-    return 1;
+    return false;
+}
+
+/// What is to be done however the commands have ended.
+static bool FinishRun(unsigned int start)
+{
+    CountOnTime(start);
+    if (Signals::GetPending() != 0)
+        DelayedStatus::FinishAtOnce();
+    CheckOutput();
+    return true;
+}
+
+/// The shell with its arguments read; yields its exit status.
+static int RunShell(const Arguments& arguments)
+{
+    const unsigned int start = GetTickCount();
+    if (!TryTo([&] { return Start(arguments), true; }))
+        return 1;
+    const bool succeeded = TryTo([&] { return Run(arguments); });
+    Abort::Clear(); // it has ended the run, and not what is to be done behind it
+    if (!TryTo([&] { return FinishRun(start); }))
+        return 1;
+    return GetExitStatus().value_or(succeeded ? 0 : 1);
 }
 
 static std::terminate_handler otherEnd_lc; // for faults of the program
@@ -162,8 +198,10 @@ try {
     Arguments arguments;
     if (const auto exitStatus = ReadArguments(count, texts, arguments))
         return *exitStatus;
-    CatchInterrupt();
-    return RunShell(arguments);
+    Signals::Catch();
+    const int exitStatus = RunShell(arguments);
+    Signals::EndByPending();
+    return exitStatus;
 } catch (const std::bad_alloc&) {
     ReportShortage();
     return 1;

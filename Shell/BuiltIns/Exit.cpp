@@ -1,22 +1,40 @@
+#include "BuiltIns/Exit.h"
+
 #include "BuiltIns/BuiltIn.h"
 #include "Text/HostError.h"
+#include "Text/NumberText.h"
+
+static std::optional<int> status_lc;
 
 namespace {
 constexpr UsageLine usage_lc[] = {
-    L"Usage: Exit",
-    L" Ends the shell and all its scripts, without an error.",
+    L"Usage: Exit [<status>]",
+    L" Ends the shell and all its scripts, with an exit status from 0 to 255.",
+    L" Without one it is 0, or 1 when a command of the script has failed.",
 };
 
 class Exit : public BuiltIn
 {
 public:
     Exit() : BuiltIn(exit_gb) {}
-    ExitCode Main(ArgumentList& arguments, Options& options) override
-    {
-        Accept(arguments, options, 0, 0);
-        throw HostException(HostError::ExitRequested);
-    }
+    ExitCode Main(ArgumentList& arguments, Options& options) override;
 };
+
+ExitCode Exit::Main(ArgumentList& arguments, Options& options)
+{
+    Accept(arguments, options, 0, 1);
+    int status = 0;
+    if (arguments.Count() == 1 && !TryParseWhole(arguments.At(0).View(), status, 0, 255))
+        Fail(badValue, arguments.At(0) + L" is no exit status from 0 to 255");
+    if (arguments.Count() == 1)
+        status_lc = status;
+    throw HostException(HostError::ExitRequested);
+}
 } // namespace
+
+std::optional<int> GetExitStatus()
+{
+    return status_lc;
+}
 
 constexpr CommandRecord exit_gb = {L"Exit", 2005, Create<Exit>, usage_lc};

@@ -14,7 +14,8 @@ constexpr UsageLine usage_lc[] = {
     L"Options:",
     L" -d<seconds>  Set the item after this time, 0 to 86400, while the shell goes",
     L"               on. A script, or the line of a command, ends when it is set,",
-    L"               unless a failure or Exit ends it before.",
+    L"               unless a failure or Exit ends it before. A signal such as Ctrl-C",
+    L"               sets the item at once.",
     L"Example: Status -d2.5 TempOpticsStable=true",
 };
 

@@ -1,5 +1,6 @@
 #include "Support/HostTexts.h"
 #include "Text/CharacterCase.h"
+#include "Text/SimilarName.h"
 
 #include <gtest/gtest.h>
 
@@ -175,4 +176,32 @@ TEST(ExitCode, HasATextForm)
     for (unsigned int i = 2; i <= 8; ++i)
         EXPECT_EQ(WString(ExitCode(i).ToCString()), ExitCode(i).ToString());
     EXPECT_STREQ(first, L"0:0:1");
+}
+
+TEST(SimilarName, FindsWhatWasMeant)
+{
+    const struct
+    {
+        const wchar_t* typed;
+        const wchar_t* meant; // empty where nothing is near enough
+    } cases[] = {
+        {L"Cacl", L"Calc"},
+        {L"calx", L"Calc"},
+        {L"Roud", L"Round"},
+        {L"tarrget", L"target"},
+        {L"FrontDoorOpn", L"FrontDoorOpen"},
+        {L"FrontDorrOepn", L"FrontDoorOpen"},
+        {L"St", L"Set"},
+        {L"S", L""},
+        {L"Nope", L""},
+        {L"Ruond2", L"Round"},
+        {L"kaka", L""},
+        {L"", L""},
+    };
+    for (const auto& test : cases) {
+        SimilarName similar(test.typed);
+        for (const wchar_t* name : {L"Calc", L"Set", L"Round", L"Rows", L"target", L"FrontDoorOpen"})
+            similar.Offer(name);
+        EXPECT_EQ(similar.Get(), test.meant) << Utf8(test.typed);
+    }
 }

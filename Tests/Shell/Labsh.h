@@ -33,7 +33,7 @@ public:
     Labsh& operator=(const Labsh&) = delete;
 
     void Start(std::vector<std::string> arguments, const std::string& input = "");
-    void Interrupt() const { kill(id, SIGINT); }
+    void Send(int signal) const { kill(id, signal); }
     bool IsRunning() const
     {
         siginfo_t ended = {};
@@ -72,7 +72,14 @@ inline void Labsh::Start(std::vector<std::string> arguments, const std::string& 
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "input", O_RDONLY, 0);
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "output", O_WRONLY | O_CREAT | O_TRUNC, 0666);
     posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "errors", O_WRONLY | O_CREAT | O_TRUNC, 0666);
-    const int error = posix_spawn(&id, LABSH_FILE, &actions, nullptr, pointers.data(), environ);
+    posix_spawnattr_t attributes; // whoever runs the tests may ignore the signals, and labsh would too
+    posix_spawnattr_init(&attributes);
+    sigset_t signals;
+    sigfillset(&signals);
+    posix_spawnattr_setsigdefault(&attributes, &signals);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
+    const int error = posix_spawn(&id, LABSH_FILE, &actions, &attributes, pointers.data(), environ);
+    posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
     if (error != 0)
         throw std::runtime_error("labsh cannot be started");

@@ -1,7 +1,11 @@
+#include "Services/FileDescriptor.h"
 #include "Shell/Labsh.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <memory>
+#include <sys/stat.h>
 
 namespace {
 std::string RunLabsh(std::vector<std::string> arguments, const std::string& input = "")
@@ -31,10 +35,14 @@ TEST(ShellTest, WordsAreOneLine)
 
 TEST(ShellTest, WrongStartsAreReported)
 {
-    EXPECT_EQ(RunLabsh({"-x", "Echo"}),
-        "The following argument was not expected: -x\nRun with --help for more information.\nexit 2");
-    EXPECT_EQ(RunLabsh({"-f", "input", "Echo"}),
-        "-f: there is a line to run already\nRun with --help for more information.\nexit 2");
+    EXPECT_EQ(RunLabsh({"-y", "Echo"}),
+        "The following argument was not expected: -y\nRun with --help for more information.\nexit 2");
+    for (const std::string word : {"Echo", "=1", "a-b=1"})
+        EXPECT_EQ(RunLabsh({"-f", "input", word}),
+            word +
+                ": behind a script stand its variables, as name=value\nRun with --help for more information.\nexit 2");
+    EXPECT_EQ(RunLabsh({"./input", "x=1"}),
+        "./input: 0:1:2 Unknown command: ./input; a script is run by: labsh -f ./input\nexit 1");
     EXPECT_EQ(RunLabsh({"-f", "no%s.txt"}), "labsh: 0:1:10 File error: no%s.txt: No such file or directory\nexit 1");
     EXPECT_EQ(RunLabsh({"-f", "."}), "labsh: 0:1:10 File error: .: Is a directory\nexit 1");
     EXPECT_EQ(
@@ -82,7 +90,50 @@ TEST(ShellTest, OutputThatCannotBeWrittenIsAnError)
     Labsh labsh;
     std::filesystem::create_symlink("/dev/full", labsh.folder.Path("output"));
     EXPECT_EQ(labsh.Run({"Echo", "x"}), 1);
-    EXPECT_EQ(labsh.GetErrors(), "labsh: 0:1:10 File error: standard output cannot be written\n");
+    EXPECT_EQ(labsh.Run({"-k"}, "While -er* 1=1 DO If 1=1 Then Echo x\nEcho -fbehind\n"), 1);
+    EXPECT_EQ(
+        labsh.GetErrors(), "labsh: 0:1:10 File error: standard output cannot be written: No space left on device\n");
+    EXPECT_FALSE(std::filesystem::exists(labsh.folder.Path("behind")));
+}
+
+TEST(ShellTest, OutputIsLive)
+{
+    for (const std::string line : {"Echo a\nWait 86400", "While 1=1 DO Echo a; Wait 86400",
+             "While 1=1 DO Echo a; While 1=1 DO Set x=1", "Echo a\nWhile -w86400 1=1 DO Set x=1"}) {
+        Labsh labsh({}, line);
+        EXPECT_TRUE(WaitUntil([&] { return labsh.GetOutput() == "a\n" || !labsh.IsRunning(); })) << line;
+        EXPECT_TRUE(labsh.IsRunning()) << line;
+    }
+    Labsh labsh; // a wait with output of its own command
+    labsh.Start({"Assert -c1000 1=2"});
+    EXPECT_TRUE(WaitUntil([&] { return labsh.GetOutput().starts_with("Retry: 1\n"); }));
+    EXPECT_TRUE(labsh.IsRunning());
+}
+
+TEST(ShellTest, AReaderThatGoesAwayEndsTheRunQuietly)
+{
+    Labsh labsh;
+    const std::string pipe = labsh.folder.Path("output");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    auto reader = std::make_unique<FileDescriptor>(open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    labsh.Start({"-k"}, "Echo -fstarted x\nWait 0.2\nStatus -d86400 ShellTest=7\nWhile 1=1 DO Echo x\n");
+    WaitForFile(labsh, "started");
+    reader.reset();
+    EXPECT_EQ(labsh.Wait(), 128 + SIGPIPE);
+    EXPECT_EQ(labsh.GetErrors(), "");
+    EXPECT_THAT(labsh.folder.Read("data/Status.ini"), testing::HasSubstr("ShellTest=int:7"));
+}
+
+TEST(ShellTest, ScriptsTakeVariables)
+{
+    EXPECT_EQ(RunLabsh({"-f", "input", "target=40", "unit=A 7", "text="},
+                  "Set -i target=37\nEcho %E{target} %E{unit} (%E{text})\nExit %E{target}\n"),
+        "40 A 7 ()\nexit 40");
+    EXPECT_EQ(RunLabsh({"-f", "input"}, "Set -i target=37\nEcho %E{target}\n"), "37\nexit 0");
+    EXPECT_EQ(RunLabsh({"-k"}, "Nope\nExit 256\nExit\n"),
+        "stdin:1: Nope: 0:1:2 Unknown command: Nope\nstdin:2: Exit: 2005:0:4 256 is no exit status from 0 to 255\n"
+        "exit 1");
+    EXPECT_EQ(RunLabsh({"-k"}, "Nope 1\nIf 1=1 Then Exit 0\n"), "stdin:1: Nope: 0:1:2 Unknown command: Nope\nexit 0");
 }
 
 TEST(ShellTest, SeveralPlugins)
@@ -173,30 +224,36 @@ TEST(ShellTest, CommandsAreCountedBeforeALongOneEnds)
     }
 }
 
-TEST(ShellTest, InterruptEndsTheScript)
+TEST(ShellTest, SignalsEndTheScript)
 {
-    // Which of the commands notices the interrupt, and so the id in the code, is a matter of chance.
+    // Which of the commands notices the signal, and so the id in the code, is a matter of chance.
     const struct
     {
         const char* line;
         const char* place;
+        int signal = SIGINT;
     } cases[] = {
-        {"Wait 86400", "stdin:2: Wait"},
-        {"Status -d86400 HotelDoorOpen=true", "(stdin:2: Status|(behind\n)?labsh)"},
-        {"AssertFail * Wait 86400", "stdin:2: AssertFail"},
-        {"If 1=1 THEN Wait 86400; Wait 86400", "stdin:2: If"},
-        {"While -er* 1=1 DO If 1=1 THEN Wait 86400", "stdin:2: While"},
-        {"While -er* 1=1 DO Nope", "stdin:2: While"},
-        {"While 1=1 DO Set x=1", "stdin:2: While"},
-        {"Assert -q -c1000 1=2", "stdin:2: Assert"},
-        {"Run forever", "stdin:2: Run"},
+        {"Wait 86400", "stdin:3: Wait"},
+        {"Wait 86400", "stdin:3: Wait", SIGTERM},
+        {"Status -d86400 HotelDoorOpen=true", "(stdin:3: Status|(behind\n)?labsh)"},
+        {"AssertFail * Wait 86400", "stdin:3: AssertFail"},
+        {"If 1=1 THEN Wait 86400; Wait 86400", "stdin:3: If", SIGHUP},
+        {"While -er* 1=1 DO If 1=1 THEN Wait 86400", "stdin:3: While"},
+        {"While -er* 1=1 DO Nope", "stdin:3: While"},
+        {"While 1=1 DO Set x=1", "stdin:3: While", SIGTERM},
+        {"Assert -q -c1000 1=2", "stdin:3: Assert"},
+        {"Run forever", "stdin:3: Run"},
     };
     for (const auto& test : cases) {
         Labsh labsh;
         labsh.folder.Write("forever", "Wait 86400");
-        labsh.Start({"-k"}, std::string("Echo -fstarted\n") + test.line + "\nEcho behind");
+        labsh.Start(
+            {"-k"}, std::string("Status -d86400 ShellTest=7\nEcho -fstarted x\n") + test.line + "\nEcho behind");
         WaitForFile(labsh, "started");
-        labsh.Interrupt();
-        EXPECT_THAT(labsh.Finish(), testing::MatchesRegex(test.place + std::string(": [0-9]+:1:4 Aborted\nexit 1")));
+        labsh.Send(test.signal);
+        EXPECT_THAT(labsh.Finish(),
+            testing::MatchesRegex(
+                test.place + std::string(": [0-9]+:1:4 Aborted\nexit ") + std::to_string(128 + test.signal)));
+        EXPECT_THAT(labsh.folder.Read("data/Status.ini"), testing::HasSubstr("ShellTest=int:7"));
     }
 }

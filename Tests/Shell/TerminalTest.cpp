@@ -5,6 +5,7 @@
 
 #include <poll.h>
 #include <pty.h>
+#include <termios.h>
 
 namespace {
 /// labsh at a terminal, whose other end is ours.
@@ -37,6 +38,13 @@ public:
         return ReadTo(mark);
     }
     int Wait() const { return WaitForExit(id); }
+    void Send(int signal) const { kill(id, signal); }
+    /// Whether the terminal treats lines and echoes them, as a shell leaves it.
+    bool IsCooked() const
+    {
+        termios settings = {};
+        return tcgetattr(terminal, &settings) == 0 && (settings.c_lflag & ICANON) && (settings.c_lflag & ECHO);
+    }
 
     static constexpr const char* prompt = "labsh> ";
 
@@ -86,4 +94,18 @@ TEST(TerminalTest, HistoryIsKept)
     }
     Session session(folder.GetPath());
     EXPECT_NE(session.Type(std::string(up) + up + "\r").find("\n100%s\r\n"), std::string::npos);
+}
+
+TEST(TerminalTest, SignalsEndTheShellInOrder)
+{
+    for (const int signal : {SIGTERM, SIGHUP}) {
+        const TemporaryFolder folder;
+        Session session(folder.GetPath());
+        session.Type("Status -d86400 TerminalTest=7\r");
+        EXPECT_FALSE(session.IsCooked());
+        session.Send(signal);
+        EXPECT_EQ(session.Wait(), signal);
+        EXPECT_TRUE(session.IsCooked());
+        EXPECT_NE(folder.Read("Status.ini").find("TerminalTest=int:7"), std::string::npos);
+    }
 }

@@ -1,5 +1,6 @@
 #include "AssertCommand.h"
 
+#include "Commands/CommandRunner.h"
 #include "ExpressionEvaluator.h"
 #include "Instrument/System.h"
 
@@ -67,6 +68,7 @@ ExitCode AssertCommand::Main(ArgumentList& arguments, Options& options)
         bool holds = false;
         if (!evaluator.TryEvaluateBool(expression, holds))
             return FailEvaluation(TakeError(evaluator, expression, logFailure), quiet, logFailure);
+        CommandRunner::NoteCondition(expression, holds);
         if (holds)
             return ExitCode(0);
         if (retryCount == 0)

@@ -36,8 +36,10 @@ EvaluationError Command::TakeError(const ExpressionEvaluator& evaluator, const W
 ExitCode Command::EvaluateCondition(const WString& condition, bool verbose, bool& result)
 {
     ExpressionEvaluator evaluator(this, 0);
-    if (evaluator.TryEvaluateBool(condition, result))
+    if (evaluator.TryEvaluateBool(condition, result)) {
+        CommandRunner::NoteCondition(condition, result);
         return ExitCode(0);
+    }
     const EvaluationError error = TakeError(evaluator, condition);
     if (verbose) // If's prefix, which While is meant to write too
         WriteReport(System::errorLog, error, L"**IF Failure: ");

@@ -1,6 +1,7 @@
 #include "Commands/CommandBase.h"
 
 #include "Commands/CommandRunner.h"
+#include "Commands/StandardOutput.h"
 #include "Instrument/System.h"
 #include "Services/Clock.h"
 #include "Text/Abort.h"
@@ -9,21 +10,16 @@
 #include <utility>
 
 namespace {
-Pipe& GetStandardOutput()
+void Sleep(Pipe& output, int milliseconds)
 {
-    static StreamPipe pipe(stdout);
-    return pipe;
-}
-
-void Sleep(int milliseconds)
-{
+    output.Flush();
     System::usage.WriteCounts();
     Clock::Get().Sleep(static_cast<unsigned int>(std::max(milliseconds, 0)));
     Abort::ThrowIfRequested();
 }
 } // namespace
 
-CommandBase::CommandBase() : pipe(&GetStandardOutput()) {}
+CommandBase::CommandBase() : pipe(&StandardOutput::Get()) {}
 
 CommandBase::~CommandBase() = default;
 
@@ -62,10 +58,10 @@ void CommandBase::WaitForTimeControlPointIfRequested()
 
 void CommandBase::SleepAbortable(int milliseconds)
 {
-    Sleep(milliseconds);
+    Sleep(GetPipe(), milliseconds);
 }
 
 void CommandBase::SleepWithoutSimulationMode(int milliseconds)
 {
-    Sleep(milliseconds);
+    Sleep(GetPipe(), milliseconds);
 }

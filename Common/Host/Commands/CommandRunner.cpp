@@ -2,9 +2,11 @@
 
 #include "Commands/CommandLine.h"
 #include "Commands/Reference.h"
+#include "Commands/RunObserver.h"
 #include "Instrument/System.h"
 #include "Text/Abort.h"
 #include "Text/HostError.h"
+#include "Text/SimilarName.h"
 
 #include <exception>
 #include <new>
@@ -24,6 +26,38 @@ public:
     ~NestingLevel() { --nesting_lc; }
     NestingLevel(const NestingLevel&) = delete;
     NestingLevel& operator=(const NestingLevel&) = delete;
+};
+
+thread_local const CommandRun* innermost_lc = nullptr; // of those that are observed
+
+template <typename... Parameters, typename... Arguments>
+void TellObservers(void (RunObserver::*event)(Parameters...) noexcept, const Arguments&... arguments) noexcept
+{
+    for (RunObserver* observer = RunObserver::GetFirst(); observer; observer = observer->GetNext())
+        (observer->*event)(arguments...);
+}
+
+/// Tells the observers of the beginning and the end of a run.
+class ObservedRun
+{
+public:
+    ObservedRun(const WString& line, const Environment& environment, unsigned int flags,
+        const CommandRunner::Outcome& outcome) noexcept
+        : run{line, environment, flags, outcome, innermost_lc, innermost_lc ? innermost_lc->depth + 1 : 0}
+    {
+        innermost_lc = &run;
+        TellObservers(&RunObserver::OnBegin, run);
+    }
+    ~ObservedRun()
+    {
+        TellObservers(&RunObserver::OnEnd, run);
+        innermost_lc = run.caller;
+    }
+    ObservedRun(const ObservedRun&) = delete;
+    ObservedRun& operator=(const ObservedRun&) = delete;
+
+private:
+    const CommandRun run;
 };
 
 constexpr unsigned int nameLimit = 60;
@@ -64,6 +98,14 @@ try {
 } catch (...) { // nothing to add to the code
 }
 
+WString DescribeUnknownCommand(const WString& name)
+{
+    SimilarName similar(name);
+    for (const CommandRegistry::Entry& entry : CommandRegistry::GetEntries())
+        similar.Offer(entry.name);
+    return similar.Get().IsEmpty() ? name : WString::Format(L"%s (did you mean %s?)", name, similar.Get());
+}
+
 /// The messages of codes whose meaning is the same in all commands.
 WString Describe(const ExitCode& code, const Options& options)
 {
@@ -91,12 +133,22 @@ CommandRunner::Outcome CommandRunner::Run(
     const WString& line, Pipe& output, const Environment& environment, unsigned int runFlags) noexcept
 {
     Outcome outcome;
-    try {
-        RunLine(line, output, environment, runFlags, outcome);
-    } catch (...) {
-        TakeThrown(outcome);
+    {
+        const ObservedRun observed(line, environment, runFlags, outcome);
+        try {
+            RunLine(line, output, environment, runFlags, outcome);
+        } catch (...) {
+            TakeThrown(outcome);
+        }
+        output.Flush();
     }
     return outcome;
+}
+
+void CommandRunner::NoteCondition(const WString& condition, bool holds) noexcept
+{
+    if (innermost_lc)
+        TellObservers(&RunObserver::OnCondition, *innermost_lc, condition, holds);
 }
 
 bool CommandRunner::EndsCallers(const ExitCode& code) noexcept
@@ -134,7 +186,7 @@ void CommandRunner::RunLine(
     if (line.Length() > maxLineLength)
         throw HostException(HostError::CommandTooLong);
     if (!entry)
-        throw HostException(HostError::UnknownCommand, outcome.command);
+        throw HostException(HostError::UnknownCommand, DescribeUnknownCommand(outcome.command));
 
     const auto command = Create(*entry, output);
     command->environment = environment;
@@ -149,14 +201,22 @@ static void Stamp(ExitCode& code, CommandBase& command)
         code.SetCommandId(static_cast<unsigned short>(command.GetCommandId()));
 }
 
+WString CommandRunner::ReplaceReferences(const CommandBase& command, const WString& rest)
+{
+    if (command.flags & CommandFlags::noSubstitution)
+        return rest;
+    WString replaced = Reference::ReplaceAll(rest, command.environment);
+    if (RunObserver::GetFirst() && replaced != rest)
+        TellObservers(&RunObserver::OnReplaced, *innermost_lc, replaced);
+    return replaced;
+}
+
 void CommandRunner::RunCommand(CommandBase& command, const WString& rest, Outcome& outcome)
 {
     Options options;
     try {
-        const bool takesReferences = (command.flags & CommandFlags::noSubstitution) == 0;
         ArgumentList arguments;
-        CommandLine::Parse(takesReferences ? Reference::ReplaceAll(rest, command.environment) : rest, command.flags,
-            arguments, options);
+        CommandLine::Parse(ReplaceReferences(command, rest), command.flags, arguments, options);
         command.OnStart(arguments, options);
         command.HandleStandardOptions(options);
         outcome.code = command.Main(arguments, options);

@@ -26,9 +26,12 @@ public:
     /// the result, std::bad_alloc becomes HostError::OutOfMemory, any other exception HostError::UnexpectedException. A
     /// failing code gets the command's id when it has none; only what keeps any command from being run (an unknown
     /// name, an abort, the nesting, the line's length, no memory for the command) has no id. A failure for whose
-    /// message there is no memory has none. A blank line succeeds and does nothing.
+    /// message there is no memory has none. A blank line succeeds and does nothing. The output is flushed at the end.
     static Outcome Run(
         const WString& line, Pipe& output, const Environment& environment, unsigned int runFlags) noexcept;
+
+    /// For a command that evaluates conditions: tells the observers of this thread how one came out.
+    static void NoteCondition(const WString& condition, bool holds) noexcept;
 
     /// True for a failure that ends the commands that ran this one as well: an abort, a request to exit, and too deep a
     /// nesting.
@@ -41,5 +44,6 @@ private:
     static std::unique_ptr<CommandBase> Create(const CommandRegistry::Entry& entry, Pipe& output);
     static void RunLine(
         const WString& line, Pipe& output, const Environment& environment, unsigned int runFlags, Outcome& outcome);
+    static WString ReplaceReferences(const CommandBase& command, const WString& rest);
     static void RunCommand(CommandBase& command, const WString& rest, Outcome& outcome);
 };

@@ -1,9 +1,11 @@
 #include "Commands/TestCommand.h"
 
 #include "Commands/CommandRunner.h"
+#include "Commands/RunObserver.h"
 
 ExitCode TestCommand::Run(const WString& line, WStringArray& output)
 {
+    const RunObserver::Pause pause; // a test's commands are no part of the script that runs it
     ArrayPipe pipe;
     const ExitCode code = CommandRunner::Run(line, pipe, environment, CommandFlags::noFailureLog).code;
     output = pipe.lines;

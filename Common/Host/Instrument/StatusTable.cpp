@@ -12,6 +12,7 @@
 #include <limits>
 #include <map>
 #include <mutex>
+#include <utility>
 
 using ReferenceText::Fault;
 
@@ -320,6 +321,14 @@ bool StatusTable::TrySetAfter(const WString& name, const WString& value, unsigne
         return false;
     data->delayed[name] = {value, GetTickCount() + std::min(milliseconds, longest)};
     return true;
+}
+
+void StatusTable::SetDelayed()
+{
+    const std::lock_guard guard(data->lock);
+    data->Refresh(0);
+    for (const auto& [name, value] : std::exchange(data->delayed, {}))
+        data->TrySet(name, value.text);
 }
 
 bool StatusTable::TryAdd(const WString& name, StatusType type, const WString& value)

@@ -57,6 +57,8 @@ public:
     /// As TrySet, to take effect in this process after a delay (24 days at most). False when TrySet would fail now; a
     /// value that no longer fits when it is due is dropped. Replaces an earlier delayed value.
     bool TrySetAfter(const WString& name, const WString& value, unsigned int milliseconds);
+    /// Makes all delayed values take effect now.
+    void SetDelayed();
     /// Adds or replaces an item of a type with its value as text; false when the text does not fit.
     bool TryAdd(const WString& name, StatusType type, const WString& value);
     /// A live item: its text is asked for at every reading, by the thread that reads. Outlives Load, and hides the

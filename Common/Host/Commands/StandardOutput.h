@@ -1,0 +1,32 @@
+#pragma once
+
+#include "Commands/Pipe.h"
+#include "HostApi.h"
+
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+/// The standard output of the process, as UTF-8. Lines are gathered, so that a command line costs one write; those for
+/// a terminal are not. The first write that fails requests an abort, which ends all that runs, and whatever is written
+/// behind it is dropped. For one thread.
+class HOST_API StandardOutput : public Pipe
+{
+public:
+    static StandardOutput& Get();
+    void DoWriteLine(const WString& line) override;
+    void Flush() noexcept override;
+    /// The errno of the write that failed; 0 when none did.
+    int GetFault() const noexcept { return fault; }
+
+private:
+    StandardOutput();
+
+    const bool isTerminal;
+    std::array<char, 0x4000> block{};
+    std::size_t length = 0;
+    int fault = 0;
+
+    void Write(std::string_view bytes) noexcept;
+    bool TryWaitForReader() noexcept;
+};

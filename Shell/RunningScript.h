@@ -1,0 +1,40 @@
+#pragma once
+
+#include "Text/WString.h"
+
+#include <utility>
+
+/// A source of commands while it is being run. One may run another: the innermost is the one whose command runs. For
+/// one thread.
+class RunningScript
+{
+public:
+    /// `name` as FormatPlace takes it; outlives this.
+    explicit RunningScript(const WString& name) : name(name), caller(std::exchange(innermost, this)) {}
+    ~RunningScript() { innermost = caller; }
+    RunningScript(const RunningScript&) = delete;
+    RunningScript& operator=(const RunningScript&) = delete;
+
+    /// Null when none is being run.
+    static RunningScript* GetInnermost() noexcept { return innermost; }
+
+    const WString& name;
+    unsigned int line = 0; // where the command that is being run begins, from 1
+
+private:
+    static inline RunningScript* innermost = nullptr;
+    RunningScript* const caller;
+};
+
+/// "name:line: ", which names a place; empty without a name.
+inline WString FormatPlace(const WString& scriptName, unsigned int line)
+{
+    return scriptName.IsEmpty() ? WString() : WString::Format(L"%s:%u: ", scriptName, line);
+}
+
+/// The place of the command that is being run.
+inline WString GetRunningPlace()
+{
+    const RunningScript* const script = RunningScript::GetInnermost();
+    return script ? FormatPlace(script->name, script->line) : WString();
+}
