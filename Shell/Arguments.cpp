@@ -14,7 +14,7 @@ static constexpr const char* description =
 
 static constexpr const char* footer =
     "The options come before the first word. `labsh Help` lists the commands, `labsh Help Calc` explains one.\n"
-    "Example: labsh -f cal.txt target=40 unit=\"A 7\"\n"
+    "Example: labsh -x -f cal.txt target=40 unit=\"A 7\"\n"
     "Exit status: 0; 1 when a command failed, with a line on standard error; 2 for wrong options; what Exit was "
     "given;\n"
     "128 and the number of a signal, as the shell ends by it.";
@@ -57,6 +57,10 @@ std::optional<int> ReadArguments(int count, char** texts, Arguments& arguments)
 
     app.add_option("-f", arguments.script, "Run the commands of this file")->type_name("FILE")->take_last();
     app.add_flag("-k", arguments.keepsGoing, "Go on with a script after a command failed");
+    app.add_flag(
+        "--strict", arguments.isStrict, "Fail where a command such as If goes on after a failure, not just warn");
+    app.add_flag(
+        "-x", arguments.traces, "Show on standard error each command, its conditions and the variables it changes");
     app.add_option("--data", arguments.dataFolder, "The instrument's data folder")
         ->type_name("DIR")
         ->capture_default_str()

@@ -18,6 +18,8 @@ struct Arguments
     std::vector<Variable> variables; // of the script
     std::string firstWord;           // of the line
     bool keepsGoing = false;
+    bool isStrict = false;
+    bool traces = false;
     std::string dataFolder;
     std::vector<std::string> plugins;
 };

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "Text/WString.h"
+#include "Commands/CommandRunner.h"
 
+#include <optional>
 #include <utility>
 
 /// A source of commands while it is being run. One may run another: the innermost is the one whose command runs. For
@@ -20,6 +21,8 @@ public:
 
     const WString& name;
     unsigned int line = 0; // where the command that is being run begins, from 1
+    /// A failure inside that command which is to count as its own.
+    std::optional<CommandRunner::Outcome> innerFailure;
 
 private:
     static inline RunningScript* innermost = nullptr;

@@ -87,7 +87,10 @@ bool RunScript(LineSource& source, const WString& name, Pipe& output, const Envi
     std::string command;
     while (reader.TryRead(command)) {
         script.line = reader.GetLine();
+        script.innerFailure.reset();
         ScriptFailure run = {RunCommand(command, output, environment), script.line};
+        if (!run.outcome.code.IsError() && script.innerFailure)
+            run.outcome = *std::move(script.innerFailure);
         CountCommand(run.outcome.command);
         if (run.outcome.code.IsError() && !goesOn(run))
             return false;

@@ -6,6 +6,7 @@
 #include "DelayedStatus.h"
 #include "FileLines.h"
 #include "Instrument/System.h"
+#include "PassedOver.h"
 #include "Report.h"
 #include "ScriptRunner.h"
 #include "Services/Clock.h"
@@ -13,6 +14,7 @@
 #include "Terminal.h"
 #include "Text/Abort.h"
 #include "Text/HostError.h"
+#include "Trace.h"
 
 #include <csignal>
 #include <cstdlib>
@@ -21,6 +23,7 @@
 #include <filesystem>
 #include <functional>
 #include <new>
+#include <optional>
 #include <system_error>
 #include <unistd.h>
 
@@ -163,6 +166,10 @@ static int RunShell(const Arguments& arguments)
     const unsigned int start = GetTickCount();
     if (!TryTo([&] { return Start(arguments), true; }))
         return 1;
+    std::optional<Trace> trace;
+    if (arguments.traces)
+        trace.emplace();
+    const PassedOver passedOver(arguments.isStrict);
     const bool succeeded = TryTo([&] { return Run(arguments); });
     Abort::Clear(); // it has ended the run, and not what is to be done behind it
     if (!TryTo([&] { return FinishRun(start); }))

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <sstream>
 #include <sys/stat.h>
 
 namespace {
@@ -134,6 +135,41 @@ TEST(ShellTest, ScriptsTakeVariables)
         "stdin:1: Nope: 0:1:2 Unknown command: Nope\nstdin:2: Exit: 2005:0:4 256 is no exit status from 0 to 255\n"
         "exit 1");
     EXPECT_EQ(RunLabsh({"-k"}, "Nope 1\nIf 1=1 Then Exit 0\n"), "stdin:1: Nope: 0:1:2 Unknown command: Nope\nexit 0");
+}
+
+TEST(ShellTest, TraceShowsWhatRuns)
+{
+    Labsh labsh;
+    std::filesystem::create_directory(labsh.folder.Path("sub"));
+    labsh.folder.Write("sub/inner.txt", "Echo %E{x}\n");
+    EXPECT_EQ(labsh.Run({"-x", "-f", "input", "x=1"},
+                  "If x>1 Then Nope\nWhile -er* i<2 DO Set x=x+1; Assert -q x=0\nRun sub/inner.txt\nSet -z x\n"),
+        0);
+    std::istringstream lines(labsh.GetErrors());
+    std::string trace;
+    for (std::string line; std::getline(lines, line); trace += line.substr(line.find(' ') + 1) + "\n")
+        EXPECT_THAT(line, testing::MatchesRegex("[0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{3} .*"));
+    EXPECT_EQ(trace, R"(input:1:   x=1
+input:1: + If x>1 Then Nope
+input:1:   x>1 -> FALSE
+input:2: + While -er* i<2 DO Set x=x+1; Assert -q x=0
+input:2:   EC_While=0
+input:2:   i=1
+input:2:   i<2 -> TRUE
+input:2: ++ Set x=x+1
+input:2:    x=2
+input:2: ++ Assert -q x=0
+input:2:    x=0 -> FALSE
+input:2:    -> 9015:0:13 Assertion "x=0" failed!
+input:2:   EC_While=9015:0:13
+input:2:   i=2
+input:2:   i<2 -> FALSE
+input:3: + Run sub/inner.txt
+sub/inner.txt:1: ++ Echo %E{x}
+sub/inner.txt:1:    -> Echo 2
+input:4: + Set -z x
+input:4:   x deleted
+)");
 }
 
 TEST(ShellTest, SeveralPlugins)

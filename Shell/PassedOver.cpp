@@ -1,0 +1,50 @@
+#include "PassedOver.h"
+
+#include "Report.h"
+#include "RunningScript.h"
+
+#include <new>
+#include <utility>
+
+void PassedOver::OnBegin(const CommandRun& run) noexcept
+try {
+    if (!run.caller)
+        warnings.clear();
+    else if (IsPendingIn(run.caller))
+        Report(run.caller->outcome.command);
+} catch (const std::bad_alloc&) { // the commands run all the same
+}
+
+void PassedOver::OnEnd(const CommandRun& run) noexcept
+try {
+    if (IsPendingIn(&run)) {
+        if (run.outcome.code.IsError())
+            pending.pop_back();
+        else
+            Report(run.outcome.command);
+    }
+    if (run.caller && run.outcome.code.IsError() && (run.flags & CommandFlags::toleratesFailure) == 0)
+        pending.push_back({run.caller, run.line.Trim(), run.outcome});
+} catch (const std::bad_alloc&) { // the commands run all the same
+}
+
+bool PassedOver::IsPendingIn(const CommandRun* caller) const noexcept
+{
+    return !pending.empty() && pending.back().caller == caller;
+}
+
+void PassedOver::Report(const WString& callerName)
+{
+    const Pending failure = std::move(pending.back());
+    pending.pop_back();
+    const auto& [code, name, message, returnString] = failure.outcome;
+    const WString what = L"went on after \"" + failure.line + L"\"";
+    const WString warning = GetRunningPlace() + L"warning: " + callerName + L" " + what + L": ";
+    if (!warnings.insert(warning).second)
+        return;
+    RunningScript* const script = RunningScript::GetInnermost();
+    if (isFailure && script && !script->innerFailure)
+        script->innerFailure = {code, callerName, what + (message.IsEmpty() ? L"" : L": ") + message, {}};
+    else
+        WriteReport(warning, code, message);
+}

@@ -1,0 +1,79 @@
+#include "Trace.h"
+
+#include "Report.h"
+#include "RunningScript.h"
+
+#include <chrono>
+#include <ctime>
+#include <new>
+#include <string>
+
+namespace {
+std::string FormatTime()
+{
+    const auto now = std::chrono::system_clock::now();
+    const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch());
+    const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
+    std::tm local{};
+    localtime_r(&seconds, &local);
+    return WString::Format(L"%02d:%02d:%02d.%03d", local.tm_hour, local.tm_min, local.tm_sec,
+        static_cast<int>(milliseconds.count() % 1000))
+        .ToUtf8();
+}
+
+/// Writes a line of the trace: `mark` once for each level of the run, then the text.
+void Write(const CommandRun& run, wchar_t mark, const WString& text)
+{
+    const WString marks(std::wstring(run.depth + 1, mark));
+    WriteErrorLine(WString::FromUtf8(FormatTime()) + L" " + GetRunningPlace() + marks + L" " + text);
+}
+} // namespace
+
+void Trace::OnBegin(const CommandRun& run) noexcept
+try {
+    ShowChanges(run.caller ? *run.caller : run);
+    Write(run, L'+', run.line.Trim());
+} catch (const std::bad_alloc&) { // the command runs all the same
+}
+
+void Trace::OnReplaced(const CommandRun& run, const WString& rest) noexcept
+try {
+    Write(run, L' ', L"-> " + run.outcome.command + L" " + rest);
+} catch (const std::bad_alloc&) {
+}
+
+void Trace::OnCondition(const CommandRun& run, const WString& condition, bool holds) noexcept
+try {
+    ShowChanges(run); // those of a loop
+    Write(run, L' ', condition + (holds ? L" -> TRUE" : L" -> FALSE"));
+} catch (const std::bad_alloc&) {
+}
+
+void Trace::OnEnd(const CommandRun& run) noexcept
+try {
+    ShowChanges(run);
+    const CommandRunner::Outcome& outcome = run.outcome;
+    if (run.caller && outcome.code.IsError())
+        Write(run, L' ', L"-> " + outcome.code.ToString() + L" " + outcome.message);
+} catch (const std::bad_alloc&) {
+}
+
+void Trace::ShowChanges(const CommandRun& run)
+{
+    WStringArray names;
+    run.environment.GetKeys(names);
+    std::map<WString, WString> current;
+    for (const WString& name : names) {
+        WString value;
+        run.environment.TryGetString(name, value);
+        const auto former = shown.find(name);
+        if (former == shown.end() || former->second != value)
+            Write(run, L' ', name + L"=" + value);
+        current.emplace(name, value);
+    }
+    for (const auto& [name, value] : shown) {
+        if (!current.contains(name))
+            Write(run, L' ', name + L" deleted");
+    }
+    shown = std::move(current);
+}
