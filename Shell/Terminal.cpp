@@ -1,5 +1,6 @@
 #include "Terminal.h"
 
+#include "Commands/StandardOutput.h"
 #include "Signals.h"
 #include "Text/Abort.h"
 #include "Text/HostError.h"
@@ -78,7 +79,7 @@ bool Terminal::TryReadLine(std::string& line)
     for (;;) {
         Abort::Clear();
         Signals::ForgetInterrupt();
-        if (Signals::GetPending() != 0)
+        if (Signals::GetPending() != 0 || StandardOutput::Get().GetFault() != 0)
             return false;
         el_wset(editor->line.get(), EL_PREP_TERM, 1); // before the prompt, which a program may answer at once
         int count = 0;

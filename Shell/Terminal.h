@@ -16,7 +16,7 @@ public:
     Terminal& operator=(const Terminal&) = delete;
 
     /// Forgets an interrupt of the last command, then asks for a line. False at the end of the input and when another
-    /// signal is to end the shell.
+    /// signal, or output that cannot be written, is to end the shell.
     bool TryReadLine(std::string& line) override;
 
 private:

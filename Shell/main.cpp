@@ -60,7 +60,7 @@ static bool IsAbortToBeReported()
     return Signals::GetPending() != SIGPIPE && StandardOutput::Get().GetFault() == 0;
 }
 
-/// A file that is given for a command.
+/// Says how a script is run, where its file was given for a command.
 static void AddHint(const Arguments& arguments, CommandRunner::Outcome& outcome)
 {
     std::error_code error;
@@ -96,7 +96,7 @@ static Ending RunCommands(const Arguments& arguments, LineSource& source, const 
 static bool RunTerminal(const Arguments& arguments)
 {
     Terminal terminal(System::GetDataFolder() + "/history");
-    RunCommands(arguments, terminal, "", [](const ExitCode&) { return StandardOutput::Get().GetFault() == 0; });
+    RunCommands(arguments, terminal, "", [](const ExitCode&) { return true; });
     return true;
 }
 
