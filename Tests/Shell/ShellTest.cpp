@@ -291,5 +291,7 @@ TEST(ShellTest, SignalsEndTheScript)
             testing::MatchesRegex(
                 test.place + std::string(": [0-9]+:1:4 Aborted\nexit ") + std::to_string(128 + test.signal)));
         EXPECT_THAT(labsh.folder.Read("data/Status.ini"), testing::HasSubstr("ShellTest=int:7"));
+        labsh.Run({"Usage", "Command.Echo"});
+        EXPECT_THAT(labsh.GetOutput(), testing::StartsWith("Command.Echo="));
     }
 }
