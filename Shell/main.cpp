@@ -154,6 +154,7 @@ try {
 static bool FinishRun(unsigned int start)
 {
     CountOnTime(start);
+    System::usage.WriteCounts(); // now, since a signal ends the process without destructors
     if (Signals::GetPending() != 0)
         DelayedStatus::FinishAtOnce();
     CheckOutput();
