@@ -42,16 +42,42 @@ bool FileLines::TryReadLine(std::string& line)
 
 bool FileLines::TryFillBlock()
 {
+    position = 0;
+    while (TryReadBlock()) {
+        if (!std::exchange(isBegun, true))
+            RecogniseEncoding();
+        if (decoder)
+            block = decoder->Decode(block);
+        if (!block.empty()) // else a character goes on
+            return true;
+    }
+    return false;
+}
+
+bool FileLines::TryReadBlock()
+{
     constexpr std::size_t blockSize = 0x10000;
     block.resize(blockSize);
-    position = 0;
+    block.resize(Read(block.data(), blockSize));
+    return !block.empty();
+}
+
+void FileLines::RecogniseEncoding()
+{
+    char byte = 0;
+    if ((block == "\xFE" || block == "\xFF") && Read(&byte, 1) == 1) // a byte order mark that comes in pieces
+        block += byte;
+    decoder = Utf16Decoder::TryRecognise(block);
+}
+
+std::size_t FileLines::Read(char* bytes, std::size_t size)
+{
     if (!WaitForInput(file.Get()))
         throw HostException(HostError::Aborted);
-    const ssize_t count = read(file.Get(), block.data(), blockSize);
+    const ssize_t count = read(file.Get(), bytes, size);
     if (count < 0)
         Fail();
-    block.resize(static_cast<std::size_t>(count));
-    return count > 0;
+    return static_cast<std::size_t>(count);
 }
 
 /// Moves the block's rest up to the line end into the line; false when the line goes on in the next block.

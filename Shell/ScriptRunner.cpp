@@ -6,12 +6,19 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 namespace {
 bool IsBlankOrComment(const std::string& line)
 {
     const auto first = line.find_first_not_of(" \t");
     return first == std::string::npos || line[first] == '#';
+}
+
+bool IsSpoilt(const std::string& line)
+{
+    const auto last = line.find_last_not_of(" \t");
+    return last < line.size() - 1 && line[last] == '\\';
 }
 
 /// The commands of a source, with their continuation lines joined.
@@ -22,11 +29,16 @@ public:
 
     bool TryRead(std::string& command);
     unsigned int GetLine() const noexcept { return commandLine; }
+    /// The last line, of this command or the one before it, in which a blank behind a final backslash keeps the line
+    /// from being continued; 0 when there is none.
+    unsigned int GetSpoiltLine() const noexcept { return spoiltLine != 0 ? spoiltLine : formerSpoiltLine; }
 
 private:
     LineSource& source;
     unsigned int linesRead = 0;
     unsigned int commandLine = 0;
+    unsigned int spoiltLine = 0;
+    unsigned int formerSpoiltLine = 0;
 
     bool TryReadLine(std::string& line)
     {
@@ -45,6 +57,7 @@ bool CommandReader::TryRead(std::string& command)
             return false;
     } while (IsBlankOrComment(line));
     commandLine = linesRead;
+    formerSpoiltLine = std::exchange(spoiltLine, 0);
     command.clear();
     bool isContinued = false;
     do {
@@ -54,6 +67,8 @@ bool CommandReader::TryRead(std::string& command)
             command.pop_back();
         command.resize(std::min(command.size(), limit + 1)); // one too many is enough to be refused
     } while (isContinued);
+    if (IsSpoilt(line))
+        spoiltLine = linesRead;
     return true;
 }
 
@@ -69,6 +84,15 @@ try {
 } catch (const std::bad_alloc&) {
     const HostException failure(HostError::OutOfMemory);
     return {failure, L"labsh", failure.GetMessage(), {}};
+}
+
+/// Adds to a failure what may be its cause.
+void AddHint(CommandRunner::Outcome& outcome, const WString& name, const CommandReader& reader)
+{
+    const unsigned int line = reader.GetSpoiltLine();
+    if (line != 0 && !CommandRunner::EndsCallers(outcome.code))
+        outcome.message += L"; " + FormatPlace(name, line) +
+            L"a blank stands behind the final backslash, so the line is not continued";
 }
 
 void CountCommand(const WString& name)
@@ -92,7 +116,10 @@ bool RunScript(LineSource& source, const WString& name, Pipe& output, const Envi
         if (!run.outcome.code.IsError() && script.innerFailure)
             run.outcome = *std::move(script.innerFailure);
         CountCommand(run.outcome.command);
-        if (run.outcome.code.IsError() && !goesOn(run))
+        if (!run.outcome.code.IsError())
+            continue;
+        AddHint(run.outcome, name, reader);
+        if (!goesOn(run))
             return false;
     }
     return true;

@@ -7,10 +7,15 @@
 #include "Text/WString.h"
 #include "WaitForInput.h"
 
+#include <cerrno>
 #include <clocale>
 #include <cstdio>
 #include <cwchar>
+#include <fcntl.h>
 #include <histedit.h>
+#include <langinfo.h>
+#include <string_view>
+#include <system_error>
 #include <unistd.h>
 
 namespace {
@@ -32,6 +37,27 @@ int ReadCharacter(EditLine*, wchar_t* character)
     return 1;
 }
 
+/// libedit shows and measures characters as the terminal has them: in UTF-8, unless the environment names another
+/// encoding.
+void UseCharactersOfTerminal()
+{
+    if (!std::setlocale(LC_CTYPE, "") || nl_langinfo(CODESET) == std::string_view("ANSI_X3.4-1968"))
+        std::setlocale(LC_CTYPE, "C.UTF-8");
+}
+
+/// A stream to the terminal that lines are typed at; standard output may lead elsewhere.
+FILE* OpenTerminal()
+{
+    const bool isWritable = (fcntl(STDIN_FILENO, F_GETFL) & O_ACCMODE) == O_RDWR;
+    const int terminal =
+        isWritable ? fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0) : open("/proc/self/fd/0", O_WRONLY | O_CLOEXEC | O_NOCTTY);
+    FILE* const stream = terminal < 0 ? nullptr : fdopen(terminal, "w");
+    if (!stream)
+        throw HostException(HostError::FileError,
+            WString::FromUtf8("the terminal cannot be used: " + std::generic_category().message(errno)));
+    return stream;
+}
+
 const wchar_t* GetPrompt(EditLine*)
 {
     static wchar_t prompt[] = L"labsh> ";
@@ -43,7 +69,8 @@ struct Terminal::Editor
 {
     explicit Editor(const std::string& historyFile) : historyFile(historyFile) {}
 
-    const std::unique_ptr<EditLine, decltype(&el_end)> line{el_init("labsh", stdin, stdout, stderr), el_end};
+    const std::unique_ptr<FILE, decltype(&std::fclose)> terminal{OpenTerminal(), std::fclose};
+    const std::unique_ptr<EditLine, decltype(&el_end)> line{el_init("labsh", stdin, terminal.get(), stderr), el_end};
     const std::unique_ptr<HistoryW, decltype(&history_wend)> history{history_winit(), history_wend};
     const std::string historyFile;
 };
@@ -51,7 +78,7 @@ struct Terminal::Editor
 Terminal::Terminal(const std::string& historyFile)
 {
     constexpr int historyLength = 1000;
-    std::setlocale(LC_CTYPE, ""); // libedit shows and measures characters as the terminal has them
+    UseCharactersOfTerminal();
     editor = std::make_unique<Editor>(historyFile);
     EditLine* const line = editor->line.get();
     HistoryW* const history = editor->history.get();
@@ -75,7 +102,7 @@ Terminal::~Terminal()
 
 bool Terminal::TryReadLine(std::string& line)
 {
-    std::fflush(stdout);
+    FILE* const terminal = editor->terminal.get();
     for (;;) {
         Abort::Clear();
         Signals::ForgetInterrupt();
@@ -85,11 +112,11 @@ bool Terminal::TryReadLine(std::string& line)
         int count = 0;
         const wchar_t* text = el_wgets(editor->line.get(), &count);
         if (!text && !Abort::IsRequested()) {
-            std::puts(""); // the next prompt is another shell's
+            std::fputs("\n", terminal); // the next prompt is another shell's
             return false;
         }
         if (!text || Abort::IsRequested()) {
-            std::puts(Signals::GetPending() == SIGINT ? "^C" : "");
+            std::fputs(Signals::GetPending() == SIGINT ? "^C\n" : "\n", terminal);
             continue;
         }
         WString typed(text, static_cast<std::size_t>(count));
@@ -99,6 +126,10 @@ bool Terminal::TryReadLine(std::string& line)
         if (!typed.Trim().IsEmpty())
             history_w(editor->history.get(), &event, H_ENTER, typed.ToCString());
         line = typed.ToUtf8();
+        if (!isatty(STDOUT_FILENO)) { // a record of the session, which shows what the output belongs to
+            StandardOutput::Get().DoWriteLine(typed);
+            StandardOutput::Get().Flush();
+        }
         return true;
     }
 }

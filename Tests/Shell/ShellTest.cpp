@@ -63,10 +63,23 @@ TEST(ShellTest, WrongStartsAreReported)
 
 TEST(ShellTest, StandardInputIsAScript)
 {
+    const std::string hint = "a blank stands behind the final backslash, so the line is not continued\n";
     EXPECT_EQ(RunLabsh({}, "\xEF\xBB\xBF# comment\r\nEcho a\\\r\n b \\\n\r\n\r\nEcho last"), "a b\nlast\nexit 0");
     EXPECT_EQ(RunLabsh({}, "Echo a\n\n\nNope\nEcho b\n"), "a\nstdin:4: Nope: 0:1:2 Unknown command: Nope\nexit 1");
     EXPECT_EQ(RunLabsh({}, std::string("Echo a\0b\xC3|\n", 11)), "a\uFFFDb\uFFFD|\nexit 0");
     EXPECT_EQ(RunLabsh({}, "Echo end\\"), "end\\\nexit 0");
+    EXPECT_EQ(RunLabsh({},
+                  std::string("\xFF\xFE"
+                              "E\0c\0h\0o\0 \0\x3D\xD8\x00\xDE\x3D\xD8\n\0",
+                      20)),
+        "\U0001F600\uFFFD\nexit 0");
+    EXPECT_EQ(
+        RunLabsh({}, std::string("\xFE\xFF\0E\0c\0h\0o\0 \x20\xAC\0\r\0\n\0E\0c\0h\0o\0 \0b\0", 31)), "€\nb\nexit 0");
+    EXPECT_EQ(RunLabsh({"-k"}, "Nope \\\n \\ \nNope\nNope\nEcho \\ \n"),
+        "\\\n"
+        "stdin:1: Nope: 0:1:2 Unknown command: Nope; stdin:2: " +
+            hint + "stdin:3: Nope: 0:1:2 Unknown command: Nope; stdin:2: " + hint +
+            "stdin:4: Nope: 0:1:2 Unknown command: Nope\nexit 1");
 }
 
 TEST(ShellTest, LineLengthsAreLimited)

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <poll.h>
 #include <pty.h>
 #include <termios.h>
@@ -12,10 +13,15 @@ namespace {
 class Session
 {
 public:
-    explicit Session(const std::string& dataFolder) : id(forkpty(&terminal, nullptr, nullptr, nullptr))
+    /// `output`, when given, is the file that standard output goes to.
+    explicit Session(const std::string& dataFolder, const char* output = nullptr)
+        : id(forkpty(&terminal, nullptr, nullptr, nullptr))
     {
         if (id == 0) {
             setenv("TERM", "xterm", 1);
+            unsetenv("LC_ALL"); // UTF-8 is to be typed without a word about it
+            if (output && !std::freopen(output, "w", stdout))
+                _exit(127);
             execl(LABSH_FILE, LABSH_FILE, "--data", dataFolder.c_str(), nullptr);
             _exit(127);
         }
@@ -80,6 +86,19 @@ TEST(TerminalTest, FailuresAndInterruptsEndTheCommandAlone)
     EXPECT_NE(session.Type("b\r").find("\nab\r\n"), std::string::npos);
     EXPECT_NE(session.Type("\x04", "\n"), "");
     EXPECT_EQ(session.Wait(), 0);
+}
+
+TEST(TerminalTest, OutputThatLeadsElsewhereIsARecord)
+{
+    const TemporaryFolder folder;
+    Session session(folder.GetPath(), folder.Path("output").c_str());
+    EXPECT_NE(session.Type("Echo h\u00E9\u20ACllo\r").find("Echo h\u00E9\u20ACllo\r\n"), std::string::npos);
+    EXPECT_NE(session.Type("Nope\r").find("\nNope: 0:1:2 Unknown command: Nope\r\n"), std::string::npos);
+    EXPECT_NE(session.Type("Calc 1+\\\r"), "");
+    EXPECT_EQ(session.Type("2\r").find("\n3\r\n"), std::string::npos);
+    EXPECT_NE(session.Type("\x04", "\n"), "");
+    EXPECT_EQ(session.Wait(), 0);
+    EXPECT_EQ(folder.Read("output"), "Echo h\u00E9\u20ACllo\nh\u00E9\u20ACllo\nNope\nCalc 1+\\\n2\n3\n");
 }
 
 TEST(TerminalTest, HistoryIsKept)
