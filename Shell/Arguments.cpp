@@ -61,6 +61,14 @@ std::optional<int> ReadArguments(int count, char** texts, Arguments& arguments)
         "--strict", arguments.isStrict, "Fail where a command such as If goes on after a failure, not just warn");
     app.add_flag(
         "-x", arguments.traces, "Show on standard error each command, its conditions and the variables it changes");
+    app.add_option(
+           "--junit", arguments.assertReport, "Report each Assert to this file, in the XML of JUnit, and count them")
+        ->type_name("FILE")
+        ->take_last();
+    app.add_option("--log", arguments.sessionLog,
+           "Record the session in this file, behind what it holds: each line with its time")
+        ->type_name("FILE")
+        ->take_last();
     app.add_option("--data", arguments.dataFolder, "The instrument's data folder")
         ->type_name("DIR")
         ->capture_default_str()

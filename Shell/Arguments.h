@@ -20,6 +20,8 @@ struct Arguments
     bool keepsGoing = false;
     bool isStrict = false;
     bool traces = false;
+    std::optional<std::string> assertReport;
+    std::optional<std::string> sessionLog;
     std::string dataFolder;
     std::vector<std::string> plugins;
 };

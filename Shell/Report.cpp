@@ -1,6 +1,7 @@
 #include "Report.h"
 
 #include "Commands/StandardOutput.h"
+#include "SessionLog.h"
 
 #include <cstdio>
 #include <new>
@@ -19,9 +20,11 @@ static WString AsOneLine(const WString& text)
 
 void WriteErrorLine(const WString& text)
 {
-    const std::string line = AsOneLine(text).ToUtf8();
+    const WString line = AsOneLine(text);
+    if (SessionLog* const log = SessionLog::GetOrNull())
+        log->Record(L'!', line);
     StandardOutput::Get().Flush();
-    std::fprintf(stderr, "%s\n", line.c_str());
+    std::fprintf(stderr, "%s\n", line.ToUtf8().c_str());
 }
 
 void WriteReport(const WString& place, const ExitCode& code, const WString& message)

@@ -1,31 +1,18 @@
 #include "Trace.h"
 
+#include "LocalTime.h"
 #include "Report.h"
 #include "RunningScript.h"
 
-#include <chrono>
-#include <ctime>
 #include <new>
 #include <string>
 
 namespace {
-std::string FormatTime()
-{
-    const auto now = std::chrono::system_clock::now();
-    const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch());
-    const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
-    std::tm local{};
-    localtime_r(&seconds, &local);
-    return WString::Format(L"%02d:%02d:%02d.%03d", local.tm_hour, local.tm_min, local.tm_sec,
-        static_cast<int>(milliseconds.count() % 1000))
-        .ToUtf8();
-}
-
 /// Writes a line of the trace: `mark` once for each level of the run, then the text.
 void Write(const CommandRun& run, wchar_t mark, const WString& text)
 {
     const WString marks(std::wstring(run.depth + 1, mark));
-    WriteErrorLine(WString::FromUtf8(FormatTime()) + L" " + GetRunningPlace() + marks + L" " + text);
+    WriteErrorLine(FormatTime() + L" " + GetRunningPlace() + marks + L" " + text);
 }
 } // namespace
 
@@ -42,7 +29,7 @@ try {
 } catch (const std::bad_alloc&) {
 }
 
-void Trace::OnCondition(const CommandRun& run, const WString& condition, bool holds) noexcept
+void Trace::OnCondition(const CommandRun& run, const WString& condition, bool holds, const WString&) noexcept
 try {
     ShowChanges(run); // those of a loop
     Write(run, L' ', condition + (holds ? L" -> TRUE" : L" -> FALSE"));

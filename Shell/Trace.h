@@ -12,7 +12,8 @@ class Trace : public RunObserver
 public:
     void OnBegin(const CommandRun& run) noexcept override;
     void OnReplaced(const CommandRun& run, const WString& rest) noexcept override;
-    void OnCondition(const CommandRun& run, const WString& condition, bool holds) noexcept override;
+    void OnCondition(
+        const CommandRun& run, const WString& condition, bool holds, const WString& variableTrace) noexcept override;
     void OnEnd(const CommandRun& run) noexcept override;
 
 private:

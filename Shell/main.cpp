@@ -1,4 +1,5 @@
 #include "Arguments.h"
+#include "AssertReport.h"
 #include "BuiltIns/BuiltIns.h"
 #include "BuiltIns/Exit.h"
 #include "Commands/PluginLoader.h"
@@ -6,10 +7,13 @@
 #include "DelayedStatus.h"
 #include "FileLines.h"
 #include "Instrument/System.h"
+#include "LocalTime.h"
 #include "PassedOver.h"
 #include "Report.h"
+#include "RunningScript.h"
 #include "ScriptRunner.h"
 #include "Services/Clock.h"
+#include "SessionLog.h"
 #include "Signals.h"
 #include "Terminal.h"
 #include "Text/Abort.h"
@@ -36,17 +40,45 @@ static void OccupyStandardStreams()
     close(file);
 }
 
+/// What stands before a line of the error log: the time and the place.
+static WString MakeErrorLogPrefix()
+{
+    const CommandRun* const run = CommandRunner::GetRunning();
+    const WString command = run ? run->outcome.command + L": " : WString();
+    return FormatDateAndTime() + L" " + GetRunningPlace() + command;
+}
+
 static void Start(const Arguments& arguments)
 {
     const std::string shellFolder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
     if (arguments.dataFolder.empty())
         throw HostException(HostError::FileError, L"no data folder: give --data, or set LABSH_HOME or HOME");
     System::Start(arguments.dataFolder, shellFolder + "/Profile");
+    System::errorLog.SetPrefix(MakeErrorLogPrefix);
     AddBuiltIns();
     PluginLoader::Load(shellFolder + "/ExpressionEvaluator.dll");
     for (const std::string& plugin : arguments.plugins)
         PluginLoader::Load(plugin);
 }
+
+/// What a run is watched by, as its options ask for.
+struct Watchers
+{
+    explicit Watchers(const Arguments& arguments) : passedOver(arguments.isStrict)
+    {
+        if (arguments.sessionLog)
+            log.emplace(*arguments.sessionLog);
+        if (arguments.assertReport)
+            asserts.emplace(WString::FromUtf8(*arguments.assertReport));
+        if (arguments.traces)
+            trace.emplace();
+    }
+
+    std::optional<SessionLog> log;
+    std::optional<AssertReport> asserts;
+    std::optional<Trace> trace;
+    PassedOver passedOver;
+};
 
 struct Ending
 {
@@ -71,8 +103,10 @@ static void AddHint(const Arguments& arguments, CommandRunner::Outcome& outcome)
 
 /// Runs the commands of a source and reports each failure; `goesOn` says whether the source is read on after one.
 static Ending RunCommands(const Arguments& arguments, LineSource& source, const std::string& name,
-    const std::function<bool(const ExitCode&)>& goesOn)
+    const std::function<bool(const ScriptFailure&)>& goesOn)
 {
+    RecordedLines lines(source);
+    RecordedOutput output(StandardOutput::Get());
     Environment environment;
     for (const Variable& variable : arguments.variables)
         environment.SetString(WString::FromUtf8(variable.name), WString::FromUtf8(variable.value));
@@ -86,9 +120,9 @@ static Ending RunCommands(const Arguments& arguments, LineSource& source, const 
         if (!IsHostError(outcome.code, HostError::Aborted) || IsAbortToBeReported())
             ReportFailure(sourceName, failure);
         ending.succeeded = false;
-        return goesOn(outcome.code);
+        return goesOn(failure);
     };
-    ending.isReadToEnd = RunScript(source, sourceName, StandardOutput::Get(), environment, reportFailure);
+    ending.isReadToEnd = RunScript(lines, sourceName, output, environment, reportFailure);
     return ending;
 }
 
@@ -96,29 +130,33 @@ static Ending RunCommands(const Arguments& arguments, LineSource& source, const 
 static bool RunTerminal(const Arguments& arguments)
 {
     Terminal terminal(System::GetDataFolder() + "/history");
-    RunCommands(arguments, terminal, "", [](const ExitCode&) { return true; });
+    RunCommands(arguments, terminal, "", [](const ScriptFailure&) { return true; });
     return true;
 }
 
-static bool RunScriptFile(const Arguments& arguments, LineSource& source, const std::string& name)
+static bool RunScriptFile(
+    const Arguments& arguments, LineSource& source, const std::string& name, AssertReport* asserts)
 {
-    const Ending ending = RunCommands(arguments, source, name,
-        [&](const ExitCode& code) { return arguments.keepsGoing && !IsHostError(code, HostError::Aborted); });
+    const Ending ending = RunCommands(arguments, source, name, [&](const ScriptFailure& failure) {
+        if (asserts)
+            asserts->AddFailure(WString::FromUtf8(name), failure);
+        return arguments.keepsGoing && !IsHostError(failure.outcome.code, HostError::Aborted);
+    });
     if (ending.isReadToEnd)
         DelayedStatus::Finish();
     return ending.succeeded;
 }
 
-static bool Run(const Arguments& arguments)
+static bool Run(const Arguments& arguments, AssertReport* asserts)
 {
     if (arguments.line) {
         OneLine line(*arguments.line);
-        return RunScriptFile(arguments, line, "");
+        return RunScriptFile(arguments, line, "", asserts);
     }
     if (!arguments.script && isatty(STDIN_FILENO))
         return RunTerminal(arguments);
     FileLines script = arguments.script ? FileLines(*arguments.script) : FileLines(STDIN_FILENO, "stdin");
-    return RunScriptFile(arguments, script, arguments.script.value_or("stdin"));
+    return RunScriptFile(arguments, script, arguments.script.value_or("stdin"), asserts);
 }
 
 static void CountOnTime(unsigned int start)
@@ -151,13 +189,17 @@ try {
 }
 
 /// What is to be done however the commands have ended.
-static bool FinishRun(unsigned int start)
+static bool FinishRun(unsigned int start, Watchers& watchers)
 {
     CountOnTime(start);
     System::usage.WriteCounts(); // now, since a signal ends the process without destructors
     if (Signals::GetPending() != 0)
         DelayedStatus::FinishAtOnce();
+    if (watchers.asserts)
+        watchers.asserts->Finish();
     CheckOutput();
+    if (watchers.log)
+        watchers.log->Check();
     return true;
 }
 
@@ -165,15 +207,12 @@ static bool FinishRun(unsigned int start)
 static int RunShell(const Arguments& arguments)
 {
     const unsigned int start = GetTickCount();
-    if (!TryTo([&] { return Start(arguments), true; }))
+    std::optional<Watchers> watchers;
+    if (!TryTo([&] { return watchers.emplace(arguments), Start(arguments), true; }))
         return 1;
-    std::optional<Trace> trace;
-    if (arguments.traces)
-        trace.emplace();
-    const PassedOver passedOver(arguments.isStrict);
-    const bool succeeded = TryTo([&] { return Run(arguments); });
+    const bool succeeded = TryTo([&] { return Run(arguments, watchers->asserts ? &*watchers->asserts : nullptr); });
     Abort::Clear(); // it has ended the run, and not what is to be done behind it
-    if (!TryTo([&] { return FinishRun(start); }))
+    if (!TryTo([&] { return FinishRun(start, *watchers); }))
         return 1;
     return GetExitStatus().value_or(succeeded ? 0 : 1);
 }

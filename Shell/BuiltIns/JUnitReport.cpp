@@ -1,9 +1,10 @@
 #include "BuiltIns/JUnitReport.h"
 
-#include "Services/File.h"
+static constexpr const char* kinds_lc[] = {"failure", "error", "skipped"};
 
-/// The text as it stands in an attribute; characters that XML cannot hold become question marks.
-static std::string Escape(const WString& text)
+/// The text as it stands in an attribute, or in an element, where a line feed may remain. Characters that XML cannot
+/// hold become question marks.
+static std::string Escape(const WString& text, const wchar_t* lineFeed = L"&#10;")
 {
     WString result;
     for (const wchar_t ch : text) {
@@ -13,7 +14,7 @@ static std::string Escape(const WString& text)
         case L'&': result += L"&amp;"; break;
         case L'"': result += L"&quot;"; break;
         case L'\t': result += L"&#9;"; break; // as such, blank space would be read as a blank
-        case L'\n': result += L"&#10;"; break;
+        case L'\n': result += lineFeed; break;
         case L'\r': result += L"&#13;"; break;
         case L'\uFFFE':
         case L'\uFFFF': result += L'?'; break;
@@ -23,20 +24,43 @@ static std::string Escape(const WString& text)
     return result.ToUtf8();
 }
 
-void JUnitReport::Add(const AutomaticTestEntry& test, const std::vector<WString>& failures)
+static std::string FormatAttribute(const char* name, const WString& value)
 {
-    ++testCount;
-    failureCount += !failures.empty();
-    cases += "  <testcase classname=\"" + Escape(test.name) + "\" name=\"" + Escape(test.title) + "\">\n";
-    for (const WString& failure : failures)
-        cases += "    <failure message=\"" + Escape(failure) + "\"/>\n";
+    return std::string(" ") + name + "=\"" + Escape(value) + "\"";
+}
+
+static std::string FormatProblem(const std::string& kind, const JUnitCase::Problem& problem)
+{
+    std::string text = "    <" + kind;
+    if (!problem.code.IsEmpty())
+        text += FormatAttribute("type", problem.code);
+    text += FormatAttribute("message", problem.message);
+    if (problem.details.IsEmpty())
+        return text + "/>\n";
+    return text + ">" + Escape(problem.details, L"\n") + "</" + kind + ">\n";
+}
+
+void JUnitReport::Add(const JUnitCase& test)
+{
+    ++caseCount;
+    if (!test.problems.empty())
+        ++counts[test.kind];
+    cases += "  <testcase" + FormatAttribute("classname", test.group) + FormatAttribute("name", test.name);
+    if (!test.file.IsEmpty())
+        cases += FormatAttribute("file", test.file) + FormatAttribute("line", WString::Format(L"%u", test.line));
+    if (test.seconds)
+        cases += FormatAttribute("time", WString::Format(L"%.3f", *test.seconds));
+    cases += ">\n";
+    for (const JUnitCase::Problem& problem : test.problems)
+        cases += FormatProblem(kinds_lc[test.kind], problem);
     cases += "  </testcase>\n";
 }
 
-void JUnitReport::Write(const WString& file) const
+void JUnitReport::Write(File& file) const
 {
-    const std::string text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuite name=\"labsh\" tests=\"" +
-        std::to_string(testCount) + "\" failures=\"" + std::to_string(failureCount) + "\">\n" + cases +
-        "</testsuite>\n";
-    File(file, FileOpenMode::Create, FileAccessMode::Write).Write(text.data(), text.size());
+    std::string text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuite name=\"labsh\" tests=\"" +
+        std::to_string(caseCount) + "\" failures=\"" + std::to_string(counts[JUnitCase::Failure]) + "\" errors=\"" +
+        std::to_string(counts[JUnitCase::Error]) + "\" skipped=\"" + std::to_string(counts[JUnitCase::Skipped]) +
+        "\">\n" + cases + "</testsuite>\n";
+    file.Write(text.data(), text.size());
 }

@@ -45,6 +45,16 @@ TestCommand RunTest(const AutomaticTestEntry& entry)
     return test;
 }
 
+void AddTo(JUnitReport& report, const AutomaticTestEntry& entry, const TestCommand& test)
+{
+    JUnitCase result;
+    result.group = entry.name;
+    result.name = entry.title;
+    for (const WString& failure : test.GetFailures())
+        result.problems.push_back({failure, {}, {}});
+    report.Add(result);
+}
+
 ExitCode Test::Main(ArgumentList& arguments, Options& options)
 {
     WString reportFile;
@@ -60,12 +70,14 @@ ExitCode Test::Main(ArgumentList& arguments, Options& options)
             continue;
         const TestCommand test = RunTest(entry);
         Show(entry, test);
-        report.Add(entry, test.GetFailures());
+        AddTo(report, entry, test);
         ++testCount;
         failureCount += !test.GetFailures().empty();
     }
-    if (writesReport)
-        report.Write(reportFile);
+    if (writesReport) {
+        File file(reportFile, FileOpenMode::Create, FileAccessMode::Write);
+        report.Write(file);
+    }
     if (testCount == 0)
         Fail(notFound, L"There is no test " + pattern);
     if (failureCount > 0)

@@ -7,11 +7,13 @@
 //     # options: -k
 //
 // All lines of standard output and of standard error must be named, each kind in its order; one blank behind the colon
-// is no part of the line. The exit status is 0 and the options of labsh are none unless given. A script runs in a new
-// folder, with a data folder of its own, among copies of the other scripts and of their parts in Tests/Scripts/Parts.
+// is no part of the line. Of times the form counts alone. The exit status is 0 and the options of labsh are none unless
+// given. A script runs in a new folder, with a data folder of its own, among copies of the other scripts and of their
+// parts in Tests/Scripts/Parts.
 
 #include "Shell/Labsh.h"
 #include "Support/TestFiles.h"
+#include "Support/Times.h"
 
 #include <gtest/gtest.h>
 
@@ -69,7 +71,7 @@ TEST_P(ScriptTest, GivesWhatItSays)
     Labsh labsh;
     fs::copy(GetParam().parent_path(), labsh.folder.GetPath(), fs::copy_options::recursive);
     EXPECT_EQ(std::to_string(labsh.Run(arguments)), expected.status);
-    EXPECT_EQ(labsh.GetOutput(), expected.output);
+    EXPECT_EQ(HideTimes(labsh.GetOutput()), HideTimes(expected.output));
     EXPECT_EQ(labsh.GetErrors(), expected.errors);
 }
 

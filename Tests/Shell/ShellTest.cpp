@@ -1,5 +1,6 @@
 #include "Services/FileDescriptor.h"
 #include "Shell/Labsh.h"
+#include "Support/Times.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -108,6 +109,9 @@ TEST(ShellTest, OutputThatCannotBeWrittenIsAnError)
     EXPECT_EQ(
         labsh.GetErrors(), "labsh: 0:1:10 File error: standard output cannot be written: No space left on device\n");
     EXPECT_FALSE(std::filesystem::exists(labsh.folder.Path("behind")));
+    for (const char* option : {"--log", "--junit"})
+        EXPECT_THAT(RunLabsh({option, "/dev/full", "Assert 1=1"}),
+            testing::EndsWith("labsh: 0:1:10 File error: /dev/full: No space left on device\nexit 1"));
 }
 
 TEST(ShellTest, OutputIsLive)
@@ -185,6 +189,43 @@ input:4:   x deleted
 )");
 }
 
+TEST(ShellTest, AssertsAreReported)
+{
+    Labsh labsh;
+    labsh.folder.Write("inner", "Set t=\"]]>\x01\uFFFF\"\nAssert t=\"<&\"");
+    labsh.folder.Write("out.xml", "an old one");
+    EXPECT_THAT(labsh.Describe(labsh.Run({"-k", "--junit", "out.xml"},
+                    "Run inner\nWhile -c2 1=1 DO If 1=1 THEN Assert i=4\nWhile -er* -c1 1=1 DO Assert i=5\n"
+                    "AssertFail 9015:* Assert i=6\nAssertFail * Assert i=1\nNope <\n")),
+        testing::EndsWith("6 asserts, 1 passed, 1 tolerated, 4 failed: lines inner:2, 2, 5\nexit 1"));
+    EXPECT_EQ(HideTimes(labsh.folder.Read("out.xml")), R"(<?xml version="1.0" encoding="UTF-8"?>
+<testsuite name="labsh" tests="7" failures="4" errors="1" skipped="1">
+  <testcase classname="inner" name="Assert t=&quot;&lt;&amp;&quot;" file="inner" line="2" TIME>
+    <failure type="9015:0:13" message="Assertion &quot;t=&quot;&lt;&amp;&quot;&quot; failed!">Environment:t=]]&gt;??</failure>
+  </testcase>
+  <testcase classname="stdin" name="Assert i=4" file="stdin" line="2" TIME>
+    <failure type="9015:0:13" message="Assertion &quot;i=4&quot; failed!">Environment:i=1</failure>
+  </testcase>
+  <testcase classname="stdin" name="Assert i=4" file="stdin" line="2" TIME>
+    <failure type="9015:0:13" message="Assertion &quot;i=4&quot; failed!">Environment:i=2</failure>
+  </testcase>
+  <testcase classname="stdin" name="Assert i=5" file="stdin" line="3" TIME>
+    <skipped type="9015:0:13" message="Assertion &quot;i=5&quot; failed!">Environment:i=1</skipped>
+  </testcase>
+  <testcase classname="stdin" name="AssertFail 9015:* Assert i=6" file="stdin" line="4" TIME>
+  </testcase>
+  <testcase classname="stdin" name="AssertFail * Assert i=1" file="stdin" line="5" TIME>
+    <failure type="2001:0:6" message="The command succeeded">Environment:i=1</failure>
+  </testcase>
+  <testcase classname="stdin" name="Nope" file="stdin" line="6">
+    <error type="0:1:2" message="Unknown command: Nope"/>
+  </testcase>
+</testsuite>
+)");
+    EXPECT_EQ(labsh.Run({"--junit", "out.xml", "Echo"}), 0);
+    EXPECT_EQ(labsh.GetErrors(), "0 asserts, 0 passed, 0 failed\n");
+}
+
 TEST(ShellTest, SeveralPlugins)
 {
     Labsh labsh;
@@ -205,7 +246,7 @@ TEST(ShellTest, SeveralPlugins)
         "Test: 2011:0:6 1 of 1 tests failed\nexit 1");
     EXPECT_THAT(labsh.folder.Read("data/ErrorLog.txt"), testing::Not(testing::HasSubstr("1=2")));
     EXPECT_EQ(labsh.folder.Read("the report.xml"), R"(<?xml version="1.0" encoding="UTF-8"?>
-<testsuite name="labsh" tests="1" failures="1">
+<testsuite name="labsh" tests="1" failures="1" errors="0" skipped="0">
   <testcase classname="Second" name="Second plug-in">
     <failure message="second: expected &quot;&lt;&amp;&gt;&quot;, got &quot;&quot;?&quot;&quot;"/>
     <failure message="%s: expected 0.5, got 0.25"/>

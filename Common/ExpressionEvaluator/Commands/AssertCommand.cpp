@@ -68,7 +68,7 @@ ExitCode AssertCommand::Main(ArgumentList& arguments, Options& options)
         bool holds = false;
         if (!evaluator.TryEvaluateBool(expression, holds))
             return FailEvaluation(TakeError(evaluator, expression, logFailure), quiet, logFailure);
-        CommandRunner::NoteCondition(expression, holds);
+        CommandRunner::NoteCondition(expression, holds, evaluator.GetVariableTrace());
         if (holds)
             return ExitCode(0);
         if (retryCount == 0)

@@ -28,7 +28,7 @@ public:
     NestingLevel& operator=(const NestingLevel&) = delete;
 };
 
-thread_local const CommandRun* innermost_lc = nullptr; // of those that are observed
+thread_local const CommandRun* innermost_lc = nullptr;
 
 template <typename... Parameters, typename... Arguments>
 void TellObservers(void (RunObserver::*event)(Parameters...) noexcept, const Arguments&... arguments) noexcept
@@ -145,10 +145,15 @@ CommandRunner::Outcome CommandRunner::Run(
     return outcome;
 }
 
-void CommandRunner::NoteCondition(const WString& condition, bool holds) noexcept
+const CommandRun* CommandRunner::GetRunning() noexcept
+{
+    return innermost_lc;
+}
+
+void CommandRunner::NoteCondition(const WString& condition, bool holds, const WString& variableTrace) noexcept
 {
     if (innermost_lc)
-        TellObservers(&RunObserver::OnCondition, *innermost_lc, condition, holds);
+        TellObservers(&RunObserver::OnCondition, *innermost_lc, condition, holds, variableTrace);
 }
 
 bool CommandRunner::EndsCallers(const ExitCode& code) noexcept

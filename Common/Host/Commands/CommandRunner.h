@@ -6,6 +6,8 @@
 
 #include <memory>
 
+struct CommandRun;
+
 /// Runs command lines. Threads may do so at once, each with an output of its own; the nesting is counted for each
 /// thread.
 class HOST_API CommandRunner
@@ -30,8 +32,12 @@ public:
     static Outcome Run(
         const WString& line, Pipe& output, const Environment& environment, unsigned int runFlags) noexcept;
 
-    /// For a command that evaluates conditions: tells the observers of this thread how one came out.
-    static void NoteCondition(const WString& condition, bool holds) noexcept;
+    /// The innermost command line that this thread is running; null when there is none.
+    static const CommandRun* GetRunning() noexcept;
+
+    /// For a command that evaluates conditions: tells the observers of this thread how one came out, and, where
+    /// that is known, what it has read, a line each.
+    static void NoteCondition(const WString& condition, bool holds, const WString& variableTrace = {}) noexcept;
 
     /// True for a failure that ends the commands that ran this one as well: an abort, a request to exit, and too deep a
     /// nesting.

@@ -17,7 +17,7 @@ RunObserver::~RunObserver()
 
 void RunObserver::OnReplaced(const CommandRun&, const WString&) noexcept {}
 
-void RunObserver::OnCondition(const CommandRun&, const WString&, bool) noexcept {}
+void RunObserver::OnCondition(const CommandRun&, const WString&, bool, const WString&) noexcept {}
 
 RunObserver* RunObserver::GetFirst() noexcept
 {

@@ -27,8 +27,9 @@ public:
     virtual void OnBegin(const CommandRun&) noexcept {}
     /// References of the command line were replaced by their values: `rest` is what follows the name now.
     virtual void OnReplaced(const CommandRun&, const WString& rest) noexcept;
-    /// A condition of the command has been evaluated.
-    virtual void OnCondition(const CommandRun&, const WString& condition, bool holds) noexcept;
+    /// A condition of the command has been evaluated; what it has read, a line each, is known of an Assert alone.
+    virtual void OnCondition(
+        const CommandRun&, const WString& condition, bool holds, const WString& variableTrace) noexcept;
     virtual void OnEnd(const CommandRun&) noexcept {}
 
     /// The observers of this thread, linked by GetNext; null when there is none.

@@ -94,7 +94,7 @@ void LogFile::DoWriteLine(const WString& line)
     const std::string path = GetPath();
     if (path.empty())
         return;
-    std::string text = line.ToUtf8() + "\n";
+    std::string text = (prefix ? prefix() + line : line).ToUtf8() + "\n";
     constexpr int flags = O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
     for (;;) {
         // The file lock ends with the descriptor. It orders threads as well, as each opens the file for itself.

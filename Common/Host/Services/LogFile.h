@@ -23,7 +23,7 @@ public:
     bool IsEnabled() const noexcept { return enabled.load(std::memory_order_relaxed); }
     void SetEnabled(bool value) noexcept { enabled.store(value, std::memory_order_relaxed); }
 
-    /// Appends one line, as it stands; nothing when the log is disabled.
+    /// Appends one line, as it stands behind the log's prefix; nothing when the log is disabled.
     void DoWriteLine(const WString& line);
     /// Appends one line made by WString::Format. Text from users goes into the arguments, never into the format.
     template <typename... Arguments>
@@ -32,6 +32,9 @@ public:
         if (IsEnabled())
             DoWriteLine(WString::Format(format, arguments...));
     }
+
+    /// Makes what stands before each line from now on. Called before other threads write to the log.
+    void SetPrefix(WString (*makePrefix)()) noexcept { prefix = makePrefix; }
 
     /// The file's path; empty while the logs have no folder.
     std::string GetPath() const;
@@ -48,5 +51,6 @@ private:
     const WString firstText;
     const WString name;
     const unsigned int sizeLimit;
+    WString (*prefix)() = nullptr;
     std::atomic<bool> enabled{false};
 };
