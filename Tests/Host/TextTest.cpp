@@ -192,7 +192,13 @@ TEST(SimilarName, FindsWhatWasMeant)
         {L"FrontDoorOpn", L"FrontDoorOpen"},
         {L"FrontDorrOepn", L"FrontDoorOpen"},
         {L"St", L"Set"},
+        {L"fi", L"If"},
         {L"S", L""},
+        {L"Se", L"Set"},
+        {L"Sx", L""},
+        {L"Let", L""},
+        {L"Sets", L"Set"},
+        {L"i1", L""},
         {L"Nope", L""},
         {L"Ruond2", L"Round"},
         {L"kaka", L""},
@@ -200,7 +206,7 @@ TEST(SimilarName, FindsWhatWasMeant)
     };
     for (const auto& test : cases) {
         SimilarName similar(test.typed);
-        for (const wchar_t* name : {L"Calc", L"Set", L"Round", L"Rows", L"target", L"FrontDoorOpen"})
+        for (const wchar_t* name : {L"Calc", L"Set", L"If", L"i", L"Round", L"Rows", L"target", L"FrontDoorOpen"})
             similar.Offer(name);
         EXPECT_EQ(similar.Get(), test.meant) << Utf8(test.typed);
     }

@@ -16,6 +16,18 @@ std::size_t GetLimit(std::size_t length)
     return std::min<std::size_t>((length + 2) / 4, 3);
 }
 
+/// Of few letters all but a few make another name: of up to three the first is to be right, of two none may be wrong or
+/// too many. Two that have changed places are.
+bool AreAlikeEnough(std::wstring_view typed, std::wstring_view name)
+{
+    constexpr std::size_t fewLetters = 3;
+    if (typed.size() > fewLetters || typed.size() < 2 || name.size() < 2)
+        return typed.size() > fewLetters;
+    const auto isSame = [&](std::size_t l, std::size_t r) { return ToLower(typed[l]) == ToLower(name[r]); };
+    const bool areSwapped = isSame(0, 1) && isSame(1, 0);
+    return areSwapped || (isSame(0, 0) && (typed.size() == fewLetters || name.size() > typed.size()));
+}
+
 /// The mistakes that make one text of the other, a row of the table for each letter of the left one.
 unsigned int CountMistakes(std::wstring_view left, std::wstring_view right)
 {
@@ -43,11 +55,23 @@ unsigned int CountMistakes(std::wstring_view left, std::wstring_view right)
 
 void SimilarName::Offer(const WString& name)
 {
-    if (typed.Length() > longestName || name.Length() > longestName)
+    const bool areLong = typed.Length() > longestName || name.Length() > longestName;
+    if (areLong || !AreAlikeEnough(typed.View(), name.View()))
         return;
     const unsigned int mistakes = CountMistakes(typed.View(), name.View());
     if (mistakes >= distance || mistakes > GetLimit(typed.Length()))
         return;
     distance = mistakes;
     nearest = name;
+}
+
+void SimilarName::Offer(const WStringArray& names)
+{
+    for (const WString& name : names)
+        Offer(name);
+}
+
+WString DidYouMean(const WString& meant)
+{
+    return meant.IsEmpty() ? meant : L" (did you mean " + meant + L"?)";
 }
