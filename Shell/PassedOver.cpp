@@ -1,5 +1,6 @@
 #include "PassedOver.h"
 
+#include "LineNotes.h"
 #include "Report.h"
 #include "RunningScript.h"
 
@@ -35,16 +36,19 @@ bool PassedOver::IsPendingIn(const CommandRun* caller) const noexcept
 
 void PassedOver::Report(const WString& callerName)
 {
-    const Pending failure = std::move(pending.back());
+    Pending failure = std::move(pending.back());
     pending.pop_back();
-    const auto& [code, name, message, returnString] = failure.outcome;
+    auto& [code, name, message, returnString, notes] = failure.outcome;
     const WString what = L"went on after \"" + failure.line + L"\"";
     const WString warning = GetRunningPlace() + L"warning: " + callerName + L" " + what + L": ";
     if (!warnings.insert(warning).second)
         return;
+    AddLineNotes(failure.line, notes);
     RunningScript* const script = RunningScript::GetInnermost();
-    if (isFailure && script && !script->innerFailure)
-        script->innerFailure = {code, callerName, what + (message.IsEmpty() ? L"" : L": ") + message, {}};
-    else
+    if (isFailure && script && !script->innerFailure) {
+        script->innerFailure = {code, callerName, what + (message.IsEmpty() ? L"" : L": ") + message, {}, notes};
+    } else {
         WriteReport(warning, code, message);
+        WriteNotes(GetRunningPlace(), notes);
+    }
 }

@@ -1,8 +1,10 @@
 #include "Report.h"
 
 #include "Commands/StandardOutput.h"
+#include "RunningScript.h"
 #include "SessionLog.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <new>
 #include <string_view>
@@ -18,6 +20,23 @@ static WString AsOneLine(const WString& text)
     return line;
 }
 
+/// The message without what the command has shown at the terminal that the report goes to: "Failed: Calc 1/0" of
+/// "Failed: Calc 1/0: Divide by zero", nothing of "Divide by zero".
+static WString LeaveOutShown(const WString& message)
+{
+    if (isatty(STDERR_FILENO) != 1)
+        return message;
+    const std::wstring_view text = message.View();
+    const std::size_t question = std::min(text.rfind(L" (did you mean "), text.size()); // which is never shown before
+    for (std::size_t start = 0; start < question;) {
+        if (StandardOutput::Get().HasShown(text.substr(start, question - start)))
+            return WString(text.substr(0, start > 2 ? start - 2 : 0)) + WString(text.substr(question));
+        const std::size_t colon = text.find(L": ", start);
+        start = colon == text.npos ? question : colon + 2;
+    }
+    return message;
+}
+
 void WriteErrorLine(const WString& text)
 {
     const WString line = AsOneLine(text);
@@ -29,12 +48,20 @@ void WriteErrorLine(const WString& text)
 
 void WriteReport(const WString& place, const ExitCode& code, const WString& message)
 {
-    WriteErrorLine(place + code.ToString() + (message.IsEmpty() ? L"" : L" ") + message);
+    const WString rest = LeaveOutShown(message).Trim();
+    WriteErrorLine(place + code.ToString() + (rest.IsEmpty() ? L"" : L" ") + rest);
+}
+
+void WriteNotes(const WString& place, const WStringArray& notes)
+{
+    for (const WString& note : notes)
+        WriteErrorLine(place + L"note: " + note);
 }
 
 void ReportFailure(const WString& scriptName, const ScriptFailure& failure)
 try {
     WriteReport(FormatFailurePlace(scriptName, failure), failure.outcome.code, failure.outcome.message);
+    WriteNotes(FormatPlace(scriptName, failure.line), failure.outcome.notes);
 } catch (const std::bad_alloc&) {
     ReportShortage();
 }

@@ -5,11 +5,14 @@
 
 /// Writes a line on standard error, without control characters and behind what was written on standard output.
 void WriteErrorLine(const WString& text);
-/// The place, the code's text and, where known, the message, as such a line.
+/// The place, the code's text and, where known, the message, as such a line. At a terminal the message leaves out what
+/// has just been shown there.
 void WriteReport(const WString& place, const ExitCode& code, const WString& message);
+/// A line for each note of a command, which `place` names the line of as FormatPlace does.
+void WriteNotes(const WString& place, const WStringArray& notes);
 
-/// Writes one line on standard error: the command's place, the code's text and, where known, the message. Without the
-/// memory for that it writes the line of ReportShortage.
+/// Writes the command's place, the code's text and, where known, the message on standard error as one line, and behind
+/// it the notes. Without the memory for that it writes the line of ReportShortage.
 void ReportFailure(const WString& scriptName, const ScriptFailure& failure);
 /// The same for a failure of the shell itself.
 void ReportFailure(const HostException& failure);

@@ -1,6 +1,8 @@
 #include "ScriptRunner.h"
 
+#include "Commands/StandardOutput.h"
 #include "Instrument/System.h"
+#include "LineNotes.h"
 #include "RunningScript.h"
 #include "Text/HostError.h"
 
@@ -95,6 +97,12 @@ void AddHint(CommandRunner::Outcome& outcome, const WString& name, const Command
             L"a blank stands behind the final backslash, so the line is not continued";
 }
 
+void AddNotes(const std::string& command, WStringArray& notes)
+try {
+    AddLineNotes(WString::FromUtf8(command), notes);
+} catch (const std::bad_alloc&) { // the failure is told without
+}
+
 void CountCommand(const WString& name)
 try {
     if (CommandRegistry::FindOrNull(name))
@@ -112,6 +120,7 @@ bool RunScript(LineSource& source, const WString& name, Pipe& output, const Envi
     while (reader.TryRead(command)) {
         script.line = reader.GetLine();
         script.innerFailure.reset();
+        StandardOutput::Get().ForgetShown();
         ScriptFailure run = {RunCommand(command, output, environment), script.line};
         if (!run.outcome.code.IsError() && script.innerFailure)
             run.outcome = *std::move(script.innerFailure);
@@ -119,6 +128,7 @@ bool RunScript(LineSource& source, const WString& name, Pipe& output, const Envi
         if (!run.outcome.code.IsError())
             continue;
         AddHint(run.outcome, name, reader);
+        AddNotes(command, run.outcome.notes);
         if (!goesOn(run))
             return false;
     }

@@ -9,6 +9,7 @@
 #include "Instrument/System.h"
 #include "LocalTime.h"
 #include "PassedOver.h"
+#include "PromptNotes.h"
 #include "Report.h"
 #include "RunningScript.h"
 #include "ScriptRunner.h"
@@ -130,6 +131,7 @@ static Ending RunCommands(const Arguments& arguments, LineSource& source, const 
 static bool RunTerminal(const Arguments& arguments)
 {
     Terminal terminal(System::GetDataFolder() + "/history");
+    const PromptNotes promptNotes;
     RunCommands(arguments, terminal, "", [](const ScriptFailure&) { return true; });
     return true;
 }

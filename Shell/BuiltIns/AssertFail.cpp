@@ -32,9 +32,12 @@ ExitCode AssertFail::Main(ArgumentList& arguments, Options& options)
     const ExitCode code = CommandBase::Run(command, GetPipe(), runFlags);
     if (!code.IsError())
         Fail(failed, L"The command succeeded");
-    if (!code.ToString().IsWildcardMatch(expected.ToCString(), true))
-        Fail(failed, L"The command failed with " + code.ToString());
-    return ExitCode(0);
+    if (code.ToString().IsWildcardMatch(expected.ToCString(), true))
+        return ExitCode(0);
+    for (const WString& note : GetRunNotes())
+        AddNote(note);
+    Fail(failed,
+        L"The command failed with " + code.ToString() + (GetRunMessage().IsEmpty() ? L"" : L" ") + GetRunMessage());
 }
 } // namespace
 

@@ -41,7 +41,7 @@ ExitCode Event::Main(ArgumentList& arguments, Options& options)
         return ItemCommand::Main(arguments, options);
     Accept(arguments, options, 1, 1);
     if (!OS9EventManager::TryDelete(arguments.At(0)))
-        Fail(notFound, L"There is no " + arguments.At(0));
+        FailAsAbsent(arguments.At(0));
     return ExitCode(0);
 }
 

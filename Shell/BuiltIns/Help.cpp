@@ -3,6 +3,7 @@
 #include "Commands/EmbeddedResource.h"
 #include "Commands/PluginLoader.h"
 #include "Text/CharacterCase.h"
+#include "Text/SimilarName.h"
 
 namespace {
 constexpr UsageLine usage_lc[] = {
@@ -21,14 +22,35 @@ private:
     void ListCommands();
     bool TryDescribeFunction(EmbeddedResource& texts, const WString& name);
     bool TryDescribeFunction(const WString& name);
+    [[noreturn]] void FailAsUnknown(const WString& topic);
 };
+
+bool IsEntryStart(const WString& line)
+{
+    return !line.IsEmpty() && !IsWhiteSpace(line[0]);
+}
+
+/// The call forms of the first line of an entry, in front of what they do.
+std::wstring_view GetForms(const WString& line)
+{
+    return line.View().substr(0, line.View().find(L" - "));
+}
+
+/// Offers the names that stand in front of a "(".
+void OfferFunctions(std::wstring_view forms, SimilarName& similar)
+{
+    for (std::size_t end = forms.find(L'('); end != forms.npos; end = forms.find(L'(', end + 1)) {
+        const std::wstring_view before = forms.substr(0, end);
+        similar.Offer(WString(before.substr(before.rfind(L' ') + 1)));
+    }
+}
 
 /// True for the first line of an entry that has a call form of this name, as in "Avg(n1, ...) or Average(...) - ...".
 bool BeginsEntryOf(const WString& line, const WString& name)
 {
-    if (line.IsEmpty() || IsWhiteSpace(line[0]))
+    if (!IsEntryStart(line))
         return false;
-    const WString forms = (L" " + line.Left(static_cast<unsigned int>(line.View().find(L" - ")))).ToLowerCase();
+    const WString forms = (L" " + WString(GetForms(line))).ToLowerCase();
     return forms.IndexOf(L" " + name.ToLowerCase() + L"(") >= 0;
 }
 
@@ -44,7 +66,7 @@ ExitCode Help::Main(ArgumentList& arguments, Options& options)
     if (command)
         CommandRunner::ShowUsage(*command, GetPipe());
     if (!TryDescribeFunction(topic) && !command)
-        Fail(notFound, L"There is no command or function " + topic);
+        FailAsUnknown(topic);
     return ExitCode(0);
 }
 
@@ -81,14 +103,29 @@ bool Help::TryDescribeFunction(EmbeddedResource& texts, const WString& name)
     bool found = false;
     while (!texts.EndOfFile()) {
         const WString line = texts.ReadLine();
-        const bool isEntryStart = !line.IsEmpty() && !IsWhiteSpace(line[0]);
-        if (found && isEntryStart)
+        if (found && IsEntryStart(line))
             break;
         found = found || BeginsEntryOf(line, name);
         if (found)
             GetPipe().DoWriteLine(line);
     }
     return found;
+}
+
+void Help::FailAsUnknown(const WString& topic)
+{
+    SimilarName similar(topic);
+    for (const CommandRegistry::Entry& command : CommandRegistry::GetEntries())
+        similar.Offer(command.name);
+    for (const std::string& file : PluginLoader::GetFiles()) {
+        EmbeddedResource texts(file, L"FUNCTIONS.TXT");
+        while (!texts.EndOfFile()) {
+            const WString line = texts.ReadLine();
+            if (IsEntryStart(line))
+                OfferFunctions(GetForms(line), similar);
+        }
+    }
+    Fail(notFound, L"There is no command or function " + topic + similar.GetQuestion());
 }
 } // namespace
 

@@ -2,6 +2,7 @@
 
 #include "Commands/TableFormatter.h"
 #include "Text/NumberText.h"
+#include "Text/SimilarName.h"
 
 #include <limits>
 
@@ -31,8 +32,17 @@ void ItemCommand::Show(const WString& name)
 {
     WString value;
     if (!TryGet(name, value))
-        Fail(notFound, L"There is no " + name);
+        FailAsAbsent(name);
     GetPipe().DoWriteLine(name + L"=" + value);
+}
+
+void ItemCommand::FailAsAbsent(const WString& name)
+{
+    WStringArray names;
+    GetNames(names);
+    SimilarName similar(name);
+    similar.Offer(names);
+    Fail(notFound, L"There is no " + name + similar.GetQuestion());
 }
 
 void ItemCommand::List(const WString& pattern)

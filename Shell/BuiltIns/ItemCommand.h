@@ -19,6 +19,8 @@ protected:
 
     /// The value as a number; fails when it is no 32-bit whole one.
     int ReadInt32(const WString& value);
+    /// Fails since there is no such value; asks for the one that was meant.
+    [[noreturn]] void FailAsAbsent(const WString& name);
 
 private:
     void Show(const WString& name);

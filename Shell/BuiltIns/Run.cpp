@@ -44,6 +44,8 @@ ExitCode Run::Main(ArgumentList& arguments, Options& options)
         // What ends every script above would be placed by each of them.
         const bool endsCallers = CommandRunner::EndsCallers(result);
         SetFailureMessage((endsCallers ? WString() : FormatFailurePlace(file, failure)) + failure.outcome.message);
+        for (const WString& note : failure.outcome.notes)
+            AddNote(note);
         return false;
     });
     return result;

@@ -101,6 +101,34 @@ TEST(TerminalTest, OutputThatLeadsElsewhereIsARecord)
     EXPECT_EQ(folder.Read("output"), "Echo h\u00E9\u20ACllo\nh\u00E9\u20ACllo\nNope\nCalc 1+\\\n2\n3\n");
 }
 
+TEST(TerminalTest, TeachesOncePerLine)
+{
+    const struct
+    {
+        const char* line;
+        const char* shown; // below the line as typed
+    } cases[] = {
+        {"Calc Roud(3)",
+            "Error:\n  Unknown function: roud\n  Roud(3)\n  ^\nCalc: 1043:505:201 (did you mean Round?)\n"},
+        {"Calc -q 1/0", "Calc: 1043:505:133 Divide by zero\n"},
+        {"While 1=1 Do Calc 1/0", "Error:\n  Divide by zero\n  1/0\n    ^\nWhile: 1043:505:133 Failed: Calc 1/0\n"},
+        {"If 1=1 Then Assert 1=2", "Assertion \"1=2\" failed!\nwarning: If went on after \"Assert 1=2\": 9015:0:13\n"},
+        {"While i<3 Do If 0 Then Set x=i",
+            "note: a number counts as true when it is 0, and as false otherwise; compare it, as in 0<>0\n"},
+        {"Echo a # b",
+            "a # b\nnote: \"# b\" was read as part of the command; a comment stands on a line of its own, behind #\n"},
+    };
+    const TemporaryFolder folder;
+    Session session(folder.GetPath());
+    session.Type("Set i=1\r");
+    for (const auto& [line, shown] : cases) {
+        std::string text = session.Type(line + std::string("\r"));
+        std::erase(text, '\r');
+        text.erase(0, text.find('\n') + 1);
+        EXPECT_EQ(text, shown + std::string(Session::prompt)) << line;
+    }
+}
+
 TEST(TerminalTest, HistoryIsKept)
 {
     constexpr const char* up = "\x1b[A";

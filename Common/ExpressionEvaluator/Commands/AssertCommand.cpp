@@ -1,6 +1,5 @@
 #include "AssertCommand.h"
 
-#include "Commands/CommandRunner.h"
 #include "ExpressionEvaluator.h"
 #include "Instrument/System.h"
 
@@ -66,9 +65,8 @@ ExitCode AssertCommand::Main(ArgumentList& arguments, Options& options)
     for (int attempt = 0; attempt <= retryCount; ++attempt) {
         evaluator.ClearVariableTrace();
         bool holds = false;
-        if (!evaluator.TryEvaluateBool(expression, holds))
+        if (!TryEvaluateCondition(evaluator, expression, holds))
             return FailEvaluation(TakeError(evaluator, expression, logFailure), quiet, logFailure);
-        CommandRunner::NoteCondition(expression, holds, evaluator.GetVariableTrace());
         if (holds)
             return ExitCode(0);
         if (retryCount == 0)

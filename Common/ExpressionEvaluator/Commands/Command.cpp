@@ -1,15 +1,74 @@
 #include "Command.h"
 
 #include "Commands/CommandRunner.h"
+#include "EEMissingVariableException.h"
 #include "ExpressionEvaluator.h"
+#include "ExpressionEvaluatorException.h"
+#include "Hints.h"
 #include "Instrument/System.h"
+#include "Text/CharacterCase.h"
+
+#include <algorithm>
+#include <utility>
 
 const char* Command::GetSourceCodeTimestamp()
 {
     return "Fri Sep  8 16:51:25 2023";
 }
 
-void Command::OnExit(ExitCode&) {}
+void Command::OnStart(ArgumentList& arguments, Options& options)
+{
+    givenArguments = &arguments;
+    givenOptions = &options;
+}
+
+void Command::OnExit(ExitCode& exitCode)
+try {
+    if (exitCode.IsError() && givenOptions)
+        NoteExpressionReadAsOption(exitCode);
+} catch (...) { // the failure is told without
+}
+
+void Command::NoteExpressionReadAsOption(const ExitCode& exitCode)
+{
+    const bool isRefused = !givenOptions->GetRefusedOption().IsEmpty();
+    const WString option = isRefused ? givenOptions->GetRefusedOption() : givenOptions->GetUnusedOption();
+    const unsigned int number = exitCode.GetModule() == 0 ? exitCode.GetNumber() : 0;
+    if (option.IsEmpty() || (!isRefused && number != CommonExit::wrongCount && number != CommonExit::badOption))
+        return;
+    const bool isKnown = std::ranges::any_of(GetRecord()->options,
+        [&](const OptionRecord& row) { return EqualsIgnoreCase(option.Substring(1).View(), row.name); });
+    const WString rest = givenArguments->Count() == 0 ? WString() : givenArguments->At(0);
+    if (!isKnown && (Hints::IsCalculated(option) || (!isRefused && Hints::IsContinuation(rest))))
+        AddNote(WString::Format(
+            LR"("%s" was read as an option; write "--" before an expression that begins with "-")", option));
+}
+
+/// Finds out what may help with the error: leaves notes, and yields what is to stand behind the message.
+WString Command::Explain(const EvaluationError& error) noexcept
+try {
+    Hints::Explanation explanation = Hints::Explain(error, GetEnvironment());
+    for (const WString& note : explanation.notes)
+        AddNote(note);
+    NoteOptionBehind(error);
+    return explanation.question;
+} catch (...) { // the failure is told without
+    return WString();
+}
+
+/// An option at the end of an expression is a variable that is subtracted.
+void Command::NoteOptionBehind(const EvaluationError& error)
+{
+    if (error.code.GetModule() != evaluatorModule || error.code.GetNumber() != Errors::MissingVariable.number)
+        return;
+    const WString name = PruneVariableName(error.message);
+    const auto begins = [&](const OptionRecord& row) {
+        return row.kind == OptionKind::Flag ? EqualsIgnoreCase(name.View(), row.name) : name.StartsWith(row.name, true);
+    };
+    if (error.expression.EndsWith(L" -" + name, true) && std::ranges::any_of(GetRecord()->options, begins))
+        AddNote(WString::Format(
+            LR"("-%s" was read as part of the expression; write options in front: %s -%s ...)", name, GetName(), name));
+}
 
 EvaluationError Command::TakeError(const ExpressionEvaluator& evaluator, const WString& expression, bool logsReason)
 {
@@ -20,7 +79,7 @@ EvaluationError Command::TakeError(const ExpressionEvaluator& evaluator, const W
         throw error.code;
     WString reason;
     if (!evaluator.TryGetErrorReason(reason)) {
-        SetFailureMessage(error.message);
+        SetFailureMessage(error.message + Explain(error));
         return error;
     }
     SetFailureMessage(reason);
@@ -33,13 +92,27 @@ EvaluationError Command::TakeError(const ExpressionEvaluator& evaluator, const W
     return error;
 }
 
+bool Command::TryEvaluateCondition(ExpressionEvaluator& evaluator, const WString& condition, bool& result)
+{
+    EEToken value;
+    if (!evaluator.TryEvaluate(condition, value))
+        return false;
+    if (!value.TryCast(result)) {
+        evaluator.ErrMsg(ExpressionEvaluatorException(Errors::NoBool, 0));
+        return false;
+    }
+    if (value.GetDataType() == DT_NUM)
+        AddNote(
+            L"a number counts as true when it is 0, and as false otherwise; compare it, as in " + condition + L"<>0");
+    CommandRunner::NoteCondition(condition, result, evaluator.GetVariableTrace());
+    return true;
+}
+
 ExitCode Command::EvaluateCondition(const WString& condition, bool verbose, bool& result)
 {
     ExpressionEvaluator evaluator(this, 0);
-    if (evaluator.TryEvaluateBool(condition, result)) {
-        CommandRunner::NoteCondition(condition, result);
+    if (TryEvaluateCondition(evaluator, condition, result))
         return ExitCode(0);
-    }
     const EvaluationError error = TakeError(evaluator, condition);
     if (verbose) // If's prefix, which While is meant to write too
         WriteReport(System::errorLog, error, L"**IF Failure: ");

@@ -32,6 +32,8 @@ class Command : public RecordedCommand
 {
 public:
     const char* GetSourceCodeTimestamp() override;
+    void OnStart(ArgumentList& arguments, Options& options) override;
+    /// Helps with a failure that comes from an expression that begins like an option.
     void OnExit(ExitCode& exitCode) override;
 
 protected:
@@ -41,6 +43,8 @@ protected:
     /// else the reason of a host failure, which goes to the error log too unless the run, or `logsReason`, says
     /// otherwise. Throws what ends every command.
     EvaluationError TakeError(const ExpressionEvaluator& evaluator, const WString& expression, bool logsReason = true);
+    /// Evaluates a condition, and tells those who watch how it came out; false when it fails.
+    bool TryEvaluateCondition(ExpressionEvaluator& evaluator, const WString& condition, bool& result);
     /// Evaluates the condition of a statement. An error is its exit code, reported on the output or, when verbose, in
     /// the error log.
     ExitCode EvaluateCondition(const WString& condition, bool verbose, bool& result);
@@ -56,4 +60,12 @@ protected:
 
     /// Writes the lines of the record, then the operators and functions that an expression may consist of.
     void WriteUsage(const wchar_t* operatorsTitle, const wchar_t* functionsTitle);
+
+private:
+    const ArgumentList* givenArguments = nullptr;
+    const Options* givenOptions = nullptr;
+
+    WString Explain(const EvaluationError& error) noexcept;
+    void NoteOptionBehind(const EvaluationError& error);
+    void NoteExpressionReadAsOption(const ExitCode& exitCode);
 };

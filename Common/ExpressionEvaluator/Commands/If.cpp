@@ -1,5 +1,7 @@
 #include "If.h"
 
+#include "Hints.h"
+
 namespace {
 constexpr UsageLine usage_lc[] = {
     L"Usage: If <condition> Then <command1> [Else <command2>]",
@@ -85,7 +87,7 @@ ExitCode If::SplitStatement(const WString& text, Statement& statement)
 {
     WString lists;
     if (!text.TrySplitAtKeyword(L"THEN", statement.condition, lists))
-        return Refuse(missingThen, L"THEN is missing");
+        return Refuse(missingThen, L"THEN is missing" + Hints::AskForKeyword(text, {L"THEN"}));
     const bool hasElse = lists.TrySplitAtKeyword(L"ELSE", statement.thenList, statement.elseList);
     if (!hasElse)
         statement.thenList = lists;

@@ -2,6 +2,7 @@
 
 #include "Commands/TableFormatter.h"
 #include "ExpressionEvaluator.h"
+#include "Hints.h"
 #include "NameCharacters.h"
 
 #include <algorithm>
@@ -89,9 +90,12 @@ ExitCode SetCommand::Main(ArgumentList& arguments, Options& options)
         return zap ? WildcardDelete(name) : List(name);
     if (zap)
         return Delete(name);
-    SetFailureMessage(L"No such variable: " + name);
+    if (!GetEnvironment().ContainsKey(name))
+        SetFailureMessage(L"No such variable: " + name + Hints::AskForName(name, GetEnvironment()));
     return Show(name, GetEnvironment().GetString(name, noSuchVariable));
 }
+
+void SetCommand::OnExit(ExitCode&) {} // its argument begins with a name
 
 /// `name`, or `name=expression`; without an expression the name may hold wildcards.
 ExitCode SetCommand::SplitArgument(const WString& argument, WString& name, WString& expression)

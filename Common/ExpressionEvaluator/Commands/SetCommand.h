@@ -8,6 +8,7 @@ class SetCommand : public Command
 public:
     SetCommand();
     ExitCode Main(ArgumentList& arguments, Options& options) override;
+    void OnExit(ExitCode& exitCode) override;
     void ShowUsage() override;
 
     /// Lists the variables whose names match the pattern (`*`, `?`, any case).

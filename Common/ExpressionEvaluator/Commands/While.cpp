@@ -1,5 +1,6 @@
 #include "While.h"
 
+#include "Hints.h"
 #include "Instrument/System.h"
 
 #include <limits>
@@ -99,7 +100,7 @@ ExitCode While::Main(ArgumentList& arguments, Options& options)
 
     WString commandList;
     if (!arguments.At(0).TrySplitAtKeyword(L"DO", loop.condition, commandList))
-        return Refuse(missingDo, L"DO is missing");
+        return Refuse(missingDo, L"DO is missing" + Hints::AskForKeyword(arguments.At(0), {L"DO"}));
     loop.commands = SplitCommandList(commandList, loop.separator, badCommandList);
     if (const ExitCode refusal = Start(options); refusal.IsError())
         return refusal;
@@ -173,6 +174,8 @@ ExitCode While::RunCommands(const Loop& loop)
             System::errorLog.WriteLine(L"%-12s %s", code.ToCString(), command);
         const WString& reason = GetRunMessage();
         SetFailureMessage(L"Failed: " + command + (reason.IsEmpty() ? L"" : L": ") + reason);
+        for (const WString& note : GetRunNotes())
+            AddNote(note);
         return code;
     }
     return ExitCode(0);

@@ -58,6 +58,14 @@ const OperatorRow* FindKeyword(std::wstring_view word)
 }
 } // namespace
 
+WStringArray GetBuiltInNames()
+{
+    WStringArray names;
+    for (const BuiltInName& row : builtInNames_lc)
+        names.Add(WString(row.name));
+    return names;
+}
+
 int Tokenizer::Fail(const EvaluatorError& error, const wchar_t* at)
 {
     evaluator.Fail(error, at);

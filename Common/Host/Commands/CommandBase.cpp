@@ -46,7 +46,19 @@ ExitCode CommandBase::Run(const WString& line, Pipe& output, unsigned int runFla
     if (CommandRunner::EndsCallers(outcome.code))
         throw outcome.code;
     runMessage = std::move(outcome.message);
+    runNotes = std::move(outcome.notes);
+    if (!outcome.code.IsError()) {
+        for (const WString& note : runNotes)
+            AddNote(note);
+        runNotes.Clear();
+    }
     return outcome.code;
+}
+
+void CommandBase::AddNote(const WString& note)
+{
+    if (std::ranges::find(notes, note) == notes.end())
+        notes.Add(note);
 }
 
 void CommandBase::SendSignalGoAheadIfRequested() {}

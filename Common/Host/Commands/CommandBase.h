@@ -9,6 +9,7 @@
 #include "Instrument/Environment.h"
 #include "Text/ExitCode.h"
 #include "Text/WString.h"
+#include "Text/WStringArray.h"
 
 enum class CommandType
 {
@@ -42,8 +43,8 @@ public:
     /// Does the command's work; an ExitCode thrown out of it is its result as well.
     virtual ExitCode Main(ArgumentList& arguments, Options& options) = 0;
     virtual void ShowUsage() = 0;
-    /// With the parsed line, before the other operations of a run. An ExitCode thrown out of it is the command's
-    /// result, and Main is not called.
+    /// With the parsed line, which lives to the end of the run, before the other operations of it. An ExitCode thrown
+    /// out of it is the command's result, and Main is not called.
     virtual void OnStart(ArgumentList& arguments, Options& options);
     /// At the end of each run, failed or not; may change its exit code.
     virtual void OnExit(ExitCode& exitCode);
@@ -78,8 +79,13 @@ protected:
     /// The record outlives the command.
     void SetRecord(const CommandRecord& commandRecord) noexcept { record = &commandRecord; }
     void SetFailureMessage(const WString& message) { failureMessage = message; }
+    /// Adds a line that helps a person to see how the run came to end as it did, once: for a report, or the prompt.
+    void AddNote(const WString& note);
     /// What is known of the failure of the command that Run ran last; empty when it succeeded.
     const WString& GetRunMessage() const noexcept { return runMessage; }
+    /// The notes on that failure, which are this command's when it fails for it. Those on a success become this
+    /// command's as it is.
+    const WStringArray& GetRunNotes() const noexcept { return runNotes; }
     /// Where a caller would be told that this command's arguments are accepted; in the bench shell nobody waits for
     /// that.
     void SendSignalGoAheadIfRequested();
@@ -100,5 +106,7 @@ private:
     Environment environment;
     WString returnString;
     WString failureMessage;
+    WStringArray notes;
     WString runMessage;
+    WStringArray runNotes;
 };

@@ -103,18 +103,29 @@ WString DescribeUnknownCommand(const WString& name)
     SimilarName similar(name);
     for (const CommandRegistry::Entry& entry : CommandRegistry::GetEntries())
         similar.Offer(entry.name);
-    return similar.Get().IsEmpty() ? name : WString::Format(L"%s (did you mean %s?)", name, similar.Get());
+    return name + similar.GetQuestion();
+}
+
+/// Asks for the option that was meant by one that was refused or that nobody asked for.
+WString AskForOption(const WString& given, const CommandBase& command)
+{
+    SimilarName similar(given.Substring(1));
+    if (command.GetRecord()) {
+        for (const OptionRecord& option : command.GetRecord()->options)
+            similar.Offer(option.name);
+    }
+    return given + (similar.Get().IsEmpty() ? WString() : DidYouMean(L"-" + similar.Get()));
 }
 
 /// The messages of codes whose meaning is the same in all commands.
-WString Describe(const ExitCode& code, const Options& options)
+WString Describe(const ExitCode& code, const CommandBase& command, const Options& options)
 {
     if (!options.GetRefusedOption().IsEmpty())
-        return L"Bad value of option " + options.GetRefusedOption();
+        return L"Bad value of option " + AskForOption(options.GetRefusedOption(), command);
     if (code.GetModule() == 0 && code.GetNumber() == CommonExit::wrongCount)
         return L"Wrong number of arguments";
     if (code.GetModule() == 0 && code.GetNumber() == CommonExit::badOption)
-        return HostException(HostError::UnknownOption, options.GetUnusedOption()).GetMessage();
+        return HostException(HostError::UnknownOption, AskForOption(options.GetUnusedOption(), command)).GetMessage();
     return GetHostMessage(code);
 }
 
@@ -124,7 +135,7 @@ try {
     if (outcome.code.IsError() && outcome.message.IsEmpty())
         outcome.message = Shorten(command.GetFailureMessage(), messageLimit);
     if (outcome.code.IsError() && outcome.message.IsEmpty())
-        outcome.message = Shorten(Describe(outcome.code, options), messageLimit);
+        outcome.message = Shorten(Describe(outcome.code, command, options), messageLimit);
 } catch (...) { // nothing to add to the code
 }
 } // namespace
@@ -218,9 +229,9 @@ WString CommandRunner::ReplaceReferences(const CommandBase& command, const WStri
 
 void CommandRunner::RunCommand(CommandBase& command, const WString& rest, Outcome& outcome)
 {
+    ArgumentList arguments;
     Options options;
     try {
-        ArgumentList arguments;
         CommandLine::Parse(ReplaceReferences(command, rest), command.flags, arguments, options);
         command.OnStart(arguments, options);
         command.HandleStandardOptions(options);
@@ -236,5 +247,6 @@ void CommandRunner::RunCommand(CommandBase& command, const WString& rest, Outcom
     }
     Stamp(outcome.code, command);
     outcome.returnString = std::move(command.GetReturnString());
+    outcome.notes = std::move(command.notes);
     AddMessage(outcome, command, options);
 }

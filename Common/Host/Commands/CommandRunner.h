@@ -19,9 +19,10 @@ public:
     struct Outcome
     {
         ExitCode code;
-        WString command;      // the command's name as registered, or as typed when there is none of that name
-        WString message;      // what is known of a failure, shortened; may be empty
-        WString returnString; // what the command left for its caller
+        WString command;         // the command's name as registered, or as typed when there is none of that name
+        WString message;         // what is known of a failure, shortened; may be empty
+        WString returnString;    // what the command left for its caller
+        WStringArray notes = {}; // lines that help a person to see how it came to that; of a success too
     };
 
     /// Parses the line, makes the command and runs it on `output` in `environment`. Never throws: a thrown ExitCode is

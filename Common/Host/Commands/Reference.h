@@ -11,6 +11,11 @@ namespace Reference {
 /// reference that names nothing or lacks its closing brace.
 HOST_API WString ReplaceAll(const WString& text, const Environment& environment);
 
+/// Whether there is what the reference, as it is written, refers to.
+HOST_API bool Exists(const WString& reference, const Environment& environment);
+/// What a reference to nothing, as it is written, was most likely meant to be; empty when no name is near.
+HOST_API WString FindSimilar(const WString& reference, const Environment& environment);
+
 /// Splits "[section]key" or "section key"; false when the name is neither.
 HOST_API bool TrySplitConfigName(const WString& name, WString& section, WString& key);
 /// The text of the setting of such a name; false when there is none.

@@ -28,8 +28,23 @@ void StandardOutput::DoWriteLine(const WString& line)
     }
     std::ranges::copy(bytes, block.data() + length);
     length += bytes.size();
-    if (isTerminal)
+    if (isTerminal) {
         Flush();
+        Remember(line);
+    }
+}
+
+void StandardOutput::Remember(const WString& line)
+{
+    constexpr std::size_t fewLines = 50;
+    if (shown.Count() == fewLines)
+        shown.Clear();
+    shown.Add(line.Trim());
+}
+
+bool StandardOutput::HasShown(std::wstring_view line) const
+{
+    return std::ranges::any_of(shown, [&](const WString& other) { return other.View() == line; });
 }
 
 void StandardOutput::Flush() noexcept

@@ -2,6 +2,7 @@
 
 #include "Commands/Pipe.h"
 #include "HostApi.h"
+#include "Text/WStringArray.h"
 
 #include <array>
 #include <cstddef>
@@ -19,6 +20,11 @@ public:
     /// The errno of the write that failed; 0 when none did.
     int GetFault() const noexcept { return fault; }
 
+    /// Whether a terminal has shown that line, blanks around it apart, since ForgetShown; no more than the last few
+    /// lines count. False where standard output is no terminal.
+    bool HasShown(std::wstring_view line) const;
+    void ForgetShown() noexcept { shown.Clear(); }
+
 private:
     StandardOutput();
 
@@ -26,7 +32,9 @@ private:
     std::array<char, 0x4000> block{};
     std::size_t length = 0;
     int fault = 0;
+    WStringArray shown;
 
+    void Remember(const WString& line);
     void Write(std::string_view bytes) noexcept;
     bool TryWaitForReader() noexcept;
 };

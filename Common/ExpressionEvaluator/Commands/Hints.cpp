@@ -1,0 +1,203 @@
+#include "Hints.h"
+
+#include "Commands/Reference.h"
+#include "EEMissingVariableException.h"
+#include "EvaluatorErrors.h"
+#include "ExpressionEvaluator.h"
+#include "Instrument/System.h"
+#include "NameCharacters.h"
+#include "OperatorTable.h"
+#include "Text/CharacterCase.h"
+#include "Text/QuoteTracker.h"
+#include "Text/ReferenceText.h"
+#include "Text/SimilarName.h"
+#include "Tokenizer.h"
+
+#include <algorithm>
+#include <functional>
+#include <utility>
+
+namespace {
+using View = std::wstring_view;
+
+bool IsReference(const WString& name)
+{
+    return name.StartsWith(L"%", false);
+}
+
+bool IsDigit(wchar_t ch)
+{
+    return ch >= L'0' && ch <= L'9';
+}
+
+/// The length of the word or reference at the start of the text, or 0.
+std::size_t MeasureName(View text)
+{
+    if (const ReferenceText::Reference reference = ReferenceText::Read(text);
+        text.front() == L'%' && reference.fault == ReferenceText::Fault::None)
+        return reference.end;
+    const auto isNameCharacter = [](wchar_t ch) { return NameCharacters::Default()->Contains(ch); };
+    return static_cast<std::size_t>(std::ranges::find_if_not(text, isNameCharacter) - text.begin());
+}
+
+/// Calls `take` with the words, numbers and references of an expression that stand outside double quotes, each with
+/// what follows it.
+void VisitNames(View text, const std::function<void(View name, View rest)>& take)
+{
+    QuoteTracker quotes;
+    while (!text.empty()) {
+        const bool isOutside = quotes.Next(text) == QuoteTracker::Role::Outside;
+        const std::size_t length = isOutside ? MeasureName(text) : 0;
+        if (length != 0)
+            take(text.substr(0, length), text.substr(length));
+        text.remove_prefix(std::max<std::size_t>(length, 1));
+    }
+}
+
+bool IsKeyword(View name)
+{
+    const OperatorRow* const row = FindOperator(name);
+    return row && row->IsKeyword();
+}
+
+bool Exists(const WString& name, const Environment& environment)
+{
+    if (IsReference(name))
+        return Reference::Exists(name, environment);
+    const bool isBuiltIn = std::ranges::any_of(
+        GetBuiltInNames(), [&](const WString& builtIn) { return EqualsIgnoreCase(builtIn.View(), name.View()); });
+    return isBuiltIn || environment.ContainsKey(name);
+}
+
+/// The names in an expression that nothing stands for.
+WStringArray FindMissing(const WString& expression, const Environment& environment)
+{
+    WStringArray missing;
+    VisitNames(expression.View(), [&](View text, View rest) {
+        const WString name(text);
+        if (!IsDigit(text.front()) && !rest.starts_with(L'(') && !IsKeyword(text) && !Exists(name, environment) &&
+            std::ranges::find(missing, name) == missing.end())
+            missing.Add(name);
+    });
+    return missing;
+}
+
+WString NoteMissing(const WString& name, const Environment& environment)
+{
+    return name + L" does not exist" + Hints::AskForName(name, environment);
+}
+
+/// The message ends with the function's name.
+WString AskForFunction(View message)
+{
+    WStringArray names;
+    ExpressionEvaluator::GetSupportedFunctions(names);
+    SimilarName similar(WString(message.substr(message.rfind(L' ') + 1)));
+    similar.Offer(names);
+    return similar.GetQuestion();
+}
+
+/// The texts in double quotes.
+WStringArray FindTexts(View expression)
+{
+    WStringArray texts;
+    WString text;
+    QuoteTracker quotes;
+    for (; !expression.empty(); expression.remove_prefix(1)) {
+        const QuoteTracker::Role role = quotes.Next(expression);
+        if (role == QuoteTracker::Role::Inside)
+            text += expression.front();
+        else if (role == QuoteTracker::Role::Quote && !quotes.IsInside())
+            texts.Add(std::exchange(text, WString()));
+    }
+    return texts;
+}
+
+/// Asks for the reference to what was meant by the first name given to a function for which there is nothing.
+WString AskForItem(const wchar_t* opening, const WString& expression, const Environment& environment)
+{
+    const WStringArray texts = FindTexts(expression.View());
+    const bool isSetting = opening[1] == L'C';
+    for (std::size_t i = 0; i + isSetting < texts.Count(); ++i) {
+        const WString name = isSetting ? L"[" + texts[i] + L"]" + texts[i + 1] : texts[i];
+        const WString meant = Reference::FindSimilar(opening + name + L"}", environment);
+        if (!meant.IsEmpty())
+            return DidYouMean(meant);
+    }
+    return WString();
+}
+
+/// The message names what is missing, or is no more than that name.
+Hints::Explanation ExplainMissing(const EvaluationError& error, const Environment& environment)
+{
+    const WString name = PruneVariableName(error.message);
+    if (name == error.message)
+        return {{}, {NoteMissing(name, environment)}};
+    return {Hints::AskForName(name, environment), {}};
+}
+} // namespace
+
+Hints::Explanation Hints::Explain(const EvaluationError& error, const Environment& environment)
+{
+    using namespace Errors;
+    const unsigned int number = error.code.GetModule() == evaluatorModule ? error.code.GetNumber() : 0;
+    Explanation explanation;
+    switch (number) {
+    case MissingVariable.number: return ExplainMissing(error, environment);
+    case UnknownFunction.number: return {AskForFunction(error.message.View()), {}};
+    case StatusNotFound.number: return {AskForItem(L"%S{", error.expression, environment), {}};
+    case ConfigNotFound.number: return {AskForItem(L"%C{", error.expression, environment), {}};
+    case UsageNotFound.number: return {AskForItem(L"%U{", error.expression, environment), {}};
+    case OperandAfterOperand.number:
+    case OperatorExpected.number:
+    case CallAfterOperand.number:
+        return {AskForKeyword(error.expression, {L"AND", L"OR", L"XOR", L"THEN", L"ELSE", L"DO"}), {}};
+    case ToNumberMismatch.number:
+    case NumberMismatch.number:
+    case BoolMismatch.number:
+    case TextMismatch.number:
+        for (const WString& name : FindMissing(error.expression, environment))
+            explanation.notes.Add(NoteMissing(name, environment));
+        return explanation;
+    default: return explanation;
+    }
+}
+
+WString Hints::AskForName(const WString& name, const Environment& environment)
+{
+    if (IsReference(name))
+        return DidYouMean(Reference::FindSimilar(name, environment));
+    WStringArray names;
+    environment.GetKeys(names);
+    names.Sort();
+    SimilarName similar(name);
+    similar.Offer(names);
+    similar.Offer(GetBuiltInNames());
+    if (!similar.Get().IsEmpty())
+        return similar.GetQuestion();
+    const WString item = L"%S{" + name + L"}"; // which is what such a name is taken for, if not for a variable's
+    return DidYouMean(Reference::Exists(item, environment) ? item : Reference::FindSimilar(item, environment));
+}
+
+WString Hints::AskForKeyword(const WString& text, const WStringArray& keywords)
+{
+    WString question;
+    VisitNames(text.View(), [&](View word, View) {
+        SimilarName similar{WString(word)};
+        similar.Offer(keywords);
+        const bool isKeyword = EqualsIgnoreCase(similar.Get().View(), word);
+        if (question.IsEmpty() && !isKeyword && !similar.Get().IsEmpty())
+            question = DidYouMean(similar.Get() + L" for \"" + WString(word) + L"\"");
+    });
+    return question;
+}
+
+bool Hints::IsCalculated(const WString& option)
+{
+    return option.Substring(1).View().find_first_of(L"<>=+-*/^&(") != View::npos;
+}
+
+bool Hints::IsContinuation(const WString& rest)
+{
+    return rest.IsEmpty() || View(L"<>=+-*/^&").find(rest[0]) != View::npos;
+}

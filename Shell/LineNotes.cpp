@@ -1,0 +1,98 @@
+#include "LineNotes.h"
+
+#include "Commands/CommandFlags.h"
+#include "Commands/CommandLine.h"
+#include "Text/CharacterCase.h"
+#include "Text/ExitCode.h"
+#include "Text/QuoteTracker.h"
+
+#include <algorithm>
+
+namespace {
+using View = std::wstring_view;
+
+/// A command list as While splits it.
+struct CommandList
+{
+    WString separator = L";";
+    WStringArray commands;
+};
+
+/// Where the text has " #" or " //" outside double quotes, from that mark on; else empty.
+View FindComment(View text)
+{
+    QuoteTracker quotes;
+    bool isBehindBlank = false;
+    for (; !text.empty(); text.remove_prefix(1)) {
+        const bool isOutside = quotes.Next(text) == QuoteTracker::Role::Outside;
+        if (isOutside && isBehindBlank && (text.starts_with(L"# ") || text.starts_with(L"// ")))
+            return text;
+        isBehindBlank = isOutside && IsWhiteSpace(text.front());
+    }
+    return {};
+}
+
+/// False for another command than While.
+bool TrySplitLoop(const WString& line, CommandList& list)
+{
+    WString name;
+    WString rest;
+    CommandLine::SplitName(line, name, rest);
+    if (!EqualsIgnoreCase(name.View(), L"While"))
+        return false;
+    ArgumentList arguments;
+    Options options;
+    CommandLine::Parse(rest, CommandFlags::restAsItStands, arguments, options);
+    options.TryGetString(L"l", 0, list.separator, 1, 1);
+    WString condition;
+    WString commands;
+    if (arguments.Count() == 0 || !arguments.At(0).TrySplitAtKeyword(L"DO", condition, commands))
+        return false;
+    commands.GetWStringArray(list.commands, 1, 100, 0, 1, 4096, list.separator);
+    return true;
+}
+
+/// Whether one command begins with If, and the ELSE of it has come into another.
+bool IsConditionalTornApart(const WStringArray& commands)
+{
+    bool isWithinIf = false;
+    for (const WString& command : commands) {
+        WString before;
+        WString after;
+        const bool hasElse = command.TrySplitAtKeyword(L"ELSE", before, after);
+        const bool isIf = command.TrySplitAtKeyword(L"THEN", before, after) && command.StartsWith(L"If ", true);
+        if (isWithinIf && hasElse && !isIf)
+            return true;
+        isWithinIf = isIf ? !hasElse : isWithinIf;
+    }
+    return false;
+}
+
+bool IsLoopThatTearsConditional(const WString& line, WString& separator)
+try {
+    CommandList list;
+    const bool isTorn = TrySplitLoop(line, list) && IsConditionalTornApart(list.commands);
+    separator = list.separator;
+    return isTorn;
+} catch (const ExitCode&) { // which the command has reported
+    return false;
+}
+
+void AddOnce(const WString& note, WStringArray& notes)
+{
+    if (std::ranges::find(notes, note) == notes.end())
+        notes.Add(note);
+}
+} // namespace
+
+void AddLineNotes(const WString& line, WStringArray& notes)
+{
+    if (const View comment = FindComment(line.View()); !comment.empty())
+        AddOnce(L"\"" + WString(comment).Trim() +
+                L"\" was read as part of the command; a comment stands on a line of its own, behind #",
+            notes);
+    if (WString separator; IsLoopThatTearsConditional(line, separator))
+        AddOnce(L"While splits its commands at every \"" + separator +
+                L"\", those of If too; give While another separator: While -l| ... Do If ... Then a; b Else c | d",
+            notes);
+}
