@@ -9,7 +9,6 @@
 #include "Text/CharacterCase.h"
 
 #include <algorithm>
-#include <utility>
 
 const char* Command::GetSourceCodeTimestamp()
 {

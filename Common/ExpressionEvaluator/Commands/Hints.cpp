@@ -4,7 +4,6 @@
 #include "EEMissingVariableException.h"
 #include "EvaluatorErrors.h"
 #include "ExpressionEvaluator.h"
-#include "Instrument/System.h"
 #include "NameCharacters.h"
 #include "OperatorTable.h"
 #include "Text/CharacterCase.h"
@@ -33,23 +32,24 @@ bool IsDigit(wchar_t ch)
 /// The length of the word or reference at the start of the text, or 0.
 std::size_t MeasureName(View text)
 {
-    if (const ReferenceText::Reference reference = ReferenceText::Read(text);
-        text.front() == L'%' && reference.fault == ReferenceText::Fault::None)
-        return reference.end;
+    if (text.front() == L'%') {
+        const ReferenceText::Reference reference = ReferenceText::Read(text);
+        return reference.fault == ReferenceText::Fault::None ? reference.end : 0;
+    }
     const auto isNameCharacter = [](wchar_t ch) { return NameCharacters::Default()->Contains(ch); };
     return static_cast<std::size_t>(std::ranges::find_if_not(text, isNameCharacter) - text.begin());
 }
 
 /// Calls `take` with the words, numbers and references of an expression that stand outside double quotes, each with
-/// what follows it.
-void VisitNames(View text, const std::function<void(View name, View rest)>& take)
+/// what follows it, as long as it yields true.
+void VisitNames(View text, const std::function<bool(View name, View rest)>& take)
 {
     QuoteTracker quotes;
     while (!text.empty()) {
         const bool isOutside = quotes.Next(text) == QuoteTracker::Role::Outside;
         const std::size_t length = isOutside ? MeasureName(text) : 0;
-        if (length != 0)
-            take(text.substr(0, length), text.substr(length));
+        if (length != 0 && !take(text.substr(0, length), text.substr(length)))
+            return;
         text.remove_prefix(std::max<std::size_t>(length, 1));
     }
 }
@@ -69,15 +69,17 @@ bool Exists(const WString& name, const Environment& environment)
     return isBuiltIn || environment.ContainsKey(name);
 }
 
-/// The names in an expression that nothing stands for.
+/// The names in an expression that nothing stands for, the first few.
 WStringArray FindMissing(const WString& expression, const Environment& environment)
 {
+    constexpr std::size_t few = 5;
     WStringArray missing;
     VisitNames(expression.View(), [&](View text, View rest) {
         const WString name(text);
         if (!IsDigit(text.front()) && !rest.starts_with(L'(') && !IsKeyword(text) && !Exists(name, environment) &&
             std::ranges::find(missing, name) == missing.end())
             missing.Add(name);
+        return missing.Count() < few;
     });
     return missing;
 }
@@ -186,8 +188,9 @@ WString Hints::AskForKeyword(const WString& text, const WStringArray& keywords)
         SimilarName similar{WString(word)};
         similar.Offer(keywords);
         const bool isKeyword = EqualsIgnoreCase(similar.Get().View(), word);
-        if (question.IsEmpty() && !isKeyword && !similar.Get().IsEmpty())
+        if (!isKeyword && !similar.Get().IsEmpty())
             question = DidYouMean(similar.Get() + L" for \"" + WString(word) + L"\"");
+        return question.IsEmpty();
     });
     return question;
 }
