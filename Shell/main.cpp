@@ -54,7 +54,8 @@ static void Start(const Arguments& arguments)
     const std::string shellFolder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
     if (arguments.dataFolder.empty())
         throw HostException(HostError::FileError, L"no data folder: give --data, or set LABSH_HOME or HOME");
-    System::Start(arguments.dataFolder, shellFolder + "/Profile");
+    for (const WString& report : System::Start(arguments.dataFolder, shellFolder + "/Profile"))
+        WriteErrorLine(L"labsh: warning: " + report);
     System::errorLog.SetPrefix(MakeErrorLogPrefix);
     AddBuiltIns();
     PluginLoader::Load(shellFolder + "/ExpressionEvaluator.dll");
@@ -130,7 +131,7 @@ static Ending RunCommands(const Arguments& arguments, LineSource& source, const 
 /// Whatever fails at the terminal is no failure of the shell, and an abort ends the command alone.
 static bool RunTerminal(const Arguments& arguments)
 {
-    Terminal terminal(System::GetDataFolder() + "/history");
+    Terminal terminal(System::MayChange() ? System::GetDataFolder() + "/history" : "");
     const PromptNotes promptNotes;
     RunCommands(arguments, terminal, "", [](const ScriptFailure&) { return true; });
     return true;

@@ -52,18 +52,21 @@ protected:
     }
 };
 
-TEST_F(StatusItems, AreReadByTheirTypeOrTheLineIsRefused)
+TEST_F(StatusItems, AreReadByTheirTypeOrTheLineIsPassedOver)
 {
     for (const ExpressionRow& row : ReadRows("Host/StatusLines.txt")) {
         const bool isRefused = row.outcome.starts_with('"');
-        const std::string error = "0:1:10 File error: " + path + ": Name: " + row.outcome;
-        Load("Name=bool:true\n");
-        EXPECT_EQ(GetThrown([&] { Load("Other=int:2\nName=" + row.expression + "\n"); }), isRefused ? error : "");
-        EXPECT_EQ(ReadAll(L"nAME"), isRefused ? "1: true - - - - -" : row.outcome) << row.expression;
-        EXPECT_EQ(status.ContainsItem(L"Other"), !isRefused);
+        const std::string lines = "Name=" + row.expression + "\nOther=int:2\n";
+        Load(lines);
+        EXPECT_EQ(ReadAll(L"nAME"), isRefused ? "0: - - - - - -" : row.outcome) << row.expression;
+        WStringArray faults;
+        status.GetFaults(faults);
+        EXPECT_EQ(Join(faults), isRefused ? path + ":2: Name: " + row.outcome : "");
+        EXPECT_TRUE(status.TrySet(L"Other", L"3"));
+        status.Save();
+        EXPECT_EQ(folder.Read("Status.ini"), "[Items]\n" + lines.substr(0, lines.size() - 2) + "3\n");
     }
     Load("D=double:5\nI=int:5\n");
-    EXPECT_EQ(ReadAll(L"Name"), "0: - - - - - -");
     double real = 1;
     int number = 1;
     EXPECT_FALSE(status.TryGetDouble(L"D", real, 0, 4.9) || status.TryGetInt(L"I", number, 6, 9));
@@ -192,20 +195,58 @@ TEST_F(StatusItems, ChangesOfOthersAreTakenOver)
     EXPECT_EQ(folder.Read("Status.ini"), "[Items]\nX=int:3\nY=int:5\nZ=int:7\n");
 }
 
-TEST_F(StatusItems, AFaultyFileChangesNothingUntilItIsRepaired)
+TEST_F(StatusItems, AFaultyLineChangesNothingUntilItIsRepaired)
 {
-    Load("X=int:0\n");
+    Load("X=int:0\nY=int:5\n");
     folder.Write("Status.ini", "[Items]\nX=int:1\nY=in");
     status.Refresh();
-    EXPECT_EQ(Get({L"X"}), "0");
-    EXPECT_EQ(GetThrown([&] { status.Save(); }),
-        "0:1:10 File error: " + path + ": Y: \"in\" does not begin with a type and a colon");
+    EXPECT_EQ(Get({L"X", L"Y"}), "1 5");
+    EXPECT_TRUE(status.TrySet(L"X", L"2"));
+    status.Save();
+    EXPECT_EQ(folder.Read("Status.ini"), "[Items]\nX=int:2\nY=in");
     folder.Write("Status.ini", "[Items]\nX=int:1\nY=int:2\n");
     status.Refresh();
     EXPECT_EQ(Get({L"X", L"Y"}), "1 2");
     std::filesystem::remove(path);
     status.Refresh();
     EXPECT_EQ(Get({L"X", L"Y"}), "1 2");
+}
+
+TEST_F(StatusItems, AreDeletedOrWhatCannotBeSavedIsUndone)
+{
+    Load("X=int:1\nY=int:2\n");
+    status.AddLive(L"Live", ST_Int, [] { return WString(L"1"); });
+    EXPECT_FALSE(status.TryDelete(L"Live") || status.TryDelete(L"None"));
+    EXPECT_TRUE(status.TryDelete(L"x"));
+    status.Save();
+    EXPECT_EQ(folder.Read("Status.ini"), "[Items]\nY=int:2\n");
+    std::filesystem::create_directory(path + ".d");
+    std::filesystem::rename(path, path + ".d/Status.ini");
+    std::filesystem::create_directory(path);
+    EXPECT_TRUE(status.TrySet(L"Y", L"3") && status.TrySet(L"Z", L"4"));
+    EXPECT_EQ(Get({L"Y", L"Z"}), "3 4");
+    EXPECT_EQ(GetThrown([&] { status.Save(); }), "0:1:10 File error: " + path + ": Is a directory");
+    EXPECT_EQ(Get({L"Y", L"Z"}), "2 -");
+}
+
+TEST_F(StatusItems, NumbersTravelEvenly)
+{
+    clock.Sleep(UINT_MAX - 5000); // so that the clock wraps on the way
+    Load("T=double:36\nN=int:10\nB=bool:true\nLast=uint64:0\n");
+    EXPECT_FALSE(status.TrySetAfter(L"B", L"false", 0, 1) || status.TrySetAfter(L"New", L"x", 0, 1));
+    EXPECT_TRUE(status.TrySetAfter(L"T", L"37", 0, 10000) && status.TrySetAfter(L"N", L"-1", 5000, 10000) &&
+        status.TrySetAfter(L"Last", L"18446744073709551615", 9999, 1));
+    const std::pair<unsigned int, const char*> rows[] = {{0, "36 10 0"}, {1000, "36.1 10 0"}, {4000, "36.5 10 0"},
+        {4900, "36.99 5 0"}, {100, "37 5 18446744073709551615"}, {4500, "37 0 18446744073709551615"},
+        {499, "37 -1 18446744073709551615"}, {1, "37 -1 18446744073709551615"}};
+    for (const auto& [wait, texts] : rows) {
+        clock.Sleep(wait);
+        EXPECT_EQ(Get({L"T", L"N", L"Last"}), texts);
+    }
+    status.TrySetAfter(L"T", L"0", 0, 10000);
+    EXPECT_TRUE(status.TrySet(L"T", L"5"));
+    clock.Sleep(5000);
+    EXPECT_EQ(Get({L"T"}), "5") << "who sets it on its way stops it";
 }
 
 TEST_F(StatusItems, ServeThreadsAtOnce)

@@ -9,7 +9,9 @@
 #include <algorithm>
 #include <climits>
 #include <filesystem>
+#include <functional>
 #include <thread>
+#include <tuple>
 
 class UsageCounters : public testing::Test
 {
@@ -99,18 +101,67 @@ TEST_F(UsageCounters, CountsAreGatheredAndWrittenInOrder)
 
 TEST_F(UsageCounters, FilesThatDoNotServeAreReportedAndNothingIsCounted)
 {
-    folder.Write("text", "This is no database, however long the text of this file may be.\n");
-    const std::pair<const char*, const char*> rows[] = {{"text", "file is not a database"},
-        {"absent/Usage.db", "unable to open database file"}, {".", "unable to open database file"}};
-    for (const auto& [name, reason] : rows) {
+    for (const char* name : {"absent/Usage.db", "."}) {
         usage.Open(path);
-        EXPECT_EQ(GetThrown([&, name = name] { usage.Open(folder.Path(name)); }),
-            "0:1:10 File error: " + folder.Path(name) + ": " + reason);
+        EXPECT_EQ(GetThrown([&] { usage.Open(folder.Path(name)); }),
+            "0:1:10 File error: " + folder.Path(name) + ": unable to open database file");
         EXPECT_FALSE(usage.Increment(L"X") || usage.Set(L"X", 1) || usage.TryDelete(L"X"));
         EXPECT_EQ(Get(L"X"), -1);
         WStringArray names = {L"old"};
         usage.GetNames(names);
         EXPECT_TRUE(names.IsEmpty());
+    }
+}
+
+TEST_F(UsageCounters, ADamagedFileIsKeptAsideAndCountingGoesOn)
+{
+    constexpr std::size_t frame = 24 + 512;
+    const auto flip = [&](const char* ending, std::size_t at) {
+        std::string bytes = folder.Read(std::string("Usage.db") + ending);
+        bytes.at(at) ^= 1;
+        folder.Write(std::string("Usage.db") + ending, bytes);
+    };
+    // The last frame looks like what a process that was killed leaves.
+    const std::tuple<std::function<void()>, const char*, int> rows[] = {{[] {}, "", 7},
+        {[&] { flip("-wal", 32 + 5 * frame - 1); }, "", 6},
+        {[&] { flip("-wal", 32 + 4 * frame - 1); }, "the counters are those from before the damage", 5},
+        {[&] { flip("-wal", 32 + 3 * frame + 9); }, "the counters are those from before the damage", 5},
+        {[&] { flip("-wal", 9); }, "the counters are those from before the damage", 2},
+        {[&] { folder.Write("Usage.db", ""); }, "the counters are those from before the damage", -1},
+        {[&] { flip("", 0); }, "a new one is begun", -1},
+        {[&] {
+             flip("", 18);
+             flip("", 19);
+         },
+            "a new one is begun", -1},
+        {[&] { folder.Write("Usage.db", "This is no database, however long the text of this file may be.\n"); },
+            "a new one is begun", -1},
+        {[&] {
+             std::filesystem::remove(path + "-wal"); // which has that page anew
+             flip("", folder.Read("Usage.db").rfind("system"));
+         },
+            "a new one is begun", -1},
+        {[&] { flip("", folder.Read("Usage.db").find("tablecounters") + 7); }, "a new one is begun", -1}};
+    for (const auto& [damage, outcome, value] : rows) {
+        for (const char* ending : {"", "-wal", "-shm", ".damaged1", ".damaged1-wal", ".lock"})
+            std::filesystem::remove(path + ending);
+        EXPECT_TRUE(ChildProcess([&] {
+            usage.Open(path);
+            usage.Set(L"System.OnTime", 2);
+            usage.Open(path); // all is in the file itself
+            for (int i = 0; i < 5; ++i)
+                usage.Increment(L"System.OnTime");
+            return raise(SIGKILL) == 0;
+        }).Wait() == false);
+        damage();
+        const std::string report =
+            outcome[0] == '\0' ? "" : path + ": damaged; it is kept as Usage.db.damaged1, and " + outcome;
+        EXPECT_EQ(usage.Open(path).ToUtf8(), report);
+        EXPECT_EQ(Get(L"System.OnTime"), value) << report;
+        EXPECT_EQ(std::filesystem::exists(path + ".damaged1"), !report.empty());
+        EXPECT_TRUE(usage.Increment(L"System.OnTime"));
+        EXPECT_EQ(usage.Open(path), L"") << "it is said once";
+        EXPECT_EQ(Get(L"System.OnTime"), std::max(value, 0) + 1);
     }
 }
 

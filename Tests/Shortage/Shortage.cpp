@@ -59,17 +59,6 @@ bool Shortage::HasStruck()
 }
 
 #ifdef __SANITIZE_ADDRESS__
-// The parser of INI files loses what it has copied of a file when it then finds no place for the rest.
-extern "C" [[gnu::visibility("default")]] const char* __lsan_default_suppressions()
-{
-    return "leak:SimpleIni.h";
-}
-
-extern "C" [[gnu::visibility("default")]] const char* __lsan_default_options()
-{
-    return "print_suppressions=0"; // beside the output of the shell
-}
-
 static void* Take(std::size_t size)
 {
     return std::malloc(size);

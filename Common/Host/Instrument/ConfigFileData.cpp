@@ -19,21 +19,52 @@ struct ConfigFileData::Data
     };
 
     std::mutex lock;
-    IniFile file;
-    std::vector<Change> changes; // that are not saved
+    std::unique_ptr<IniFile> file = std::make_unique<IniFile>(); // as this process last saw it
+    std::unique_ptr<IniFile> changed;                            // with the changes that are not saved, if any
+    std::vector<Change> changes;
     ConfigMetaData metaData;
 
-    void Reload(); // with the lock held
+    // Called with the lock held.
+    const IniFile& Get() const { return changed ? *changed : *file; }
+    bool TryMake(const Change& change);
+    void Save();
+    void DropChanges() noexcept;
 };
 
-void ConfigFileData::Data::Reload()
+static bool TryApply(IniFile& file, const WString& section, const WString& key, const std::optional<WString>& value)
 {
-    file.Load(file.GetPath());
+    if (!value)
+        return file.TryDelete(section, key);
+    file.Set(section, key, *value);
+    return true;
+}
+
+bool ConfigFileData::Data::TryMake(const Change& change)
+{
+    auto copy = std::make_unique<IniFile>(Get());
+    if (!TryApply(*copy, change.section, change.key, change.value))
+        return false;
+    changes.push_back(change);
+    changed = std::move(copy);
+    return true;
+}
+
+void ConfigFileData::Data::Save()
+{
+    const WholeFile::Lock fileLock(file->GetPath());
+    auto current = std::make_unique<IniFile>(*file);
+    if (current->IsOutdated())
+        current->Load(file->GetPath());
     for (const auto& [section, key, value] : changes)
-        if (value)
-            file.Set(section, key, *value);
-        else
-            file.TryDelete(section, key);
+        TryApply(*current, section, key, value);
+    current->Save();
+    file = std::move(current);
+}
+
+void ConfigFileData::Data::DropChanges() noexcept
+{
+    changes.clear();
+    changed.reset();
 }
 
 static bool TryRead(const WString& text, bool& value, bool, bool)
@@ -67,21 +98,31 @@ ConfigFileData::ConfigFileData() : data(std::make_unique<Data>()) {}
 
 ConfigFileData::~ConfigFileData() = default;
 
-void ConfigFileData::Load(const std::string& path)
+void ConfigFileData::Load(const std::string& path, const std::string& defaults)
 {
     const std::lock_guard guard(data->lock);
-    data->file.Load(path);
-    data->changes.clear();
+    data->DropChanges();
+    data->file->Load(path, defaults);
 }
 
 void ConfigFileData::Save()
 {
     const std::lock_guard guard(data->lock);
-    const WholeFile::Lock fileLock(data->file.GetPath());
-    if (data->file.IsOutdated())
-        data->Reload();
-    data->file.Save();
-    data->changes.clear();
+    try {
+        data->Save();
+    } catch (...) {
+        data->DropChanges();
+        throw;
+    }
+    data->DropChanges();
+}
+
+void ConfigFileData::GetFaults(WStringArray& faults) const
+{
+    const std::lock_guard guard(data->lock);
+    faults.Clear();
+    for (const IniFile::Fault& fault : data->file->GetFaults())
+        faults.Add(data->file->Describe(fault));
 }
 
 bool ConfigFileData::Contains(const WString& section, const WString& key) const
@@ -93,7 +134,7 @@ bool ConfigFileData::Contains(const WString& section, const WString& key) const
 bool ConfigFileData::TryGetString(const WString& section, const WString& key, WString& value) const
 {
     const std::lock_guard guard(data->lock);
-    return data->file.TryGet(section, key, value);
+    return data->Get().TryGet(section, key, value);
 }
 
 bool ConfigFileData::TryGetBool(const WString& section, const WString& key, bool& value) const
@@ -164,29 +205,25 @@ void ConfigFileData::SetString(const WString& section, const WString& key, const
     if (!IniFile::CanHold(section, key, value))
         throw HostException(HostError::WrongArguments, L"the settings file cannot hold [" + section + L"] " + key);
     const std::lock_guard guard(data->lock);
-    data->file.Set(section, key, value);
-    data->changes.push_back({section, key, value});
+    data->TryMake({section, key, value});
 }
 
 bool ConfigFileData::TryDelete(const WString& section, const WString& key)
 {
     const std::lock_guard guard(data->lock);
-    if (!data->file.TryDelete(section, key))
-        return false;
-    data->changes.push_back({section, key, std::nullopt});
-    return true;
+    return data->TryMake({section, key, std::nullopt});
 }
 
 void ConfigFileData::GetSections(WStringArray& sections) const
 {
     const std::lock_guard guard(data->lock);
-    data->file.GetSections(sections);
+    data->Get().GetSections(sections);
 }
 
 void ConfigFileData::GetKeys(const WString& section, WStringArray& keys) const
 {
     const std::lock_guard guard(data->lock);
-    data->file.GetKeys(section, keys);
+    data->Get().GetKeys(section, keys);
 }
 
 ConfigMetaData& ConfigFileData::GetMetaData() const

@@ -10,7 +10,7 @@
 #include <memory>
 #include <string>
 
-/// Settings by section and key, both in any case, kept in an INI file whose comments survive a save. Safe under
+/// Settings by section and key, both in any case, kept in an INI file of which all else survives a save. Safe under
 /// threads. The Try operations return false, and write nothing, when the key is absent or its text is not of the type
 /// or out of range. The OrUseDefault operations register the default with its type in the metadata; they return the
 /// default for an absent key and throw the given exit code for a text that does not serve.
@@ -22,12 +22,15 @@ public:
     ConfigFileData(const ConfigFileData&) = delete;
     ConfigFileData& operator=(const ConfigFileData&) = delete;
 
-    /// Replaces all settings by those of the file; an absent file gives none. Throws HostException(FileError) with name
-    /// and reason.
-    void Load(const std::string& path);
+    /// Replaces all settings by those of the file; in place of an absent file serves `defaults`, if it is given and
+    /// there. Throws HostException (FileError with name and reason, or Aborted): there are no settings then, and none
+    /// can be saved for as long as the file cannot be read.
+    void Load(const std::string& path, const std::string& defaults = "");
     /// Writes what was set or deleted to the file, on top of what others saved there, which is taken over. Throws
-    /// HostException (FileError, or Aborted while another process saves), and the changes stay to be saved.
+    /// HostException (FileError, or Aborted while another process saves), and the changes are undone.
     void Save();
+    /// A line for each line of the file that is not understood: the file, the number and why. They stay as they are.
+    void GetFaults(WStringArray& faults) const;
 
     bool Contains(const WString& section, const WString& key) const;
     bool TryGetString(const WString& section, const WString& key, WString& value) const;

@@ -1,5 +1,6 @@
 #include "Instrument/ConfigMetaData.h"
 
+#include <cmath>
 #include <limits>
 
 namespace {
@@ -51,15 +52,6 @@ WString GetLimits(const ConfigMetaData::Item& item, const TypeRow& row)
     if (above)
         text.AppendFormat(below ? L" %.15g" : L" at most %.15g", item.max);
     return text;
-}
-
-WString GetLine(const ConfigMetaData::Item& item)
-{
-    const TypeRow& row = GetRow(item.type);
-    WString line = WString::Format(L"%s: %s, default %s%s", item.key, row.name, GetDefault(item), GetLimits(item, row));
-    if (!item.description.IsEmpty())
-        line += L"; " + item.description;
-    return line;
 }
 
 } // namespace
@@ -115,6 +107,28 @@ bool ConfigMetaData::TryGet(const WString& section, const WString& key, Item& it
     return true;
 }
 
+bool ConfigMetaData::Fits(const Item& item, const WString& value)
+{
+    bool flag = false;
+    double number = 0;
+    const auto length = static_cast<double>(value.Length());
+    switch (item.type) {
+    case ConfigDataType::Bool: return value.TryGetBool(flag);
+    case ConfigDataType::Str: return length >= item.min && (item.max < 0 || length <= item.max);
+    case ConfigDataType::Dbl: return value.TryParseDouble(number, item.min, item.max);
+    default: return value.TryParseDouble(number, item.min, item.max) && number == std::floor(number);
+    }
+}
+
+WString ConfigMetaData::Describe(const Item& item)
+{
+    const TypeRow& row = GetRow(item.type);
+    WString line = WString::Format(L"%s: %s, default %s%s", item.key, row.name, GetDefault(item), GetLimits(item, row));
+    if (!item.description.IsEmpty())
+        line += L"; " + item.description;
+    return line;
+}
+
 void ConfigMetaData::GetDocument(WStringArray& lines) const
 {
     const std::lock_guard guard(lock);
@@ -122,6 +136,6 @@ void ConfigMetaData::GetDocument(WStringArray& lines) const
     for (const auto& [section, keys] : sections) {
         lines.Add(L"[" + section + L"]");
         for (const auto& [key, item] : keys)
-            lines.Add(GetLine(item));
+            lines.Add(Describe(item));
     }
 }

@@ -42,6 +42,10 @@ public:
         const wchar_t* defaultValue);
 
     bool TryGet(const WString& section, const WString& key, Item& item) const;
+    /// Whether a text serves as the key's value.
+    static bool Fits(const Item& item, const WString& value);
+    /// The key with its type, default, limits and description, in one line.
+    static WString Describe(const Item& item);
     /// The configuration document: a line "[section]" for each section and a line for each key with its type, default,
     /// limits (those that narrow the type's range) and description, sorted.
     void GetDocument(WStringArray& lines) const;

@@ -2,113 +2,66 @@
 
 #include "Instrument/NamedValues.h"
 #include "Text/Abort.h"
-#include "Text/HostError.h"
-
-#include <SimpleIni.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <vector>
+#include <list>
+#include <optional>
+#include <string_view>
 
 namespace {
 
-/// While it lives, the parser is reading on this thread. An exception that passed the parser would leak its copy of the
-/// text. So when an abort is requested all names count as equal, which lets the parser come to its end at once, and
-/// what it has read is thrown away.
-class Reading
+using namespace std::literals;
+
+constexpr std::string_view blanks = " \t\v\f\r\n";
+constexpr std::string_view mark = "\xEF\xBB\xBF"; // of UTF-8, at the start of a file
+
+using Lines = std::list<std::string>; // each with its end
+
+struct Setting
 {
-public:
-    Reading() { current = this; }
-    ~Reading() { current = nullptr; }
-    Reading(const Reading&) = delete;
-    Reading& operator=(const Reading&) = delete;
-
-    bool IsAborted() const { return isAborted; }
-    /// To be called once a comparison.
-    static bool IsEnding() { return current && current->Look(); }
-
-private:
-    bool Look()
-    {
-        if (++comparisons % Abort::interval == 0)
-            isAborted = isAborted || Abort::IsRequested();
-        return isAborted;
-    }
-
-    static thread_local Reading* current;
-    std::size_t comparisons = 0;
-    bool isAborted = false;
+    WString value;
+    std::vector<Lines::iterator> lines; // the last counts
+    unsigned int number = 0;            // of that line
 };
 
-thread_local Reading* Reading::current = nullptr;
-
-bool IsAscii(char ch)
+struct Section
 {
-    return static_cast<unsigned char>(ch) < 0x80;
-}
-
-struct Utf8NameOrder
-{
-    bool operator()(const char* left, const char* right) const
-    {
-        if (Reading::IsEnding())
-            return false;
-        for (; IsAscii(*left) && IsAscii(*right); ++left, ++right) {
-            const wchar_t l = ToLower(static_cast<wchar_t>(*left));
-            const wchar_t r = ToLower(static_cast<wchar_t>(*right));
-            if (l != r || l == 0)
-                return l < r;
-        }
-        return NameOrder()(WString::FromUtf8(left), WString::FromUtf8(right));
-    }
+    NamedValues<Setting> settings;
+    std::optional<Lines::iterator> last; // behind which a new setting goes; none: at the start of the file
 };
 
-using Ini = CSimpleIniTempl<char, Utf8NameOrder, SI_ConvertA<char>>;
-
-struct Line
+std::string_view TrimBlanks(std::string_view text)
 {
-    std::string_view text; // without the blanks at its start
-    std::size_t end;       // where the next one starts
-};
-
-Line GetLine(std::string_view text, std::size_t start)
-{
-    const std::size_t end = std::min(text.find('\n', start), text.size() - 1) + 1;
-    std::string_view line = text.substr(start, end - start);
-    line.remove_prefix(std::min(line.find_first_not_of(" \t\r\n"), line.size()));
-    return {line, end};
+    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
+    return text.substr(0, text.find_last_not_of(blanks) + 1);
 }
 
-/// The length of the text up to the end of its last line that is neither blank nor a comment.
-std::size_t GetContentLength(std::string_view text)
+WString ToName(std::string_view text)
 {
-    Abort::Watch watch;
-    std::size_t length = 0;
-    for (std::size_t start = 0; start < text.size();) {
-        watch.Step();
-        const Line line = GetLine(text, start);
-        if (!line.text.empty() && line.text[0] != ';' && line.text[0] != '#')
-            length = line.end;
-        start = line.end;
-    }
-    return length;
+    return WString::FromUtf8(TrimBlanks(text)).Trim();
 }
 
-/// The parser would put the keys that follow a broken section line into a section of its own making.
-void CheckText(const std::string& path, std::string_view text)
+/// The line in a report, which needs no more than its start.
+WString Quote(std::string_view line)
 {
-    if (text.find('\0') != text.npos)
-        WholeFile::Fail(path, L"not a text file");
-    Abort::Watch watch;
-    int number = 0;
-    for (std::size_t start = 0; start < text.size();) {
-        watch.Step();
-        const Line line = GetLine(text, start);
-        ++number;
-        if (line.text.starts_with('[') && line.text.find(']') == line.text.npos)
-            WholeFile::Fail(path, WString::Format(L"line %d: missing ]", number));
-        start = line.end;
-    }
+    constexpr std::size_t longest = 60;
+    return L"\"" + WString::FromUtf8(line.substr(0, longest)) + L"\"";
+}
+
+/// Takes the first line, with its end, from the text.
+std::string_view TakeLine(std::string_view& text)
+{
+    std::size_t end = std::min(text.find_first_of("\r\n"), text.size());
+    end += text.substr(end).starts_with("\r\n") ? 2U : end < text.size() ? 1U : 0U;
+    const std::string_view line = text.substr(0, end);
+    text.remove_prefix(end);
+    return line;
+}
+
+std::string_view GetEnd(std::string_view line)
+{
+    return line.substr(line.find_last_not_of("\r\n") + 1);
 }
 
 bool HasAny(const WString& text, std::wstring_view characters)
@@ -116,74 +69,158 @@ bool HasAny(const WString& text, std::wstring_view characters)
     return text.View().find_first_of(characters) != std::wstring_view::npos;
 }
 
-using Settings = NamedValues<WString>;
-using Sections = NamedValues<Settings>;
-
-void CopySettings(const Ini::TKeyVal& entries, Settings& settings)
-{
-    constexpr std::size_t interval = 0x1000; // an entry costs as much as many characters
-    Abort::Watch watch;
-    std::vector<const Ini::TKeyVal::value_type*> sorted;
-    for (const auto& entry : entries) {
-        watch.Step();
-        sorted.push_back(&entry);
-    }
-    std::ranges::sort(sorted, {}, [&](const auto* entry) {
-        watch.Step();
-        return entry->first.nOrder;
-    });
-    std::size_t count = 0;
-    for (const auto* entry : sorted) {
-        settings.Get(WString::FromUtf8(entry->first.pItem)) = WString::FromUtf8(entry->second);
-        if (++count % interval == 0)
-            Abort::ThrowIfRequested();
-    }
-}
-
-Sections CopySections(const Ini& ini)
-{
-    Ini::TNamesDepend names;
-    ini.GetAllSections(names);
-    names.sort(Ini::Entry::LoadOrder());
-    Sections sections;
-    for (const Ini::Entry& name : names)
-        CopySettings(*ini.GetSection(name.pItem), sections.Get(WString::FromUtf8(name.pItem)));
-    return sections;
-}
-
 } // namespace
 
-/// The file's text in the hands of the parser, which alone knows its comments, and the settings that it gives.
+/// The lines of a file, and what they say.
 struct IniFile::Contents
 {
-    Ini ini;
-    std::string lastComment; // the parser drops what follows the last key
-    Sections sections;
+    std::string head; // the mark, or nothing
+    Lines lines;
+    std::string lineEnd = "\n"; // of new lines
+    NamedValues<Section> sections;
+    std::vector<Fault> faults;
 
-    explicit Contents(const std::string& text)
-    {
-        ini.SetUnicode();
-        ini.SetSpaces(false);
-        const std::size_t length = GetContentLength(text);
-        Read(text.data(), length);
-        lastComment = text.substr(length);
-        sections = CopySections(ini);
-    }
-    void Read(const char* text, std::size_t length)
-    {
-        const Reading reading;
-        if (ini.LoadData(text, length) < 0)
-            throw std::bad_alloc();
-        if (reading.IsAborted())
-            throw HostException(HostError::Aborted);
-    }
-    std::string GetText() const
-    {
-        std::string text;
-        ini.Save(text);
-        return text + lastComment;
-    }
+    explicit Contents(std::string_view text);
+    std::string GetText() const;
+    const Setting* Find(const WString& section, const WString& key) const;
+    void Set(const WString& section, const WString& key, const WString& value);
+    bool TryDelete(const WString& section, const WString& key);
+
+private:
+    unsigned int number = 0;    // of the line that is being read
+    Section* current = nullptr; // that it belongs to
+    bool isLost = false;        // behind a section line that is not understood
+
+    void Read(Lines::iterator line);
+    void ReadSection(Lines::iterator line, std::string_view text);
+    void ReadSetting(Lines::iterator line, std::string_view text, std::size_t equals);
+    Section& GetSection(const WString& name);
+    Lines::iterator AddLine(std::optional<Lines::iterator> last, const std::string& text);
 };
+
+IniFile::Contents::Contents(std::string_view text)
+{
+    if (text.starts_with(mark)) {
+        head = mark;
+        text.remove_prefix(mark.size());
+    }
+    while (!text.empty()) {
+        lines.emplace_back(TakeLine(text));
+        Read(std::prev(lines.end()));
+        if (number % 0x1000 == 0) // a line costs as much as many characters
+            Abort::ThrowIfRequested();
+    }
+    if (!lines.empty() && !GetEnd(lines.front()).empty())
+        lineEnd = GetEnd(lines.front());
+}
+
+void IniFile::Contents::Read(Lines::iterator line)
+{
+    const std::string_view text = TrimBlanks(*line);
+    const std::size_t equals = text.find('=');
+    ++number;
+    if (text.empty() || text[0] == ';' || text[0] == '#')
+        return;
+    if (text.find('\0') != text.npos)
+        faults.push_back({number, L"this is no text"});
+    else if (text[0] == '[')
+        ReadSection(line, text);
+    else if (equals == 0 || equals == text.npos)
+        faults.push_back({number, Quote(text) + L" is neither a [section] nor a key=value"});
+    else
+        ReadSetting(line, text, equals);
+}
+
+void IniFile::Contents::ReadSection(Lines::iterator line, std::string_view text)
+{
+    const std::size_t end = text.find(']');
+    isLost = end == text.npos;
+    if (isLost) {
+        faults.push_back({number, Quote(text) + L" lacks a ], so that what follows is in no section"});
+        return;
+    }
+    current = &sections.Get(ToName(text.substr(1, end - 1)));
+    current->last = line;
+}
+
+void IniFile::Contents::ReadSetting(Lines::iterator line, std::string_view text, std::size_t equals)
+{
+    if (isLost)
+        return;
+    if (!current)
+        current = &sections.Get(WString()); // at the start of the file
+    Setting& setting = current->settings.Get(ToName(text.substr(0, equals)));
+    setting.value = ToName(text.substr(equals + 1));
+    setting.lines.push_back(line);
+    setting.number = number;
+    current->last = line;
+}
+
+std::string IniFile::Contents::GetText() const
+{
+    std::string text = head;
+    for (const std::string& line : lines)
+        text += line;
+    return text;
+}
+
+const Setting* IniFile::Contents::Find(const WString& section, const WString& key) const
+{
+    const Section* found = sections.Find(section);
+    return found ? found->settings.Find(key) : nullptr;
+}
+
+/// Adds a line behind that one, or at the start.
+Lines::iterator IniFile::Contents::AddLine(std::optional<Lines::iterator> last, const std::string& text)
+{
+    if (last && GetEnd(**last).empty())
+        **last += lineEnd;
+    return lines.insert(last ? std::next(*last) : lines.begin(), text + lineEnd);
+}
+
+Section& IniFile::Contents::GetSection(const WString& name)
+{
+    if (!name.IsEmpty() && !sections.Find(name)) {
+        std::optional<Lines::iterator> last;
+        if (!lines.empty())
+            last = std::prev(lines.end());
+        if (last && !TrimBlanks(**last).empty())
+            last = AddLine(last, "");
+        sections.Get(name).last = AddLine(last, "[" + name.ToUtf8() + "]");
+    }
+    return sections.Get(name);
+}
+
+void IniFile::Contents::Set(const WString& section, const WString& key, const WString& value)
+{
+    const std::string bytes = value.ToUtf8();
+    const WString text = WString::FromUtf8(bytes); // as the file gives it back
+    Section& place = GetSection(section);
+    Setting& setting = place.settings.Get(key);
+    if (setting.lines.empty()) {
+        place.last = AddLine(place.last, key.ToUtf8() + "=" + bytes);
+        setting.lines.push_back(*place.last);
+    } else if (setting.value != text) {
+        std::string& line = *setting.lines.back();
+        const std::size_t start = std::min(line.find_first_not_of(" \t", line.find('=') + 1), line.size());
+        line = line.substr(0, start) + bytes + std::string(GetEnd(line));
+    }
+    setting.value = text;
+}
+
+bool IniFile::Contents::TryDelete(const WString& section, const WString& key)
+{
+    Section* place = sections.Find(section);
+    const Setting* setting = place ? place->settings.Find(key) : nullptr;
+    if (!setting)
+        return false;
+    for (const Lines::iterator line : setting->lines) {
+        if (place->last == line)
+            place->last = line == lines.begin() ? std::nullopt : std::optional(std::prev(line));
+        lines.erase(line);
+    }
+    return place->settings.TryDelete(key);
+}
 
 IniFile::IniFile() : contents(std::make_unique<Contents>("")) {}
 
@@ -191,18 +228,23 @@ IniFile::IniFile(const IniFile& other)
     : contents(std::make_unique<Contents>(other.contents->GetText())), path(other.path), stamp(other.stamp)
 {}
 
+IniFile& IniFile::operator=(IniFile&& other) noexcept = default;
+
 IniFile::~IniFile() = default;
 
-void IniFile::Load(const std::string& name)
+void IniFile::Load(const std::string& name, const std::string& defaults)
 {
+    *this = IniFile();
+    path = name;
     const FileStamp current = WholeFile::GetStamp(name); // taken first: a change while reading is noticed afterwards
     std::string text;
-    const int errorNumber = WholeFile::Read(name, text);
-    if (errorNumber != 0 && errorNumber != ENOENT)
+    const auto isAbsent = [](int errorNumber) { return errorNumber == ENOENT || errorNumber == ENOTDIR; };
+    int errorNumber = WholeFile::Read(name, text);
+    if (isAbsent(errorNumber) && !defaults.empty())
+        errorNumber = WholeFile::Read(defaults, text);
+    if (errorNumber != 0 && !isAbsent(errorNumber))
         WholeFile::Fail(name, errorNumber);
-    CheckText(name, text);
     contents = std::make_unique<Contents>(text);
-    path = name;
     stamp = current;
 }
 
@@ -214,44 +256,48 @@ bool IniFile::IsOutdated() const
 
 void IniFile::Save()
 {
-    const std::string text = contents->GetText();
-    stamp = WholeFile::Write(path, text);
-    contents = std::make_unique<Contents>(text); // the parser keeps replaced values until it is made anew
+    stamp = WholeFile::Write(path, contents->GetText());
+}
+
+const std::vector<IniFile::Fault>& IniFile::GetFaults() const noexcept
+{
+    return contents->faults;
+}
+
+WString IniFile::Describe(const Fault& fault) const
+{
+    return WString::Format(L"%s:%u: %s", WString::FromUtf8(path), fault.line, fault.reason);
 }
 
 bool IniFile::TryGet(const WString& section, const WString& key, WString& value) const
 {
-    const Settings* settings = contents->sections.Find(section);
-    const WString* found = settings ? settings->Find(key) : nullptr;
-    if (!found)
-        return false;
-    value = *found;
-    return true;
+    const Setting* setting = contents->Find(section, key);
+    if (setting)
+        value = setting->value;
+    return setting != nullptr;
+}
+
+unsigned int IniFile::GetLine(const WString& section, const WString& key) const
+{
+    const Setting* setting = contents->Find(section, key);
+    return setting ? setting->number : 0;
 }
 
 bool IniFile::CanHold(const WString& section, const WString& key, const WString& value)
 {
-    using namespace std::literals;
     const WString name = key.Trim();
     return !HasAny(section.Trim(), L"]\r\n\0"sv) && !HasAny(name, L"=\r\n\0"sv) && !HasAny(value.Trim(), L"\r\n\0"sv) &&
-        !name.IsEmpty() && !HasAny(name.Left(1), L"[;#");
+        !name.IsEmpty() && !HasAny(name.Left(1), L"[;#\xFEFF");
 }
 
 void IniFile::Set(const WString& section, const WString& key, const WString& value)
 {
-    const std::string utf8[] = {section.Trim().ToUtf8(), key.Trim().ToUtf8(), value.Trim().ToUtf8()};
-    contents->ini.SetValue(utf8[0].c_str(), utf8[1].c_str(), utf8[2].c_str());
-    Settings& settings = contents->sections.Get(WString::FromUtf8(utf8[0]));
-    settings.Get(WString::FromUtf8(utf8[1])) = WString::FromUtf8(utf8[2]); // as the file gives it back
+    contents->Set(section.Trim(), key.Trim(), value.Trim());
 }
 
 bool IniFile::TryDelete(const WString& section, const WString& key)
 {
-    Settings* settings = contents->sections.Find(section);
-    if (!settings || !settings->TryDelete(key))
-        return false;
-    contents->ini.Delete(section.ToUtf8().c_str(), key.ToUtf8().c_str());
-    return true;
+    return contents->TryDelete(section, key);
 }
 
 void IniFile::GetSections(WStringArray& sections) const
@@ -261,8 +307,8 @@ void IniFile::GetSections(WStringArray& sections) const
 
 void IniFile::GetKeys(const WString& section, WStringArray& keys) const
 {
-    if (const Settings* settings = contents->sections.Find(section))
-        settings->GetNames(keys);
+    if (const Section* found = contents->sections.Find(section))
+        found->settings.GetNames(keys);
     else
         keys.Clear();
 }

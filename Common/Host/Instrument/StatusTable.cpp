@@ -9,10 +9,15 @@
 #include "Text/ReferenceText.h"
 
 #include <algorithm>
+#include <cmath>
+#include <iterator>
 #include <limits>
 #include <map>
 #include <mutex>
+#include <optional>
+#include <set>
 #include <utility>
+#include <vector>
 
 using ReferenceText::Fault;
 
@@ -35,6 +40,8 @@ struct DelayedValue
 {
     WString text;
     unsigned int due;
+    unsigned int travel = 0;    // for so many ms before it is due the item is on its way there
+    std::optional<double> from; // where that began
 };
 
 using Items = std::map<WString, Item, NameOrder>;
@@ -45,13 +52,15 @@ bool IsInFile(const IniFile& file, const WString& name)
     return file.TryGet(section, name, text);
 }
 
-/// Sets the items whose text in `current` differs from that in `former`, and drops those that only `former` has.
-void TakeOver(Items& items, const IniFile& current, const IniFile& former)
+/// Sets the items whose text in `current` differs from that in `former`, and drops those that only `former` has. Yields
+/// the lines that do not fit, whose items stay as they are.
+std::vector<IniFile::Fault> TakeOver(Items& items, const IniFile& current, const IniFile& former)
 {
     std::erase_if(items, [&](const auto& entry) {
         const auto& [name, item] = entry;
         return !item.IsLive() && IsInFile(former, name) && !IsInFile(current, name);
     });
+    std::vector<IniFile::Fault> faults;
     WStringArray names;
     current.GetKeys(section, names);
     std::size_t count = 0;
@@ -66,10 +75,11 @@ void TakeOver(Items& items, const IniFile& current, const IniFile& former)
         Item item;
         WString reason;
         if (!TryParseStatusItem(text, item.type, item.text, reason))
-            WholeFile::Fail(current.GetPath(), name + L": " + reason);
-        if (Item& known = items[name]; !known.IsLive())
-            known = item;
+            faults.push_back({current.GetLine(section, name), name + L": " + reason});
+        else if (const auto known = items.find(name); known == items.end() || !known->second.IsLive())
+            items[name] = item;
     }
+    return faults;
 }
 
 /// Appends the item's value. The count of items both ends a circle of references and bounds what many references may
@@ -99,6 +109,11 @@ bool Fits(const WString& name, StatusType type, const WString& text)
     return row && row->fits(text) && IniFile::CanHold(section, name, text);
 }
 
+bool IsNumber(StatusType type)
+{
+    return type == ST_Double || type == ST_Int || type == ST_UInt || type == ST_UInt64;
+}
+
 } // namespace
 
 struct StatusTable::Data
@@ -107,35 +122,42 @@ struct StatusTable::Data
     std::shared_ptr<const Items> items = std::make_shared<Items>(); // replaced as a whole: who holds it sees one moment
     std::map<WString, DelayedValue, NameOrder> delayed;
     std::unique_ptr<IniFile> file = std::make_unique<IniFile>(); // as this process last saw it
+    std::set<WString, NameOrder> changed;                        // that are not as the file has them
+    std::vector<IniFile::Fault> faults;
     unsigned int lastCheck = 0;
 
     // Called with the lock held.
-    void Load(const std::string& path);
+    void Load(const std::string& path, const std::string& defaults);
     void ReadChanges();
     void Refresh(unsigned int interval);
     void Put(const WString& name, Item item);
+    void Change(const WString& name, std::optional<Item> item);
+    void SetDue(unsigned int now);
+    void Travel(const WString& name, DelayedValue& value, unsigned int now);
+    void StopTravel(const WString& name);
     StatusType GetTypeToSet(const WString& name, const WString& value) const;
     bool TrySet(const WString& name, const WString& value);
     bool TryAdd(const WString& name, StatusType type, const WString& value);
     void Save();
+    void DropChanges();
 
     /// Takes the lock, for no longer than it takes to get hold of the items: live ones are read without it.
     std::shared_ptr<const Items> Look();
 };
 
-void StatusTable::Data::Load(const std::string& path)
+void StatusTable::Data::Load(const std::string& path, const std::string& defaults)
 {
-    auto loaded = std::make_unique<IniFile>();
-    loaded->Load(path);
-    auto replacement = std::make_shared<Items>();
-    for (const auto& [name, item] : *items)
-        if (item.IsLive())
-            replacement->emplace(name, item);
-    TakeOver(*replacement, *loaded, IniFile());
-    items = std::move(replacement);
-    file.swap(loaded);
+    auto live = std::make_shared<Items>(*items);
+    std::erase_if(*live, [](const auto& entry) { return !entry.second.IsLive(); });
+    items = live;
     delayed.clear();
+    changed.clear();
+    faults.clear();
     lastCheck = GetTickCount();
+    file->Load(path, defaults);
+    faults = file->GetFaults();
+    std::ranges::copy(TakeOver(*live, *file, IniFile()), std::back_inserter(faults));
+    std::ranges::sort(faults, {}, &IniFile::Fault::line);
 }
 
 void StatusTable::Data::ReadChanges()
@@ -161,14 +183,48 @@ void StatusTable::Data::Refresh(unsigned int interval)
             // Another process or an editor is at work; what is known stays until the file can be read.
         }
     }
+    SetDue(now);
+}
+
+void StatusTable::Data::SetDue(unsigned int now)
+{
     for (auto entry = delayed.begin(); entry != delayed.end();) {
-        if (static_cast<int>(now - entry->second.due) >= 0) {
-            TrySet(entry->first, entry->second.text);
+        auto& [name, value] = *entry;
+        if (static_cast<int>(now - value.due) >= 0) {
+            TrySet(name, value.text);
             entry = delayed.erase(entry);
         } else {
+            Travel(name, value, now);
             ++entry;
         }
     }
+}
+
+/// Brings the item as far on its way as it is by now.
+void StatusTable::Data::Travel(const WString& name, DelayedValue& value, unsigned int now)
+{
+    const unsigned int left = value.due - now;
+    const auto item = items->find(name);
+    double current = 0;
+    double target = 0;
+    if (value.travel == 0 || left > value.travel || item == items->end() ||
+        !item->second.text.TryParseDouble(current) || !value.text.TryParseDouble(target))
+        return;
+    if (!value.from)
+        value.from = current;
+    const double share = static_cast<double>(left) / value.travel;
+    const double reached = *value.from * share + target * (1 - share);
+    const WString text = item->second.type == ST_Double ? WString::Format(L"%.10g", reached)
+                                                        : WString::Format(L"%.0f", std::round(reached) + 0.0); // no -0
+    if (text != item->second.text)
+        TrySet(name, text);
+}
+
+void StatusTable::Data::StopTravel(const WString& name)
+{
+    const auto found = delayed.find(name.Trim());
+    if (found != delayed.end() && found->second.from)
+        delayed.erase(found);
 }
 
 void StatusTable::Data::Put(const WString& name, Item item)
@@ -178,12 +234,24 @@ void StatusTable::Data::Put(const WString& name, Item item)
     items = std::move(changed);
 }
 
+/// Sets the item, or deletes it, for Save to write.
+void StatusTable::Data::Change(const WString& name, std::optional<Item> item)
+{
+    auto copy = std::make_shared<Items>(*items);
+    if (item)
+        (*copy)[name] = *std::move(item);
+    else
+        copy->erase(name);
+    changed.insert(name);
+    items = std::move(copy);
+}
+
 bool StatusTable::Data::TryAdd(const WString& name, StatusType type, const WString& value)
 {
     const WString text = value.Trim();
     if (!Fits(name, type, text))
         return false;
-    Put(name.Trim(), {type, text, nullptr});
+    Change(name.Trim(), Item{type, text, nullptr});
     return true;
 }
 
@@ -205,12 +273,32 @@ void StatusTable::Data::Save()
 {
     const WholeFile::Lock fileLock(file->GetPath());
     ReadChanges();
-    auto changed = std::make_unique<IniFile>(*file); // what could not be saved is not known as the file's
-    for (const auto& [name, item] : *items)
-        if (!item.IsLive())
-            changed->Set(section, name, FindStatusItemType(item.type)->name + (L":" + item.text));
-    changed->Save();
-    file.swap(changed);
+    auto current = std::make_unique<IniFile>(*file); // what cannot be saved is not known as the file's
+    for (const WString& name : changed) {
+        if (const auto item = items->find(name); item == items->end())
+            current->TryDelete(section, name);
+        else
+            current->Set(section, name, FindStatusItemType(item->second.type)->name + (L":" + item->second.text));
+    }
+    current->Save();
+    file.swap(current);
+    changed.clear();
+}
+
+/// Makes what is changed again what the file says.
+void StatusTable::Data::DropChanges()
+{
+    auto former = std::make_shared<Items>(*items);
+    for (const WString& name : changed) {
+        former->erase(name);
+        Item item;
+        WString text;
+        WString reason;
+        if (file->TryGet(section, name, text) && TryParseStatusItem(text, item.type, item.text, reason))
+            (*former)[name] = item;
+    }
+    items = std::move(former);
+    changed.clear();
 }
 
 std::shared_ptr<const Items> StatusTable::Data::Look()
@@ -224,10 +312,18 @@ StatusTable::StatusTable() : data(std::make_unique<Data>()) {}
 
 StatusTable::~StatusTable() = default;
 
-void StatusTable::Load(const std::string& path)
+void StatusTable::Load(const std::string& path, const std::string& defaults)
 {
     const std::lock_guard guard(data->lock);
-    data->Load(path);
+    data->Load(path, defaults);
+}
+
+void StatusTable::GetFaults(WStringArray& faults) const
+{
+    const std::lock_guard guard(data->lock);
+    faults.Clear();
+    for (const IniFile::Fault& fault : data->faults)
+        faults.Add(data->file->Describe(fault));
 }
 
 void StatusTable::Refresh()
@@ -309,17 +405,37 @@ bool StatusTable::TrySet(const WString& name, const WString& value)
 {
     const std::lock_guard guard(data->lock);
     data->Refresh(fileCheckInterval);
-    return data->TrySet(name, value);
+    if (!data->TrySet(name, value))
+        return false;
+    data->StopTravel(name);
+    return true;
 }
 
-bool StatusTable::TrySetAfter(const WString& name, const WString& value, unsigned int milliseconds)
+bool StatusTable::TryDelete(const WString& name)
+{
+    const std::lock_guard guard(data->lock);
+    data->Refresh(fileCheckInterval);
+    const auto found = data->items->find(name);
+    if (found == data->items->end() || found->second.IsLive())
+        return false;
+    data->delayed.erase(name);
+    data->Change(name, std::nullopt);
+    return true;
+}
+
+bool StatusTable::TrySetAfter(const WString& name, const WString& value, unsigned int milliseconds, unsigned int travel)
 {
     constexpr unsigned int longest = std::numeric_limits<int>::max(); // the clock wraps
     const std::lock_guard guard(data->lock);
     data->Refresh(fileCheckInterval);
-    if (!Fits(name, data->GetTypeToSet(name, value), value.Trim()))
+    const StatusType type = data->GetTypeToSet(name, value);
+    if (!Fits(name, type, value.Trim()) || (travel != 0 && !IsNumber(type)))
         return false;
-    data->delayed[name] = {value, GetTickCount() + std::min(milliseconds, longest)};
+    const unsigned int now = GetTickCount();
+    const unsigned int delay = std::min(milliseconds, longest);
+    const unsigned int way = std::min(travel, longest - delay);
+    data->delayed[name] = {value.Trim(), now + delay + way, way, std::nullopt};
+    data->SetDue(now);
     return true;
 }
 
@@ -346,7 +462,12 @@ void StatusTable::AddLive(const WString& name, StatusType type, std::function<WS
 void StatusTable::Save()
 {
     const std::lock_guard guard(data->lock);
-    data->Save();
+    try {
+        data->Save();
+    } catch (...) {
+        data->DropChanges();
+        throw;
+    }
 }
 
 void StatusTable::GetNames(WStringArray& names) const

@@ -26,11 +26,14 @@ public:
     StatusTable& operator=(const StatusTable&) = delete;
 
     /// Replaces the items that are not live by those of an INI file, and forgets delayed values: a section "[Items]"
-    /// with lines "Name=type:value", type one of bool, double, string, exitcode, formatted, int, uint, uint64. An
-    /// absent file gives none. A line that does not fit throws HostException(FileError) naming the file, the item and
-    /// the reason, and changes nothing.
-    void Load(const std::string& path);
-    /// Looks at the file at once. A file that is faulty just then, perhaps half edited, changes nothing.
+    /// with lines "Name=type:value", type one of bool, double, string, exitcode, formatted, int, uint, uint64. A line
+    /// that does not fit gives no item and stays as it is. In place of an absent file serves `defaults`, if it is given
+    /// and there. Throws HostException (FileError or Aborted): there are no items then, until the file can be read.
+    void Load(const std::string& path, const std::string& defaults = "");
+    /// A line for each line of the file that did not fit when it was loaded: the file, the number and why.
+    void GetFaults(WStringArray& faults) const;
+    /// Looks at the file at once. A file that cannot be read just then changes nothing, nor does a line that does not
+    /// fit, perhaps half edited.
     void Refresh();
 
     /// The item's type and value, of one moment: what others do to the table between two operations cannot come between
@@ -55,8 +58,11 @@ public:
     /// item's type, or the item is live.
     bool TrySet(const WString& name, const WString& value);
     /// As TrySet, to take effect in this process after a delay (24 days at most). False when TrySet would fail now; a
-    /// value that no longer fits when it is due is dropped. Replaces an earlier delayed value.
-    bool TrySetAfter(const WString& name, const WString& value, unsigned int milliseconds);
+    /// value that no longer fits when it is due is dropped. Replaces an earlier delayed value. For `travel` more
+    /// milliseconds a number goes there evenly from what it is when the delay has ended, until it is set otherwise.
+    bool TrySetAfter(const WString& name, const WString& value, unsigned int milliseconds, unsigned int travel = 0);
+    /// False when there is no such item, or it is live.
+    bool TryDelete(const WString& name);
     /// Makes all delayed values take effect now.
     void SetDelayed();
     /// Adds or replaces an item of a type with its value as text; false when the text does not fit.
@@ -64,8 +70,8 @@ public:
     /// A live item: its text is asked for at every reading, by the thread that reads. Outlives Load, and hides the
     /// file's item of that name.
     void AddLive(const WString& name, StatusType type, std::function<WString()> read);
-    /// Writes the items that are not live back to their file, in one step, on top of what others changed there. Throws
-    /// HostException (FileError, or Aborted while another process saves).
+    /// Writes what was changed back to the file, in one step, on top of what others changed there. Throws HostException
+    /// (FileError, or Aborted while another process saves), and the changes are undone.
     void Save();
     /// All names, sorted.
     void GetNames(WStringArray& names) const;

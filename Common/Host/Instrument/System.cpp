@@ -6,11 +6,13 @@
 #include "Services/WholeFile.h"
 #include "Text/HostError.h"
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <limits>
 
 static std::string dataFolder_lc;
+static bool mayChange_lc = false;
 ConfigFileData System::config;
 StatusTable System::status;
 UsageLog System::usage;
@@ -60,6 +62,32 @@ void AddLiveItems(StatusTable& status)
     });
 }
 
+/// Does a step of the start. What a file does to it is reported, with what follows from that, and the start goes on.
+template <typename Step>
+bool TryTo(WStringArray& reports, const wchar_t* consequence, const Step& step)
+try {
+    step();
+    return true;
+} catch (const HostException& failure) {
+    if (!IsHostError(failure, HostError::FileError))
+        throw;
+    reports.Add(failure.GetMessage() + L"; " + consequence);
+    return false;
+}
+
+/// Reports the lines of a data file that are not understood: of a file that is mostly damaged not all.
+template <typename Data>
+void AddFaults(WStringArray& reports, const Data& data)
+{
+    constexpr std::size_t most = 10;
+    WStringArray faults;
+    data.GetFaults(faults);
+    for (std::size_t i = 0; i < std::min(faults.Count(), most); ++i)
+        reports.Add(faults[i] + L"; the line stays as it is");
+    if (faults.Count() > most)
+        reports.Add(WString::Format(L"%s, and %u more lines", faults[most], faults.Count() - most - 1));
+}
+
 void SeedRandom(const std::string& configFile)
 {
     constexpr unsigned int highest = std::numeric_limits<unsigned int>::max();
@@ -85,21 +113,40 @@ bool IsLogToBeEnabled(const WString& name, bool enabled)
 
 } // namespace
 
-void System::Start(const std::string& dataFolder, const std::string& profileFolder)
+WStringArray System::Start(const std::string& dataFolder, const std::string& profileFolder)
 {
+    constexpr const wchar_t* unmade = L"the values of the profile are used, and cannot be saved";
     const std::string folder = std::filesystem::absolute(dataFolder).string();
-    MakeFolder(folder);
-    for (const char* name : profileFiles_lc)
-        CopyIfMissing(profileFolder + "/" + name, folder + "/" + name);
-
-    config.Load(folder + "/Config.ini");
-    status.Load(folder + "/Status.ini");
-    usage.Open(folder + "/Usage.db");
+    const auto get = [&](const char* name) { return folder + "/" + name; };
+    WStringArray reports;
+    if (TryTo(reports, unmade, [&] { MakeFolder(folder); })) {
+        for (const char* name : profileFiles_lc) {
+            TryTo(reports, unmade, [&] { CopyIfMissing(profileFolder + "/" + name, get(name)); });
+            WholeFile::CleanUp(get(name));
+        }
+        TryTo(reports, L"nothing is counted", [&] {
+            if (const WString report = usage.Open(get("Usage.db")); !report.IsEmpty())
+                reports.Add(report);
+        });
+    }
+    TryTo(reports, L"there are no settings until it can be read",
+        [&] { config.Load(get("Config.ini"), profileFolder + "/Config.ini"); });
+    TryTo(reports, L"there are no items until it can be read",
+        [&] { status.Load(get("Status.ini"), profileFolder + "/Status.ini"); });
+    AddFaults(reports, config);
+    AddFaults(reports, status);
     AddLiveItems(status);
-    SeedRandom(folder + "/Config.ini");
+    TryTo(reports, L"the system draws one", [&] { SeedRandom(get("Config.ini")); });
     dataFolder_lc = folder;
+    mayChange_lc = !WholeFile::IsProtected(get("Config.ini"));
     errorLog.SetEnabled(true);
-    LogFile::Attach(folder, IsLogToBeEnabled);
+    LogFile::Attach(mayChange_lc ? folder : "", IsLogToBeEnabled); // or their owner could not write to them
+    return reports;
+}
+
+bool System::MayChange() noexcept
+{
+    return mayChange_lc;
 }
 
 const std::string& System::GetDataFolder() noexcept

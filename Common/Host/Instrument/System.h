@@ -20,11 +20,15 @@ public:
     static Rand random;
 
     /// Opens the data folder with its files Config.ini, Status.ini and Usage.db. The folder is made when it is missing,
-    /// and so are the files, the first two as copies from `profileFolder`; a folder that cannot be written is used for
-    /// reading alone when it holds them all. Registers the live status items InfoDate, InfoTime and UpTime (seconds
-    /// since now), seeds `random` from `[Random] Seed` when that is set, and configures the logs. Called before other
-    /// threads use any of these. Throws HostException(FileError).
-    static void Start(const std::string& dataFolder, const std::string& profileFolder);
+    /// and so are the files, the first two as copies from `profileFolder`. Registers the live status items InfoDate,
+    /// InfoTime and UpTime (seconds since now), seeds `random` from `[Random] Seed` when that is set, and configures
+    /// the logs. Called before other threads use any of these.
+    ///
+    /// No file stops it: one that is damaged, or cannot be made, read or written, is worked around. Yields a line for
+    /// each of these, for the user: the file, what is wrong and what follows from that.
+    static WStringArray Start(const std::string& dataFolder, const std::string& profileFolder);
+    /// False when the data are another user's who lets this process read alone. It makes no files beside them then.
+    static bool MayChange() noexcept;
     /// The absolute path of the folder given to Start; empty before. Safe under threads once Start has returned.
     static const std::string& GetDataFolder() noexcept;
 

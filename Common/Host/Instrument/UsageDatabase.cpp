@@ -4,19 +4,32 @@
 
 #include <chrono>
 #include <filesystem>
+#include <optional>
 #include <thread>
 
 #include <sqlite3.h>
+#include <unistd.h>
 
 namespace {
 
 constexpr char setup[] = "PRAGMA synchronous = OFF;" // until there is something that must last
-                         "PRAGMA journal_mode = WAL;"
-                         "CREATE TABLE IF NOT EXISTS counters ("
-                         " key TEXT PRIMARY KEY," // the name in lower case
-                         " name TEXT NOT NULL,"   // as first spelled
-                         " value INTEGER NOT NULL"
-                         ") WITHOUT ROWID";
+                         "PRAGMA journal_mode = WAL;";
+
+constexpr char creation[] = "CREATE TABLE IF NOT EXISTS counters ("
+                            " key TEXT PRIMARY KEY," // the name in lower case
+                            " name TEXT NOT NULL,"   // as first spelled
+                            " value INTEGER NOT NULL"
+                            ") WITHOUT ROWID";
+
+/// What is wrong with the file, a row each: first with its pages, then with what stands in them. Letters outside ASCII
+/// are left out, for SQLite does not know their case.
+constexpr char examination[] =
+    "SELECT * FROM pragma_quick_check(1) WHERE quick_check <> 'ok' UNION ALL "
+    "SELECT 'a counter is no longer what it was' FROM counters WHERE typeof(value) <> 'integer'"
+    " OR lower(name) <> key AND name NOT GLOB '*[^ -~]*'";
+
+/// The pages of a file that was made but has got no table yet.
+constexpr char pageCount[] = "PRAGMA page_count";
 
 constexpr std::chrono::milliseconds patience(1000);
 
@@ -31,14 +44,38 @@ int WaitWhileBusy(void*, int timesBefore)
 }
 
 /// SQLite does not wait by itself where two connections change the journal of a new file at once.
-bool TrySetUp(sqlite3* connection)
+bool TryExecute(sqlite3* connection, const char* statement)
 {
     const auto end = std::chrono::steady_clock::now() + patience;
     int result = SQLITE_BUSY;
     do
-        result = sqlite3_exec(connection, setup, nullptr, nullptr, nullptr);
+        result = sqlite3_exec(connection, statement, nullptr, nullptr, nullptr);
     while (result == SQLITE_BUSY && std::chrono::steady_clock::now() < end && WaitWhileBusy(nullptr, 0));
     return result == SQLITE_OK;
+}
+
+/// The first value that the query yields, as text; none when it yields no row or fails.
+std::optional<std::string> Ask(sqlite3* connection, const char* query)
+{
+    std::optional<std::string> answer;
+    const auto take = [](void* target, int, char** values, char**) {
+        *static_cast<std::optional<std::string>*>(target) = values[0] ? values[0] : "";
+        return 1; // enough
+    };
+    sqlite3_exec(connection, query, take, &answer, nullptr);
+    return answer;
+}
+
+/// Whether a failure comes from what the file holds, and not from how it can be used just now.
+bool IsOfContents(int result)
+{
+    switch (result & 0xFF) {
+    case SQLITE_ERROR: // in statements that suit every sound file
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+    case SQLITE_TOOBIG: return true;
+    default: return false;
+    }
 }
 
 /// A prepared statement in use; given back at the end, so that it does not keep the file's present state readable.
@@ -80,9 +117,11 @@ private:
     }
 };
 
-/// The file as one that nobody changes, which is how SQLite reads it without files of its own beside it.
-std::string GetUnchangingUri(const std::string& path)
+/// The file as SQLite reads it without files of its own beside it. One that has no journal is told to be one that
+/// nobody changes.
+std::string GetReadingUri(const std::string& path)
 {
+    const bool hasJournal = access((path + "-wal").c_str(), R_OK) == 0 && access((path + "-shm").c_str(), R_OK) == 0;
     std::string uri = "file:";
     for (const char ch : std::filesystem::absolute(path).string()) {
         if (ch == '%' || ch == '?' || ch == '#')
@@ -90,7 +129,7 @@ std::string GetUnchangingUri(const std::string& path)
         else
             uri += ch;
     }
-    return uri + "?immutable=1";
+    return uri + (hasJournal ? "?readonly_shm=1" : "?immutable=1");
 }
 
 } // namespace
@@ -117,7 +156,16 @@ void UsageDatabase::Closer::operator()(sqlite3_stmt* statement) const
     sqlite3_finalize(statement);
 }
 
+UsageDatabase::UsageDatabase() = default;
 UsageDatabase::~UsageDatabase() = default;
+
+/// The statements end before their connection.
+UsageDatabase& UsageDatabase::operator=(UsageDatabase&& other) noexcept
+{
+    statements = std::move(other.statements);
+    connection = std::move(other.connection);
+    return *this;
+}
 
 bool UsageDatabase::TryConnect(const std::string& name, int flags)
 {
@@ -142,14 +190,38 @@ bool UsageDatabase::TryPrepare()
     return true;
 }
 
-bool UsageDatabase::TryOpen(const std::string& path)
+UsageDatabase::State UsageDatabase::Open(const std::string& path)
 {
-    return TryConnect(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE) && TrySetUp(connection.get()) && TryPrepare();
+    if (!TryConnect(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE) || !TryExecute(connection.get(), setup))
+        return GetFailure();
+    const std::optional<std::string> pages = Ask(connection.get(), pageCount);
+    const bool isNew = pages == "0" || pages == "1";
+    if (isNew && !TryExecute(connection.get(), creation))
+        return GetFailure();
+    const State state = Examine();
+    if (isNew && state == State::Open)
+        Preserve(); // so that a file without the table is a damaged one
+    return state;
 }
 
-bool UsageDatabase::TryOpenForReading(const std::string& path)
+UsageDatabase::State UsageDatabase::OpenForReading(const std::string& path)
 {
-    return TryConnect(GetUnchangingUri(path), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI) && TryPrepare();
+    return TryConnect(GetReadingUri(path), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI) ? Examine() : GetFailure();
+}
+
+UsageDatabase::State UsageDatabase::Examine()
+{
+    if (!TryPrepare())
+        return GetFailure();
+    if (Ask(connection.get(), examination))
+        return State::Damaged;
+    const int result = sqlite3_errcode(connection.get());
+    return result == SQLITE_OK || result == SQLITE_DONE ? State::Open : GetFailure();
+}
+
+UsageDatabase::State UsageDatabase::GetFailure() const
+{
+    return IsOfContents(sqlite3_errcode(connection.get())) ? State::Damaged : State::Unusable;
 }
 
 std::string UsageDatabase::GetError() const

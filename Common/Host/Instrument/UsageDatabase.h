@@ -19,12 +19,22 @@ struct sqlite3_stmt;
 class UsageDatabase
 {
 public:
+    UsageDatabase();
+    UsageDatabase& operator=(UsageDatabase&& other) noexcept;
     ~UsageDatabase();
 
-    /// Opens or creates the file; a failed one serves for GetError alone.
-    bool TryOpen(const std::string& path);
-    /// Opens a file that nobody changes, without files of its own beside it.
-    bool TryOpenForReading(const std::string& path);
+    enum class State
+    {
+        Open,
+        Damaged, // what is read of it could not be trusted; the object does not serve
+        Unusable // just now or for this process, as GetError says; the object serves for that alone
+    };
+
+    /// Opens or creates the file, and examines it.
+    State Open(const std::string& path);
+    /// The same for a file that this process may not change: makes no files beside it, as SQLite would, which those who
+    /// may change it could then not write.
+    State OpenForReading(const std::string& path);
     std::string GetError() const;
 
     bool TryRead(const WString& name, long long& value);
@@ -69,6 +79,8 @@ private:
 
     bool TryConnect(const std::string& name, int flags);
     bool TryPrepare();
+    State Examine();
+    State GetFailure() const;
     bool Execute(Query query);
     sqlite3_stmt* operator[](Query query) const { return statements[query].get(); }
 };

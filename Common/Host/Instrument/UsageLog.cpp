@@ -1,10 +1,13 @@
 #include "Instrument/UsageLog.h"
 
 #include "Instrument/UsageDatabase.h"
+#include "Instrument/UsageJournal.h"
 #include "Services/Clock.h"
 #include "Services/WholeFile.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdio>
 #include <filesystem>
 #include <limits>
 #include <map>
@@ -13,11 +16,60 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-static bool IsFolderWritable(const std::string& path)
+using State = UsageDatabase::State;
+
+namespace {
+
+constexpr const char* endings_lc[] = {"", "-wal", "-shm"}; // of the file's name: the journal and its index
+
+/// Whether this process may change the file, and those beside it, or make it.
+bool MayWrite(const std::string& path)
 {
     const std::filesystem::path folder = std::filesystem::absolute(path).parent_path();
-    return faccessat(AT_FDCWD, folder.c_str(), W_OK, AT_EACCESS) == 0;
+    const auto isDenied = [](const std::string& name, int mode) {
+        return faccessat(AT_FDCWD, name.c_str(), mode, AT_EACCESS) != 0;
+    };
+    return !isDenied(folder, W_OK) && std::ranges::none_of(endings_lc, [&](const char* ending) {
+        return !isDenied(path + ending, F_OK) && isDenied(path + ending, W_OK);
+    });
 }
+
+std::string GetNameAside(const std::string& path)
+{
+    for (int i = 1;; ++i)
+        if (const std::string name = path + ".damaged" + std::to_string(i); !std::filesystem::exists(name))
+            return name;
+}
+
+std::string CopyAside(const std::string& path)
+{
+    const std::string aside = GetNameAside(path);
+    for (const std::string ending : {"", "-wal"}) {
+        std::string bytes;
+        if (const int errorNumber = WholeFile::Read(path + ending, bytes); errorNumber != 0)
+            WholeFile::Fail(path + ending, errorNumber);
+        WholeFile::Write(aside + ending, bytes);
+    }
+    return aside;
+}
+
+std::string MoveAside(const std::string& path)
+{
+    const std::string aside = GetNameAside(path);
+    if (std::rename(path.c_str(), aside.c_str()) != 0)
+        WholeFile::Fail(path, errno);
+    std::rename((path + "-wal").c_str(), (aside + "-wal").c_str());
+    unlink((path + "-shm").c_str());
+    return aside;
+}
+
+WString DescribeDamage(const std::string& path, const std::string& aside, const wchar_t* counters)
+{
+    return WString::Format(L"%s: damaged; it is kept as %s, and %s", WString::FromUtf8(path),
+        WString::FromUtf8(std::filesystem::path(aside).filename().string()), counters);
+}
+
+} // namespace
 
 /// An open file, and what has been counted but is not in it yet.
 class [[gnu::visibility("hidden")]] UsageLog::Counters
@@ -25,9 +77,11 @@ class [[gnu::visibility("hidden")]] UsageLog::Counters
 public:
     std::mutex lock; // held by whoever calls an operation
 
-    /// Opens the file; null, and the reason, when it does not serve.
-    static std::unique_ptr<Counters> OpenOrNull(const std::string& path, std::string& reason);
     ~Counters();
+
+    /// Opens the file, in place of a damaged one a new one, which it yields a report of. Throws
+    /// HostException(FileError).
+    WString Open(const std::string& path);
 
     void Gather(const WString& name, unsigned int by);
     /// Writes in one transaction what is gathered; false, and it stays gathered, when the file cannot be written.
@@ -48,6 +102,11 @@ public:
         return hasLasting && Write() && change(database);
     }
 
+    std::string GetError() const
+    {
+        return database.GetError();
+    }
+
 private:
     static constexpr unsigned int interval = 100; // ms
 
@@ -56,19 +115,50 @@ private:
     std::map<WString, long long> gathered;
     unsigned int gatheredSince = 0; // ticks of the clock
 
+    State TryOpen(const std::string& path);
+    WString Repair(const std::string& path);
     bool TryAddGathered(bool waits);
 };
 
-std::unique_ptr<UsageLog::Counters> UsageLog::Counters::OpenOrNull(const std::string& path, std::string& reason)
+WString UsageLog::Counters::Open(const std::string& path)
 {
-    auto opened = std::make_unique<Counters>();
-    if (opened->database.TryOpen(path))
-        return opened;
-    reason = opened->database.GetError();
-    opened = std::make_unique<Counters>();
-    if (IsFolderWritable(path) || !opened->database.TryOpenForReading(path))
-        opened.reset();
-    return opened;
+    if (!MayWrite(path)) {
+        if (const State state = database.OpenForReading(path); state != State::Open)
+            WholeFile::Fail(path, state == State::Damaged ? L"damaged" : WString::FromUtf8(database.GetError()));
+        return WString();
+    }
+    const State state = UsageJournal::IsSound(path) ? TryOpen(path) : State::Damaged;
+    if (state == State::Unusable)
+        WholeFile::Fail(path, WString::FromUtf8(database.GetError()));
+    return state == State::Damaged ? Repair(path) : WString();
+}
+
+State UsageLog::Counters::TryOpen(const std::string& path)
+{
+    database = UsageDatabase();
+    return database.Open(path);
+}
+
+/// Others may have found the damage at the same time, and the first of them has repaired it.
+WString UsageLog::Counters::Repair(const std::string& path)
+{
+    database = UsageDatabase(); // whose locks end
+    const WholeFile::Lock lock(path);
+    WString report;
+    const bool isJournalSound = UsageJournal::IsSound(path);
+    if (!isJournalSound)
+        report = DescribeDamage(path, CopyAside(path), L"the counters are those from before the damage");
+    State state = TryOpen(path);
+    if (state == State::Damaged) {
+        database = UsageDatabase();
+        report = DescribeDamage(path, MoveAside(path), L"a new one is begun");
+        state = TryOpen(path);
+    }
+    if (state != State::Open)
+        WholeFile::Fail(path, WString::FromUtf8(database.GetError()));
+    if (!isJournalSound)
+        database.Preserve(); // which ends the damaged journal
+    return report;
 }
 
 UsageLog::Counters::~Counters()
@@ -125,13 +215,13 @@ bool UsageLog::Counters::TryAddGathered(bool waits)
 UsageLog::UsageLog() = default;
 UsageLog::~UsageLog() = default;
 
-void UsageLog::Open(const std::string& path)
+WString UsageLog::Open(const std::string& path)
 {
     counters.reset();
-    std::string reason;
-    counters = Counters::OpenOrNull(path, reason);
-    if (!counters)
-        WholeFile::Fail(path, WString::FromUtf8(reason));
+    auto opened = std::make_unique<Counters>();
+    const WString report = opened->Open(path);
+    counters = std::move(opened);
+    return report;
 }
 
 bool UsageLog::TryGetUsageValue(const wchar_t* name, int& value) const
@@ -188,6 +278,14 @@ void UsageLog::Count(const WString& name, unsigned int by)
     const std::lock_guard guard(counters->lock);
     counters->Gather(name, by);
     counters->WriteIfDue();
+}
+
+WString UsageLog::GetFault() const
+{
+    if (!counters)
+        return L"there is no usable file";
+    const std::lock_guard guard(counters->lock);
+    return WString::FromUtf8(counters->GetError());
 }
 
 void UsageLog::WriteCounts() noexcept

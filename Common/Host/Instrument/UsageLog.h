@@ -28,9 +28,11 @@ public:
     UsageLog(const UsageLog&) = delete;
     UsageLog& operator=(const UsageLog&) = delete;
 
-    /// Opens or creates the file in place of the one that was open; in a folder that cannot be written the file is used
-    /// for reading alone. Throws HostException(FileError) with name and reason, and then no file is open.
-    void Open(const std::string& path);
+    /// Opens or creates the file in place of the one that was open. One that this process may not change is used for
+    /// reading alone. One that is damaged is kept aside, as "<path>.damaged1" or so, and a new one is begun; if only
+    /// its journal is damaged, with the counters from before that. Yields a report of it in one line, else an empty
+    /// text. Throws HostException(FileError) with name and reason, and then no file is open.
+    WString Open(const std::string& path);
     /// The counter, saturated to the signed 32-bit range.
     bool TryGetUsageValue(const wchar_t* name, int& value) const;
     /// Adds to the counter, which starts at 0; false when the file cannot be written. A sum beyond 64 bits leaves the
@@ -39,6 +41,8 @@ public:
     bool Set(const wchar_t* name, long long value);
     /// False when there is no such counter, or when the file cannot be written.
     bool TryDelete(const wchar_t* name);
+    /// Why the last operation has failed.
+    WString GetFault() const;
     /// All names, sorted.
     void GetNames(WStringArray& names) const;
 

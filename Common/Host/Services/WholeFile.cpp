@@ -6,23 +6,28 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
-#include <memory>
+#include <filesystem>
 #include <random>
 #include <system_error>
+#include <vector>
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
 constexpr int longestWait = 10000; // ms for the lock of a file
 
-/// The file behind symbolic links, so that replacing it keeps the link.
+/// The file behind symbolic links, whether it is there or not, so that replacing it keeps the link.
 std::string Resolve(const std::string& path)
 {
-    const std::unique_ptr<char, decltype(&std::free)> resolved(realpath(path.c_str(), nullptr), std::free);
-    return resolved ? resolved.get() : path;
+    constexpr int mostLinks = 40;
+    std::filesystem::path target = path;
+    std::error_code error;
+    for (int i = 0; i < mostLinks && std::filesystem::is_symlink(target, error); ++i)
+        target = target.parent_path() / std::filesystem::read_symlink(target, error); // an absolute one stands alone
+    return target;
 }
 
 FileStamp ToStamp(const struct stat& status)
@@ -49,11 +54,42 @@ bool TryWriteAll(int descriptor, std::string_view text)
     WholeFile::Fail(path, L"Not a regular file");
 }
 
+constexpr std::string_view temporaryEnding = ".tmp";
+
 /// A name that no other process or thread has, in whatever container or machine it shares the folder from.
 std::string GetTemporaryName(const std::string& target)
 {
     std::random_device random;
-    return target + "." + std::to_string(random()) + std::to_string(random()) + ".tmp";
+    return target + "." + std::to_string(random()) + std::to_string(random()) + std::string(temporaryEnding);
+}
+
+/// The files of such names.
+std::vector<std::filesystem::path> ListTemporaries(const std::filesystem::path& target)
+{
+    const std::string start = target.filename().string() + ".";
+    std::vector<std::filesystem::path> found;
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(target.has_parent_path() ? target.parent_path() : ".", error), end;
+         !error && entry != end; entry.increment(error)) {
+        const std::string name = entry->path().filename();
+        if (name.starts_with(start) && name.ends_with(temporaryEnding) &&
+            name.find_first_not_of("0123456789", start.size()) == name.size() - temporaryEnding.size())
+            found.push_back(entry->path());
+    }
+    return found;
+}
+
+/// Opens the file of the lock, which is for everyone who may change the file itself.
+int OpenLock(const std::string& target)
+{
+    if (WholeFile::IsProtected(target))
+        return -1;
+    const int descriptor =
+        open((target + ".lock").c_str(), O_RDONLY | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0666);
+    struct stat status = {};
+    if (descriptor >= 0 && stat(target.c_str(), &status) == 0) [[maybe_unused]]
+        const int changed = fchmod(descriptor, status.st_mode & 0666); // by its owner
+    return descriptor;
 }
 
 /// Writes the text to what is to become the file `target`, with the permissions that `target` has.
@@ -113,6 +149,8 @@ int WholeFile::Read(const std::string& path, std::string& text)
 FileStamp WholeFile::Write(const std::string& path, std::string_view text)
 {
     const std::string target = Resolve(path);
+    if (IsProtected(target))
+        Fail(path, errno);
     const std::string temporary = GetTemporaryName(target);
     const FileDescriptor file(open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
     if (!file.IsOpen())
@@ -126,15 +164,31 @@ FileStamp WholeFile::Write(const std::string& path, std::string_view text)
     return stamp;
 }
 
-WholeFile::Lock::Lock(const std::string& path)
-    : file(open((Resolve(path) + ".lock").c_str(), O_RDONLY | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0666))
+WholeFile::Lock::Lock(const std::string& path) : file(OpenLock(Resolve(path)))
 {
     if (!file.IsOpen())
         Fail(path, errno);
-    if (file.TryLock(longestWait))
-        return;
-    Abort::ThrowIfRequested();
-    Fail(path, L"locked by another process");
+    if (!file.TryLock(longestWait)) {
+        Abort::ThrowIfRequested();
+        Fail(path, L"locked by another process");
+    }
+    for (const std::filesystem::path& temporary : ListTemporaries(Resolve(path)))
+        unlink(temporary.c_str()); // who had the lock was killed
+}
+
+bool WholeFile::IsProtected(const std::string& path)
+{
+    const std::string target = Resolve(path);
+    return faccessat(AT_FDCWD, target.c_str(), F_OK, AT_EACCESS) == 0 &&
+        faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0;
+}
+
+void WholeFile::CleanUp(const std::string& path)
+try {
+    if (!ListTemporaries(Resolve(path)).empty()) {
+        const Lock lock(path);
+    }
+} catch (const HostException&) { // they do no harm
 }
 
 void WholeFile::Fail(const std::string& path, const WString& reason)

@@ -35,14 +35,16 @@ int OpenRegular(const std::string& path, int flags);
 int Read(const std::string& path, std::string& text);
 
 /// Replaces the file, or makes it, in one step: whoever opens it meanwhile, and who finds it after a power failure,
-/// sees the old contents or the new, never a part. Keeps the permissions and follows a symbolic link. Returns the new
-/// file's stamp, also when another process has replaced the file again by then. Throws HostException(FileError).
+/// sees the old contents or the new, never a part. Keeps the permissions and follows a symbolic link, also to a file
+/// that is to be made. Returns the new file's stamp, also when another process has replaced the file again by then.
+/// Throws HostException(FileError), also for a file that may only be read, in whatever folder.
 FileStamp Write(const std::string& path, std::string_view text);
 
 /// Keeps others who take the lock from the file for the length of a scope, so that reading, changing and replacing it
 /// become one step. The lock is that of a file beside it, "<name>.lock", which stays: the file itself gives way to
-/// another when it is replaced. Throws HostException: FileError when the folder cannot be written or when another holds
-/// the lock for 10 s, Aborted when an abort is requested while waiting.
+/// another when it is replaced. What a Write under the lock has left behind that was killed is removed. Throws
+/// HostException: FileError when the file or the folder cannot be written or when another holds the lock for 10 s,
+/// Aborted when an abort is requested while waiting.
 class Lock
 {
 public:
@@ -51,6 +53,13 @@ public:
 private:
     const FileDescriptor file;
 };
+
+/// Whether the file, or the one that it is a link to, is there and this process may not change it, with errno then. The
+/// folder's permission to replace it does not count: whoever owns the file would be locked out of the new one.
+bool IsProtected(const std::string& path);
+
+/// Removes what such a Write has left behind, if that can be done. Throws nothing but for want of memory.
+void CleanUp(const std::string& path);
 
 /// Throws HostException(FileError) with the path and the reason.
 [[noreturn]] void Fail(const std::string& path, const WString& reason);
