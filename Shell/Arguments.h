@@ -22,6 +22,7 @@ struct Arguments
     bool traces = false;
     std::optional<std::string> assertReport;
     std::optional<std::string> sessionLog;
+    bool isFresh = false;
     std::string dataFolder;
     std::vector<std::string> plugins;
 };

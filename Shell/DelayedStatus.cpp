@@ -9,14 +9,14 @@
 
 static std::optional<unsigned int> lastDue_lc; // ticks of the clock
 
-bool DelayedStatus::TrySet(const WString& name, const WString& value, unsigned int milliseconds)
+bool DelayedStatus::TrySet(const WString& name, const WString& value, unsigned int delay, unsigned int travel)
 {
-    if (!System::status.TrySetAfter(name, value, milliseconds))
+    if (!System::status.TrySetAfter(name, value, delay, travel))
         return false;
     const unsigned int now = GetTickCount();
     const unsigned int wait = lastDue_lc ? *lastDue_lc - now : 0;
     const bool isPast = static_cast<int>(wait) < 0; // the clock wraps
-    lastDue_lc = now + std::max(isPast ? 0 : wait, milliseconds);
+    lastDue_lc = now + std::max(isPast ? 0 : wait, delay + travel);
     return true;
 }
 

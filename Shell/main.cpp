@@ -19,6 +19,7 @@
 #include "Terminal.h"
 #include "Text/Abort.h"
 #include "Text/HostError.h"
+#include "ThrowAwayFolder.h"
 #include "Trace.h"
 
 #include <csignal>
@@ -207,11 +208,19 @@ static bool FinishRun(unsigned int start, Watchers& watchers)
 }
 
 /// The shell with its arguments read; yields its exit status.
-static int RunShell(const Arguments& arguments)
+static int RunShell(Arguments& arguments)
 {
     const unsigned int start = GetTickCount();
+    std::optional<ThrowAwayFolder> folder;
     std::optional<Watchers> watchers;
-    if (!TryTo([&] { return watchers.emplace(arguments), Start(arguments), true; }))
+    const auto startUp = [&] {
+        if (arguments.isFresh)
+            arguments.dataFolder = folder.emplace().GetPath();
+        watchers.emplace(arguments);
+        Start(arguments);
+        return true;
+    };
+    if (!TryTo(startUp))
         return 1;
     const bool succeeded = TryTo([&] { return Run(arguments, watchers->asserts ? &*watchers->asserts : nullptr); });
     Abort::Clear(); // it has ended the run, and not what is to be done behind it

@@ -11,11 +11,11 @@ constexpr UsageLine usage_lc[] = {
     L" Lists the events that match the pattern, or all; shows an event; sets one,",
     L" making it when there is none of that name; or deletes one.",
     L"Options:",
-    L" -z  Zap/Delete the event.",
+    L" -z     Zap/Delete the event.",
+    L" -json  Write what is listed or shown as a JSON object.",
 };
 
-constexpr FlagOption zap_lc(L"z", badOptionValue, L"Delete the event");
-constexpr OptionRecord options_lc[] = {zap_lc};
+constexpr OptionRecord options_lc[] = {ItemCommand::zap, ItemCommand::json};
 
 struct ReferenceEnder
 {
@@ -27,23 +27,13 @@ class Event : public ItemCommand
 {
 public:
     Event() : ItemCommand(event_gb) {}
-    ExitCode Main(ArgumentList& arguments, Options& options) override;
 
 protected:
     void GetNames(WStringArray& names) override { OS9EventManager::GetNames(names); }
     bool TryGet(const WString& name, WString& value) override;
     void Set(const WString& name, const WString& value) override;
+    bool TryDelete(const WString& name) override { return OS9EventManager::TryDelete(name); }
 };
-
-ExitCode Event::Main(ArgumentList& arguments, Options& options)
-{
-    if (!options.TryGetFlag(zap_lc))
-        return ItemCommand::Main(arguments, options);
-    Accept(arguments, options, 1, 1);
-    if (!OS9EventManager::TryDelete(arguments.At(0)))
-        FailAsAbsent(arguments.At(0));
-    return ExitCode(0);
-}
 
 bool Event::TryGet(const WString& name, WString& value)
 {

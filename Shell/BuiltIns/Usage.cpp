@@ -6,9 +6,15 @@ namespace {
 constexpr UsageLine usage_lc[] = {
     L"Usage: Usage [<pattern>]",
     L"       Usage <counter>[=<number>]",
+    L"       Usage -z <counter>",
     L" Lists the usage counters that match the pattern, or all; shows a counter;",
-    L" or sets one.",
+    L" sets one; or deletes one.",
+    L"Options:",
+    L" -z     Zap/Delete the counter.",
+    L" -json  Write what is listed or shown as a JSON object.",
 };
+
+constexpr OptionRecord options_lc[] = {ItemCommand::zap, ItemCommand::json};
 
 class Usage : public ItemCommand
 {
@@ -19,13 +25,14 @@ protected:
     void GetNames(WStringArray& names) override { System::usage.GetNames(names); }
     bool TryGet(const WString& name, WString& value) override { return Reference::TryGetUsage(name, value); }
     void Set(const WString& name, const WString& value) override;
+    bool TryDelete(const WString& name) override { return System::usage.TryDelete(name.ToCString()); }
 };
 
 void Usage::Set(const WString& name, const WString& value)
 {
     if (!System::usage.Set(name.ToCString(), ReadInt32(value)))
-        Fail(failed, L"The usage counters cannot be written");
+        Fail(failed, L"The usage counters cannot be written: " + System::usage.GetFault());
 }
 } // namespace
 
-constexpr CommandRecord usage_gb = {L"Usage", 2012, Create<Usage>, usage_lc};
+constexpr CommandRecord usage_gb = {L"Usage", 2012, Create<Usage>, usage_lc, options_lc};

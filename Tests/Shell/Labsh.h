@@ -33,6 +33,8 @@ public:
     Labsh& operator=(const Labsh&) = delete;
 
     void Start(std::vector<std::string> arguments, const std::string& input = "");
+    /// Without the data folder.
+    void StartAlone(std::vector<std::string> arguments, const std::string& input = "");
     void Send(int signal) const { kill(id, signal); }
     bool IsRunning() const
     {
@@ -61,8 +63,14 @@ private:
 
 inline void Labsh::Start(std::vector<std::string> arguments, const std::string& input)
 {
+    arguments.insert(arguments.begin(), {"--data", "data"});
+    StartAlone(std::move(arguments), input);
+}
+
+inline void Labsh::StartAlone(std::vector<std::string> arguments, const std::string& input)
+{
     folder.Write("input", input);
-    arguments.insert(arguments.begin(), {LABSH_FILE, "--data", "data"});
+    arguments.insert(arguments.begin(), LABSH_FILE);
     std::vector<char*> pointers(arguments.size() + 1); // ends with a null pointer
     std::ranges::transform(arguments, pointers.begin(), [](std::string& argument) { return argument.data(); });
 

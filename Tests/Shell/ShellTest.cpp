@@ -63,6 +63,37 @@ TEST(ShellTest, WrongStartsAreReported)
         "saved\nexit 0");
 }
 
+TEST(ShellTest, AMistypedNameIsRefused)
+{
+    const std::pair<const char*, const char*> rows[] = {
+        {"Status TempOptic=37",
+            "Status: 2010:0:5 There is no TempOptic; did you mean TempOptics? Status -n makes a new one"},
+        {"Status Nothing=1", "Status: 2010:0:5 There is no Nothing; Status -n makes a new one"},
+        {"Status TempOptic", "Status: 2010:0:5 There is no TempOptic; did you mean TempOptics?"},
+        {"Config detection MaxLigth=1", "Config: 2002:0:1 Wrong number of arguments"},
+        {"Config \"detection MaxLigth=1\"",
+            "Config: 2002:0:5 There is no [detection]MaxLigth; did you mean [Detection]MaxLight? Config -n makes a new "
+            "one"},
+        {"Config [Debug]LogAssertFail=ture", "Config: 2002:0:4 \"ture\" is no boolean, as true is; Config -n takes it"},
+        {"Config [Log]EELog=ture",
+            "Config: 2002:0:4 \"ture\" does not fit: EELog: Bool, default false; Write EELog.txt"},
+    };
+    for (const auto& [line, report] : rows)
+        EXPECT_EQ(RunLabsh({"--", line}), std::string(report) + "\nexit 1");
+}
+
+TEST(ShellTest, AFreshBenchIsThrownAway)
+{
+    Labsh labsh;
+    std::filesystem::create_directory(labsh.folder.Path("tmp"));
+    setenv("TMPDIR", labsh.folder.Path("tmp").c_str(), 1);
+    labsh.StartAlone({"--fresh"}, "Status TempOptics=1\nCalc %S{TempOptics}\nCalc %C{Log EELog}\n");
+    unsetenv("TMPDIR");
+    EXPECT_EQ(labsh.Finish(), "1\nFALSE\nexit 0");
+    EXPECT_TRUE(std::filesystem::is_empty(labsh.folder.Path("tmp")));
+    EXPECT_FALSE(std::filesystem::exists(labsh.folder.Path("data")));
+}
+
 TEST(ShellTest, StandardInputIsAScript)
 {
     const std::string hint = "a blank stands behind the final backslash, so the line is not continued\n";
@@ -135,7 +166,7 @@ TEST(ShellTest, AReaderThatGoesAwayEndsTheRunQuietly)
     const std::string pipe = labsh.folder.Path("output");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     auto reader = std::make_unique<FileDescriptor>(open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    labsh.Start({"-k"}, "Echo -fstarted x\nWait 0.2\nStatus -d86400 ShellTest=7\nWhile 1=1 DO Echo x\n");
+    labsh.Start({"-k"}, "Echo -fstarted x\nWait 0.2\nStatus -n -d86400 ShellTest=7\nWhile 1=1 DO Echo x\n");
     WaitForFile(labsh, "started");
     reader.reset();
     EXPECT_EQ(labsh.Wait(), 128 + SIGPIPE);
@@ -296,7 +327,7 @@ TEST(ShellTest, ThePluginOfTheDocuments)
 TEST(ShellTest, DelayedStatusIsSetBeforeTheEnd)
 {
     Labsh labsh;
-    EXPECT_EQ(labsh.Run({"-k"}, "Status -d0.05 ShellTest=7\nNope\nStatus -d0.01 Other=true\n"), 1);
+    EXPECT_EQ(labsh.Run({"-k"}, "Status -n -d0.05 ShellTest=7\nNope\nStatus -n -d0.01 Other=true\n"), 1);
     EXPECT_EQ(labsh.Run({}, "Status ShellTest\nStatus Other\n"), 0);
     EXPECT_EQ(labsh.GetOutput(), "ShellTest=7\nOther=true\n");
 }
@@ -339,7 +370,7 @@ TEST(ShellTest, SignalsEndTheScript)
         Labsh labsh;
         labsh.folder.Write("forever", "Wait 86400");
         labsh.Start(
-            {"-k"}, std::string("Status -d86400 ShellTest=7\nEcho -fstarted x\n") + test.line + "\nEcho behind");
+            {"-k"}, std::string("Status -n -d86400 ShellTest=7\nEcho -fstarted x\n") + test.line + "\nEcho behind");
         WaitForFile(labsh, "started");
         labsh.Send(test.signal);
         EXPECT_THAT(labsh.Finish(),

@@ -148,7 +148,7 @@ TEST(TerminalTest, SignalsEndTheShellInOrder)
     for (const int signal : {SIGTERM, SIGHUP}) {
         const TemporaryFolder folder;
         Session session(folder.GetPath());
-        session.Type("Status -d86400 TerminalTest=7\r");
+        session.Type("Status -n -d86400 TerminalTest=7\r");
         EXPECT_FALSE(session.IsCooked());
         session.Send(signal);
         EXPECT_EQ(session.Wait(), signal);
