@@ -69,7 +69,7 @@ try {
 
 void AssertReport::Add(const CommandRun& run, JUnitCase& test)
 {
-    const auto& [code, name, message, returnString] = run.outcome;
+    const auto& [code, name, message, returnString, notes] = run.outcome;
     if (code.IsError())
         test.problems.push_back({message, code.ToString(), trace});
     if (!code.IsError()) {
@@ -90,7 +90,7 @@ void AssertReport::AddFailure(const WString& scriptName, const ScriptFailure& fa
 {
     if (std::exchange(hasAssertFailed, false))
         return;
-    const auto& [code, name, message, returnString] = failure.outcome;
+    const auto& [code, name, message, returnString, notes] = failure.outcome;
     JUnitCase test;
     test.group = test.file = scriptName;
     test.line = failure.line;
