@@ -47,20 +47,14 @@ try {
 
 void Trace::ShowChanges(const CommandRun& run)
 {
-    WStringArray names;
-    run.environment.GetKeys(names);
-    std::map<WString, WString> current;
-    for (const WString& name : names) {
+    for (const WString& name : run.environment.TakeChanges()) {
         WString value;
-        run.environment.TryGetString(name, value);
-        const auto former = shown.find(name);
-        if (former == shown.end() || former->second != value)
+        if (!run.environment.TryGetString(name, value)) {
+            if (shown.erase(name) != 0)
+                Write(run, L' ', name + L" deleted");
+        } else if (const auto former = shown.find(name); former == shown.end() || former->second != value) {
             Write(run, L' ', name + L"=" + value);
-        current.emplace(name, value);
+            shown.insert_or_assign(name, value);
+        }
     }
-    for (const auto& [name, value] : shown) {
-        if (!current.contains(name))
-            Write(run, L' ', name + L" deleted");
-    }
-    shown = std::move(current);
 }

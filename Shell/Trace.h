@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Commands/RunObserver.h"
+#include "Instrument/NameOrder.h"
 
 #include <map>
 
@@ -17,7 +18,7 @@ public:
     void OnEnd(const CommandRun& run) noexcept override;
 
 private:
-    std::map<WString, WString> shown; // the variables as they were shown last
+    std::map<WString, WString, NameOrder> shown; // the variables as they were shown last
 
     void ShowChanges(const CommandRun& run);
 };

@@ -4,11 +4,20 @@
 #include "Text/ExitCode.h"
 
 #include <map>
+#include <optional>
+#include <set>
 #include <string>
 
 struct Environment::Store
 {
     std::map<WString, WString, NameOrder> variables;
+    std::optional<std::set<WString, NameOrder>> changes; // once somebody wants to know them
+
+    void NoteChange(const WString& name)
+    {
+        if (changes)
+            changes->insert(name);
+    }
 };
 
 Environment::Environment() : store(std::make_shared<Store>()) {}
@@ -37,7 +46,8 @@ bool Environment::ContainsKey(const WString& name) const
 
 void Environment::SetString(const WString& name, const WString& value)
 {
-    store->variables.insert_or_assign(name, value); // keeps the key, and so its spelling, of an earlier assignment
+    // Keeps the key, and so its spelling, of an earlier assignment.
+    store->NoteChange(store->variables.insert_or_assign(name, value).first->first);
 }
 
 void Environment::SetInt(const WString& name, int value)
@@ -52,7 +62,12 @@ void Environment::SetUInt(const WString& name, unsigned int value)
 
 bool Environment::TryDelete(const WString& name)
 {
-    return store->variables.erase(name) != 0;
+    const auto found = store->variables.find(name);
+    if (found == store->variables.end())
+        return false;
+    store->NoteChange(found->first);
+    store->variables.erase(found);
+    return true;
 }
 
 void Environment::GetKeys(WStringArray& names) const
@@ -60,4 +75,16 @@ void Environment::GetKeys(WStringArray& names) const
     names.Clear();
     for (const auto& [name, value] : store->variables)
         names.Add(name);
+}
+
+WStringArray Environment::TakeChanges() const
+{
+    WStringArray names;
+    if (!store->changes)
+        GetKeys(names);
+    else
+        for (const WString& name : *store->changes)
+            names.Add(name);
+    store->changes.emplace();
+    return names;
 }

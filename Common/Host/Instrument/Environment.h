@@ -24,6 +24,9 @@ public:
     bool TryDelete(const WString& name);
     /// All names, in no particular order.
     void GetKeys(WStringArray& names) const;
+    /// The names that were set or deleted since the last call, in order; at the first call, from which on they are
+    /// noted, all names.
+    WStringArray TakeChanges() const;
 
 private:
     struct Store;
