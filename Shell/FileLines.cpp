@@ -1,17 +1,30 @@
 #include "FileLines.h"
 
 #include "Commands/CommandRunner.h"
+#include "Text/Abort.h"
 #include "Text/HostError.h"
 #include "WaitForInput.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
+#include <string_view>
 #include <system_error>
 #include <unistd.h>
 #include <utility>
 
-FileLines::FileLines(const std::string& name) : FileLines(open(name.c_str(), O_RDONLY | O_CLOEXEC), name) {}
+/// Waits for one who writes, where it is a FIFO.
+static int OpenToRead(const std::string& name)
+{
+    int file = -1;
+    do {
+        Abort::ThrowIfRequested();
+        file = open(name.c_str(), O_RDONLY | O_CLOEXEC);
+    } while (file < 0 && errno == EINTR);
+    return file;
+}
+
+FileLines::FileLines(const std::string& name) : FileLines(OpenToRead(name), name) {}
 
 FileLines::FileLines(int descriptor, const std::string& name) : name(name), file(descriptor)
 {
@@ -51,7 +64,16 @@ bool FileLines::TryFillBlock()
         if (!block.empty()) // else a character goes on
             return true;
     }
-    return false;
+    block = decoder ? decoder->Finish() : "";
+    return !block.empty();
+}
+
+/// Whether a text begins so that is neither UTF-8 nor UTF-16 with a byte order mark.
+static bool IsForeign(std::string_view start)
+{
+    const bool isMarked = start.starts_with("\xFE\xFF") || start.starts_with("\xFF\xFE");
+    return isMarked ? start.substr(2, 2) == std::string_view("\0\0", 2)
+                    : start.substr(0, 4).find('\0') != std::string_view::npos;
 }
 
 bool FileLines::TryReadBlock()
@@ -67,6 +89,9 @@ void FileLines::RecogniseEncoding()
     char byte = 0;
     if ((block == "\xFE" || block == "\xFF") && Read(&byte, 1) == 1) // a byte order mark that comes in pieces
         block += byte;
+    if (IsForeign(block))
+        throw HostException(HostError::FileError,
+            WString::FromUtf8(name + ": UTF-32, or UTF-16 without a byte order mark; save it as UTF-8"));
     decoder = Utf16Decoder::TryRecognise(block);
 }
 

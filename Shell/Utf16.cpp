@@ -2,6 +2,8 @@
 
 #include "Text/WString.h"
 
+#include <utility>
+
 static constexpr bool IsHigh(unsigned int unit)
 {
     return unit >= 0xD800 && unit < 0xDC00;
@@ -42,4 +44,9 @@ std::string Utf16Decoder::Decode(std::string_view bytes)
     }
     rest.erase(0, position);
     return WString(text).ToUtf8();
+}
+
+std::string Utf16Decoder::Finish()
+{
+    return std::exchange(rest, {}).empty() ? "" : "\xEF\xBF\xBD";
 }

@@ -12,6 +12,8 @@ public:
     static std::optional<Utf16Decoder> TryRecognise(std::string_view start);
     /// What the bytes stand for, the byte order mark included.
     std::string Decode(std::string_view bytes);
+    /// What stands for the rest when nothing follows.
+    std::string Finish();
 
 private:
     explicit Utf16Decoder(bool isBigEndian) : isBigEndian(isBigEndian) {}

@@ -106,8 +106,11 @@ TEST(ShellTest, StandardInputIsAScript)
                               "E\0c\0h\0o\0 \0\x3D\xD8\x00\xDE\x3D\xD8\n\0",
                       20)),
         "\U0001F600\uFFFD\nexit 0");
-    EXPECT_EQ(
-        RunLabsh({}, std::string("\xFE\xFF\0E\0c\0h\0o\0 \x20\xAC\0\r\0\n\0E\0c\0h\0o\0 \0b\0", 31)), "€\nb\nexit 0");
+    EXPECT_EQ(RunLabsh({}, std::string("\xFE\xFF\0E\0c\0h\0o\0 \x20\xAC\0\r\0\n\0E\0c\0h\0o\0 \0b\0", 31)),
+        "€\nb\uFFFD\nexit 0");
+    for (const std::string& start : {std::string("E\0c\0", 4), std::string("\xFF\xFE\0\0E\0\0\0", 8)})
+        EXPECT_EQ(RunLabsh({}, start),
+            "labsh: 0:1:10 File error: stdin: UTF-32, or UTF-16 without a byte order mark; save it as UTF-8\nexit 1");
     EXPECT_EQ(RunLabsh({"-k"}, "Nope \\\n \\ \nNope\nNope\nEcho \\ \n"),
         "\\\n"
         "stdin:1: Nope: 0:1:2 Unknown command: Nope; stdin:2: " +
