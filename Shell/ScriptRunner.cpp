@@ -122,9 +122,14 @@ bool RunScript(LineSource& source, const WString& name, Pipe& output, const Envi
         script.innerFailure.reset();
         StandardOutput::Get().ForgetShown();
         ScriptFailure run = {RunCommand(command, output, environment), script.line};
-        if (!run.outcome.code.IsError() && script.innerFailure)
-            run.outcome = *std::move(script.innerFailure);
         CountCommand(run.outcome.command);
+        if (script.innerFailure) {
+            ScriptFailure inner = {*std::move(script.innerFailure), script.line};
+            if (!run.outcome.code.IsError())
+                run = std::move(inner);
+            else
+                goesOn(inner); // which says no more: the line has failed by itself too
+        }
         if (!run.outcome.code.IsError())
             continue;
         AddHint(run.outcome, name, reader);

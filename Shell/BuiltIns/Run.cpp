@@ -2,6 +2,7 @@
 #include "FileLines.h"
 #include "RunningScript.h"
 #include "ScriptRunner.h"
+#include "SessionLog.h"
 
 #include <filesystem>
 
@@ -37,18 +38,24 @@ ExitCode Run::Main(ArgumentList& arguments, Options& options)
 {
     Accept(arguments, options, 1, 1);
     const WString file = FindScript(arguments.At(0));
-    FileLines lines(file.ToUtf8());
-    ExitCode result;
+    FileLines script(file.ToUtf8());
+    RecordedLines lines(script);
+    RunningScript* const caller = RunningScript::GetInnermost();
+    CommandRunner::Outcome result;
     RunScript(lines, file, GetPipe(), GetEnvironment(), [&](const ScriptFailure& failure) {
-        result = failure.outcome.code;
+        if (result.code.IsError() && caller) // a line that fails twice, first by what it went on after
+            caller->innerFailure = std::move(result);
+        result = failure.outcome;
+        result.command = run_gb.name;
         // What ends every script above would be placed by each of them.
-        const bool endsCallers = CommandRunner::EndsCallers(result);
-        SetFailureMessage((endsCallers ? WString() : FormatFailurePlace(file, failure)) + failure.outcome.message);
-        for (const WString& note : failure.outcome.notes)
-            AddNote(note);
+        if (!CommandRunner::EndsCallers(result.code))
+            result.message = FormatFailurePlace(file, failure) + result.message;
         return false;
     });
-    return result;
+    SetFailureMessage(result.message);
+    for (const WString& note : result.notes)
+        AddNote(note);
+    return result.code;
 }
 } // namespace
 
