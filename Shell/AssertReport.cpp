@@ -1,9 +1,8 @@
 #include "AssertReport.h"
 
-#include "Report.h"
 #include "RunningScript.h"
+#include "ScriptRunner.h"
 
-#include <algorithm>
 #include <new>
 #include <utility>
 
@@ -17,14 +16,6 @@ static bool IsWithinAssertFail(const CommandRun& run)
     return caller;
 }
 
-static bool IsTolerated(const CommandRun& run)
-{
-    const CommandRun* level = &run;
-    while (level && (level->flags & CommandFlags::toleratesFailure) == 0)
-        level = level->caller;
-    return level;
-}
-
 /// The line that is being run, with the script's name unless that is the one that labsh was given.
 static WString DescribePlace()
 {
@@ -36,6 +27,7 @@ static WString DescribePlace()
 
 void AssertReport::OnBegin(const CommandRun& run) noexcept
 try {
+    Settle(); // since a command goes on
     if (!run.caller)
         hasAssertFailed = false;
     trace.Clear();
@@ -52,6 +44,12 @@ try {
 
 void AssertReport::OnEnd(const CommandRun& run) noexcept
 try {
+    if (pending && pending->caller == &run) {
+        if (run.outcome.code.IsError())
+            HandUp(run);
+        else
+            Settle();
+    }
     const WString& name = run.outcome.command;
     if ((name != L"Assert" && name != assertFail) || IsWithinAssertFail(run))
         return;
@@ -70,48 +68,84 @@ try {
 void AssertReport::Add(const CommandRun& run, JUnitCase& test)
 {
     const auto& [code, name, message, returnString, notes] = run.outcome;
-    if (code.IsError())
-        test.problems.push_back({message, code.ToString(), trace});
     if (!code.IsError()) {
         ++passedCount;
-    } else if (IsTolerated(run)) {
-        test.kind = JUnitCase::Skipped;
+        report.Add(test);
+        return;
+    }
+    test.problems.push_back({message, code.ToString(), trace});
+    pending = {test, DescribePlace(), nullptr, false};
+    HandUp(run);
+}
+
+/// The pending failure has become one of this run, and is the matter of what runs it.
+void AssertReport::HandUp(const CommandRun& run)
+{
+    pending->caller = run.caller;
+    pending->isTolerated = run.flags & CommandFlags::toleratesFailure;
+    if (!run.caller)
+        Settle();
+}
+
+void AssertReport::Settle()
+{
+    if (!pending)
+        return;
+    Failure failure = *std::exchange(pending, std::nullopt);
+    if (failure.isTolerated) {
+        failure.test.kind = JUnitCase::Skipped;
         ++toleratedCount;
     } else {
         hasAssertFailed = true;
         ++failedCount;
-        if (const WString place = DescribePlace(); std::ranges::find(failures, place) == failures.end())
-            failures.push_back(place);
+        AddPlace(failure.place);
     }
-    report.Add(test);
+    report.Add(failure.test);
+}
+
+void AssertReport::AddPlace(const WString& place)
+{
+    constexpr std::size_t shownPlaces = 20;
+    if (allPlaces.insert(place).second && places.size() < shownPlaces)
+        places.push_back(place);
 }
 
 void AssertReport::AddFailure(const WString& scriptName, const ScriptFailure& failure)
 {
-    if (std::exchange(hasAssertFailed, false))
-        return;
-    const auto& [code, name, message, returnString, notes] = failure.outcome;
+    if (!std::exchange(hasAssertFailed, false))
+        AddError(scriptName, failure.line, failure.outcome);
+}
+
+void AssertReport::AddBreak(const WString& scriptName, const HostException& failure)
+{
+    AddError(scriptName, 0, {failure, L"labsh", failure.GetMessage(), {}});
+}
+
+void AssertReport::AddError(const WString& scriptName, unsigned int line, const CommandRunner::Outcome& outcome)
+{
     JUnitCase test;
-    test.group = test.file = scriptName;
-    test.line = failure.line;
-    test.name = name;
+    test.group = scriptName;
+    test.file = line == 0 ? WString() : scriptName;
+    test.line = line;
+    test.name = outcome.command;
     test.kind = JUnitCase::Error;
-    test.problems.push_back({message, code.ToString(), {}});
+    test.problems.push_back({outcome.message, outcome.code.ToString(), {}});
     report.Add(test);
 }
 
-void AssertReport::Finish()
+WString AssertReport::FormatSummary() const
 {
     const unsigned int count = passedCount + toleratedCount + failedCount;
     WString line = WString::Format(L"%u %s, %u passed", count, count == 1 ? L"assert" : L"asserts", passedCount);
     if (toleratedCount != 0)
         line.AppendFormat(L", %u tolerated", toleratedCount);
     line.AppendFormat(L", %u failed", failedCount);
-    const wchar_t* separator = failures.size() == 1 ? L": line " : L": lines ";
-    for (const WString& place : failures) {
+    const wchar_t* separator = places.size() == 1 ? L": line " : L": lines ";
+    for (const WString& place : places) {
         line += separator + place;
         separator = L", ";
     }
-    WriteErrorLine(line);
-    report.Write(file);
+    if (const std::size_t rest = allPlaces.size() - places.size(); rest != 0)
+        line.AppendFormat(L" and %u more", static_cast<unsigned int>(rest));
+    return line;
 }

@@ -1,15 +1,18 @@
 #include "Report.h"
 
 #include "Commands/StandardOutput.h"
+#include "Commands/StandardStream.h"
 #include "RunningScript.h"
 #include "SessionLog.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <new>
 #include <string_view>
 
 #include <unistd.h>
+
+static constinit StandardStream errors_lc(
+    STDERR_FILENO); // a line that cannot be written is lost, and nobody could be told
 
 /// One line for the terminal, without control characters.
 static WString AsOneLine(const WString& text)
@@ -43,7 +46,7 @@ void WriteErrorLine(const WString& text)
     if (SessionLog* const log = SessionLog::GetOrNull())
         log->Record(L'!', line);
     StandardOutput::Get().Flush();
-    std::fprintf(stderr, "%s\n", line.ToUtf8().c_str());
+    errors_lc.Write(line.ToUtf8() + '\n');
 }
 
 void WriteReport(const WString& place, const ExitCode& code, const WString& message)
@@ -77,5 +80,5 @@ void ReportShortage() noexcept
 {
     constexpr std::string_view line = "labsh: out of memory\n";
     StandardOutput::Get().Flush();
-    [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, line.data(), line.size());
+    errors_lc.Write(line);
 }

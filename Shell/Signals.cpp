@@ -3,11 +3,20 @@
 #include "Text/Abort.h"
 
 #include <atomic>
+#include <unistd.h>
 
 static constexpr int signals_lc[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
 
 static std::atomic<int> pending_lc{0};
 static_assert(std::atomic<int>::is_always_lock_free, "a signal handler sets it");
+
+/// A signal that comes just before a call that waits would not end the wait: one that has been heard is followed by
+/// others, a second apart.
+static void Remind(int)
+{
+    if (pending_lc != 0)
+        alarm(1);
+}
 
 /// The first signal counts; but an interrupt may turn out to be for a command alone.
 static void Request(int signal)
@@ -16,19 +25,26 @@ static void Request(int signal)
     if (!pending_lc.compare_exchange_strong(former, signal) && former == SIGINT)
         pending_lc = signal;
     Abort::Request();
+    Remind(signal);
+}
+
+/// Without SA_RESTART: the signal ends what waits.
+static void Take(int signal, void (*handler)(int))
+{
+    struct sigaction action = {};
+    action.sa_handler = handler;
+    sigemptyset(&action.sa_mask);
+    sigaction(signal, &action, nullptr);
 }
 
 void Signals::Catch()
 {
+    Take(SIGALRM, Remind);
     for (const int signal : signals_lc) {
         struct sigaction former = {};
         sigaction(signal, nullptr, &former);
-        if (former.sa_handler == SIG_IGN && signal != SIGPIPE)
-            continue;
-        struct sigaction action = {};
-        action.sa_handler = Request; // without SA_RESTART: opening a pipe ends too
-        sigemptyset(&action.sa_mask);
-        sigaction(signal, &action, nullptr);
+        if (former.sa_handler != SIG_IGN || signal == SIGPIPE)
+            Take(signal, Request);
     }
 }
 
@@ -48,10 +64,7 @@ void Signals::EndByPending()
     const int signal = pending_lc;
     if (signal == 0)
         return;
-    struct sigaction action = {};
-    action.sa_handler = SIG_DFL;
-    sigemptyset(&action.sa_mask);
-    sigaction(signal, &action, nullptr);
+    Take(signal, SIG_DFL);
     raise(signal);
 }
 
@@ -60,12 +73,22 @@ Signals::Block::Block()
     sigset_t blocked;
     sigemptyset(&blocked);
     for (const int signal : signals_lc)
-        if (signal != SIGPIPE)
-            sigaddset(&blocked, signal);
+        sigaddset(&blocked, signal);
     pthread_sigmask(SIG_BLOCK, &blocked, &former);
 }
 
 Signals::Block::~Block()
 {
     pthread_sigmask(SIG_SETMASK, &former, nullptr);
+}
+
+Signals::Shelter::Shelter() : wasRequested(Abort::IsRequested())
+{
+    Abort::Clear();
+}
+
+Signals::Shelter::~Shelter()
+{
+    if (wasRequested)
+        Abort::Request();
 }

@@ -15,7 +15,7 @@ void ForgetInterrupt() noexcept;
 /// Ends the process by the signal that is pending; returns when there is none.
 void EndByPending();
 
-/// Keeps the signals but SIGPIPE off while it lives.
+/// Keeps the signals off while it lives.
 class Block
 {
 public:
@@ -28,5 +28,19 @@ public:
 
 private:
     sigset_t former;
+};
+
+/// Lets work be done undisturbed while it lives: the signals wait, and so does the abort they have requested.
+class Shelter
+{
+public:
+    Shelter();
+    ~Shelter();
+    Shelter(const Shelter&) = delete;
+    Shelter& operator=(const Shelter&) = delete;
+
+private:
+    const Block block;
+    const bool wasRequested;
 };
 } // namespace Signals

@@ -22,6 +22,7 @@
 #include "ThrowAwayFolder.h"
 #include "Trace.h"
 
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <exception>
@@ -152,7 +153,7 @@ static bool RunScriptFile(
 }
 
 static bool Run(const Arguments& arguments, AssertReport* asserts)
-{
+try {
     if (arguments.line) {
         OneLine line(*arguments.line);
         return RunScriptFile(arguments, line, "", asserts);
@@ -161,6 +162,10 @@ static bool Run(const Arguments& arguments, AssertReport* asserts)
         return RunTerminal(arguments);
     FileLines script = arguments.script ? FileLines(*arguments.script) : FileLines(STDIN_FILENO, "stdin");
     return RunScriptFile(arguments, script, arguments.script.value_or("stdin"), asserts);
+} catch (const HostException& failure) {
+    if (asserts)
+        asserts->AddBreak(WString::FromUtf8(arguments.script.value_or("stdin")), failure);
+    throw;
 }
 
 static void CountOnTime(unsigned int start)
@@ -172,9 +177,11 @@ try {
 static void CheckOutput()
 {
     StandardOutput::Get().Flush();
-    if (const int fault = StandardOutput::Get().GetFault(); fault != 0 && Signals::GetPending() != SIGPIPE)
-        throw HostException(HostError::FileError,
-            WString::FromUtf8("standard output cannot be written: " + std::generic_category().message(fault)));
+    const int fault = StandardOutput::Get().GetFault();
+    if (fault == 0 || Signals::GetPending() == SIGPIPE)
+        return;
+    const std::string reason = fault == ETIMEDOUT ? "its reader takes nothing" : std::generic_category().message(fault);
+    throw HostException(HostError::FileError, WString::FromUtf8("standard output cannot be written: " + reason));
 }
 
 /// Calls `action`, which yields whether it succeeded, and reports what it throws.
@@ -192,19 +199,35 @@ try {
     return false;
 }
 
-/// What is to be done however the commands have ended.
+/// What is to be done however the commands have ended, each whatever becomes of the others: files first, which no
+/// signal interrupts, then what somebody has to read.
 static bool FinishRun(unsigned int start, Watchers& watchers)
 {
+    bool succeeded = true;
+    const auto finish = [&](const auto& action) {
+        succeeded &= TryTo([&] {
+            action();
+            return true;
+        });
+    };
+    const auto write = [&](const auto& action) {
+        finish([&] {
+            const Signals::Shelter shelter;
+            action();
+        });
+    };
     CountOnTime(start);
-    System::usage.WriteCounts(); // now, since a signal ends the process without destructors
+    write([] { System::usage.WriteCounts(); }); // now, since a signal ends the process without destructors
     if (Signals::GetPending() != 0)
-        DelayedStatus::FinishAtOnce();
-    if (watchers.asserts)
-        watchers.asserts->Finish();
-    CheckOutput();
+        write(DelayedStatus::FinishAtOnce);
+    if (watchers.asserts) {
+        write([&] { watchers.asserts->Write(); });
+        finish([&] { WriteErrorLine(watchers.asserts->FormatSummary()); });
+    }
+    finish(CheckOutput);
     if (watchers.log)
-        watchers.log->Check();
-    return true;
+        finish([&] { watchers.log->Check(); });
+    return succeeded;
 }
 
 /// The shell with its arguments read; yields its exit status.
@@ -223,8 +246,7 @@ static int RunShell(Arguments& arguments)
     if (!TryTo(startUp))
         return 1;
     const bool succeeded = TryTo([&] { return Run(arguments, watchers->asserts ? &*watchers->asserts : nullptr); });
-    Abort::Clear(); // it has ended the run, and not what is to be done behind it
-    if (!TryTo([&] { return FinishRun(start, *watchers); }))
+    if (!FinishRun(start, *watchers))
         return 1;
     return GetExitStatus().value_or(succeeded ? 0 : 1);
 }

@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <sstream>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 
 namespace {
@@ -144,9 +145,13 @@ TEST(ShellTest, OutputThatCannotBeWrittenIsAnError)
     EXPECT_EQ(
         labsh.GetErrors(), "labsh: 0:1:10 File error: standard output cannot be written: No space left on device\n");
     EXPECT_FALSE(std::filesystem::exists(labsh.folder.Path("behind")));
+    labsh.Run({"--junit", "out.xml"}, "Assert 1=1\nEcho x\n");
+    EXPECT_THAT(labsh.GetErrors(), testing::StartsWith("1 assert, 1 passed, 0 failed\n"));
+    EXPECT_THAT(labsh.folder.Read("out.xml"), testing::EndsWith("</testsuite>\n"));
     for (const char* option : {"--log", "--junit"})
         EXPECT_THAT(RunLabsh({option, "/dev/full", "Assert 1=1"}),
-            testing::EndsWith("labsh: 0:1:10 File error: /dev/full: No space left on device\nexit 1"));
+            testing::AllOf(testing::HasSubstr("labsh: 0:1:10 File error: /dev/full: No space left on device\n"),
+                testing::EndsWith("exit 1")));
 }
 
 TEST(ShellTest, OutputIsLive)
@@ -169,12 +174,45 @@ TEST(ShellTest, AReaderThatGoesAwayEndsTheRunQuietly)
     const std::string pipe = labsh.folder.Path("output");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     auto reader = std::make_unique<FileDescriptor>(open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    labsh.Start({"-k"}, "Echo -fstarted x\nWait 0.2\nStatus -n -d86400 ShellTest=7\nWhile 1=1 DO Echo x\n");
+    labsh.Start({"-k", "--junit", "out.xml"},
+        "Echo -fstarted x\nWait 0.2\nStatus -n -d86400 ShellTest=7\nAssert 1=1\nWhile 1=1 DO Echo x\n");
     WaitForFile(labsh, "started");
     reader.reset();
     EXPECT_EQ(labsh.Wait(), 128 + SIGPIPE);
-    EXPECT_EQ(labsh.GetErrors(), "");
+    EXPECT_EQ(labsh.GetErrors(), "1 assert, 1 passed, 0 failed\n");
+    EXPECT_THAT(labsh.folder.Read("out.xml"), testing::EndsWith("</testsuite>\n"));
     EXPECT_THAT(labsh.folder.Read("data/Status.ini"), testing::HasSubstr("ShellTest=int:7"));
+}
+
+TEST(ShellTest, NobodyWhoIsStuckKeepsItFromEnding)
+{
+    for (const char* stream : {"output", "errors"}) {
+        Labsh labsh;
+        const std::string pipe = labsh.folder.Path(stream);
+        ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+        const FileDescriptor reader(open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+        const int size = fcntl(reader.Get(), F_SETPIPE_SZ, 4096);
+        labsh.Start({"-x", "--junit", "out.xml"}, "Assert 1=1\nWhile 1=1 DO Echo " + std::string(50, 'x'));
+        int filled = 0;
+        EXPECT_TRUE(WaitUntil([&] { return ioctl(reader.Get(), FIONREAD, &filled) == 0 && filled > size - 150; }));
+        labsh.Send(SIGTERM);
+        usleep(100'000); // into the second that it gives the reader
+        labsh.Send(SIGTERM);
+        EXPECT_EQ(labsh.Wait(), 128 + SIGTERM) << stream;
+        EXPECT_THAT(labsh.folder.Read("out.xml"), testing::EndsWith("</testsuite>\n"));
+        if (stream == std::string("errors"))
+            continue;
+        EXPECT_THAT(labsh.GetErrors(),
+            testing::EndsWith(
+                "\n1 assert, 1 passed, 0 failed\n"
+                "labsh: 0:1:10 File error: standard output cannot be written: its reader takes nothing\n"));
+    }
+    Labsh labsh;
+    ASSERT_EQ(mkfifo(labsh.folder.Path("script").c_str(), 0600), 0);
+    labsh.Start({"-f", "script"});
+    WaitForFile(labsh, "data/Config.ini");
+    labsh.Send(SIGTERM);
+    EXPECT_EQ(labsh.Finish(), "labsh: 0:1:4 Aborted\nexit 143");
 }
 
 TEST(ShellTest, ScriptsTakeVariables)
@@ -194,7 +232,7 @@ TEST(ShellTest, TraceShowsWhatRuns)
     Labsh labsh;
     std::filesystem::create_directory(labsh.folder.Path("sub"));
     labsh.folder.Write("sub/inner.txt", "Echo %E{x}\n");
-    EXPECT_EQ(labsh.Run({"-x", "-f", "input", "x=1"},
+    EXPECT_EQ(labsh.Run({"-x", "--log", "log", "-f", "input", "x=1"},
                   "If x>1 Then Nope\nWhile -er* i<2 DO Set x=x+1; Assert -q x=0\nRun sub/inner.txt\nSet -z x\n"),
         0);
     std::istringstream lines(labsh.GetErrors());
@@ -222,6 +260,9 @@ sub/inner.txt:1:    -> Echo 2
 input:4: + Set -z x
 input:4:   x deleted
 )");
+    EXPECT_THAT(HideTimes(labsh.folder.Read("log")),
+        testing::HasSubstr("TIME > Echo %E{x}\n"
+                           "TIME ! TIME sub/inner.txt:1: ++ Echo %E{x}\n"));
 }
 
 TEST(ShellTest, AssertsAreReported)
@@ -230,7 +271,8 @@ TEST(ShellTest, AssertsAreReported)
     labsh.folder.Write("inner", "Set t=\"]]>\x01\uFFFF\"\nAssert t=\"<&\"");
     labsh.folder.Write("out.xml", "an old one");
     EXPECT_THAT(labsh.Describe(labsh.Run({"-k", "--junit", "out.xml"},
-                    "Run inner\nWhile -c2 1=1 DO If 1=1 THEN Assert i=4\nWhile -er* -c1 1=1 DO Assert i=5\n"
+                    "Run inner\nWhile -er* -c2 1=1 DO If 1=1 THEN Assert i=4\n"
+                    "While -er* -c1 1=1 DO While -er9 1=1 DO Assert i=5\n"
                     "AssertFail 9015:* Assert i=6\nAssertFail * Assert i=1\nNope <\n")),
         testing::EndsWith("6 asserts, 1 passed, 1 tolerated, 4 failed: lines inner:2, 2, 5\nexit 1"));
     EXPECT_EQ(HideTimes(labsh.folder.Read("out.xml")), R"(<?xml version="1.0" encoding="UTF-8"?>
@@ -259,6 +301,15 @@ TEST(ShellTest, AssertsAreReported)
 )");
     EXPECT_EQ(labsh.Run({"--junit", "out.xml", "Echo"}), 0);
     EXPECT_EQ(labsh.GetErrors(), "0 asserts, 0 passed, 0 failed\n");
+    EXPECT_EQ(labsh.Run({"--junit", "out.xml", "-f", "none"}), 1);
+    EXPECT_THAT(labsh.folder.Read("out.xml"), testing::HasSubstr("errors=\"1\""));
+    std::string script;
+    for (int line = 1; line <= 22; ++line)
+        script += "While -c2 1=1 DO If 1=1 THEN Assert 1=2\n";
+    labsh.Run({"--junit", "out.xml"}, script);
+    EXPECT_THAT(labsh.GetErrors(),
+        testing::EndsWith("\n44 asserts, 0 passed, 44 failed: lines 1, 2, 3, 4, 5, 6, 7, 8, "
+                          "9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20 and 2 more\n"));
 }
 
 TEST(ShellTest, SeveralPlugins)

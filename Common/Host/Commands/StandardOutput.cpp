@@ -3,13 +3,10 @@
 #include "Text/Abort.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <climits>
-#include <poll.h>
 #include <string>
 #include <unistd.h>
 
-StandardOutput::StandardOutput() : isTerminal(isatty(STDOUT_FILENO) == 1) {}
+StandardOutput::StandardOutput() : stream(STDOUT_FILENO), isTerminal(isatty(STDOUT_FILENO) == 1) {}
 
 StandardOutput& StandardOutput::Get()
 {
@@ -55,26 +52,9 @@ void StandardOutput::Flush() noexcept
 
 void StandardOutput::Write(std::string_view bytes) noexcept
 {
-    while (!bytes.empty() && fault == 0) {
-        // Once an abort is requested, no more than what a reader that has room is sure to take.
-        const std::size_t size = Abort::IsRequested() ? std::min<std::size_t>(bytes.size(), PIPE_BUF) : bytes.size();
-        const ssize_t written = write(STDOUT_FILENO, bytes.data(), size);
-        if (written >= 0)
-            bytes.remove_prefix(static_cast<std::size_t>(written));
-        else if ((errno != EINTR && errno != EAGAIN) || !TryWaitForReader())
-            fault = errno;
-    }
+    if (fault != 0)
+        return;
+    fault = stream.Write(bytes);
     if (fault != 0)
         Abort::Request();
-}
-
-/// Waits until a reader has room; no longer than a second once an abort is requested, and then errno says why not.
-bool StandardOutput::TryWaitForReader() noexcept
-{
-    constexpr int patience = 1000; // milliseconds
-    pollfd reader = {STDOUT_FILENO, POLLOUT, 0};
-    const int count = poll(&reader, 1, Abort::IsRequested() ? patience : -1);
-    if (count == 0)
-        errno = EAGAIN;
-    return count == 1 || (count < 0 && errno == EINTR);
 }

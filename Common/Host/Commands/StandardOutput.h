@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Commands/Pipe.h"
+#include "Commands/StandardStream.h"
 #include "HostApi.h"
 #include "Text/WStringArray.h"
 
@@ -28,6 +29,7 @@ public:
 private:
     StandardOutput();
 
+    StandardStream stream;
     const bool isTerminal;
     std::array<char, 0x4000> block{};
     std::size_t length = 0;
@@ -36,5 +38,4 @@ private:
 
     void Remember(const WString& line);
     void Write(std::string_view bytes) noexcept;
-    bool TryWaitForReader() noexcept;
 };
