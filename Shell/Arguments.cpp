@@ -13,11 +13,11 @@ static constexpr const char* description =
     "standard input is a script, or, on a terminal, commands are asked for.";
 
 static constexpr const char* footer =
-    "The options come before the first word. `labsh Help` lists the commands, `labsh Help Calc` explains one.\n"
+    "The options come before the first word; -- ends them.\n"
+    "`labsh Help` lists the commands, `labsh Help Calc` explains one.\n"
     "Example: labsh -x -f cal.txt target=40 unit=\"A 7\"\n"
-    "Exit status: 0; 1 when a command failed, with a line on standard error; 2 for wrong options; what Exit was "
-    "given;\n"
-    "128 and the number of a signal, as the shell ends by it.";
+    "Exit status: 0; 1 when a command failed, with a line on standard error; 2 for wrong options; what Exit was\n"
+    "given; 128 and the number of a signal, as the shell ends by it.";
 
 /// The data folder where no option names one; empty where the environment gives none.
 static std::string GetDefaultDataFolder()

@@ -9,7 +9,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <memory>
+#include <regex>
+#include <set>
+#include <sstream>
 
 namespace {
 const std::string fence = "```";
@@ -53,7 +55,7 @@ public:
         for (int byte = 0; output && (byte = std::fgetc(output)) != EOF;)
             text += static_cast<char>(byte);
         status = WEXITSTATUS(pclose(output));
-        return text;
+        return std::regex_replace(text, std::regex(folder.GetPath()), "/home/you");
     }
 
     const TemporaryFolder folder;
@@ -80,6 +82,13 @@ void CompareCommands(CommandLine& commandLine, const Block& block)
     }
     EXPECT_EQ(HideTimes(printed), HideTimes(Join(block.lines)));
 }
+
+void AddOptions(const std::string& text, std::set<std::string>& options)
+{
+    static const std::regex option("--?[a-z]+");
+    for (std::sregex_iterator found(text.begin(), text.end(), option), end; found != end; ++found)
+        options.insert(found->str());
+}
 } // namespace
 
 TEST(DocumentsTest, CommandsPrintWhatIsShown)
@@ -99,4 +108,21 @@ TEST(DocumentsTest, CommandsPrintWhatIsShown)
         }
         EXPECT_GT(count, 0);
     }
+}
+
+TEST(DocumentsTest, EveryOptionIsListed)
+{
+    std::set<std::string> listed;
+    for (const std::string& line : ReadTestLines("../Docs/Scripts.md")) {
+        if (line.starts_with("| `-"))
+            AddOptions(line.substr(0, line.find('|', 1)), listed);
+    }
+    std::set<std::string> offered;
+    std::istringstream help(CommandLine().Run("labsh --help"));
+    for (std::string line; std::getline(help, line);) {
+        if (line.starts_with("  -"))
+            AddOptions(line.substr(0, line.find(' ', 2)), offered);
+    }
+    EXPECT_EQ(listed, offered);
+    EXPECT_TRUE(offered.contains("--junit"));
 }
