@@ -9,6 +9,7 @@
 
 #include <cerrno>
 #include <clocale>
+#include <csignal>
 #include <cstdio>
 #include <cwchar>
 #include <fcntl.h>
@@ -16,9 +17,12 @@
 #include <langinfo.h>
 #include <string_view>
 #include <system_error>
+#include <termios.h>
 #include <unistd.h>
 
 namespace {
+cc_t interruptKey_lc = _POSIX_VDISABLE; // where it is a key of the editor
+
 /// Reads a character of the terminal for libedit. Unlike libedit's own routine it gives up at Ctrl-C.
 int ReadCharacter(EditLine*, wchar_t* character)
 {
@@ -30,6 +34,10 @@ int ReadCharacter(EditLine*, wchar_t* character)
             return -1;
         if (read(STDIN_FILENO, &byte, 1) != 1)
             return 0;
+        if (interruptKey_lc != _POSIX_VDISABLE && byte == static_cast<char>(interruptKey_lc)) {
+            raise(SIGINT);
+            return -1;
+        }
         length = std::mbrtowc(character, &byte, 1, &state);
     } while (length == static_cast<std::size_t>(-2)); // the character goes on
     if (length == static_cast<std::size_t>(-1))
@@ -56,6 +64,15 @@ FILE* OpenTerminal()
         throw HostException(HostError::FileError,
             WString::FromUtf8("the terminal cannot be used: " + std::generic_category().message(errno)));
     return stream;
+}
+
+/// While a line is typed the terminal sends no signals, of which an interrupt would end those too that the output goes
+/// to, such as tee: the editor knows its key.
+void TakeInterruptKey(EditLine* line)
+{
+    termios settings = {};
+    if (tcgetattr(STDIN_FILENO, &settings) == 0 && el_wset(line, EL_SETTY, L"-d", L"-isig", nullptr) == 0)
+        interruptKey_lc = settings.c_cc[VINTR];
 }
 
 const wchar_t* GetPrompt(EditLine*)
@@ -92,6 +109,8 @@ Terminal::Terminal(const std::string& historyFile)
     el_wset(line, EL_EDITOR, L"emacs");
     el_wset(line, EL_HIST, history_w, history);
     el_wset(line, EL_GETCFN, ReadCharacter);
+    if (!isatty(STDOUT_FILENO))
+        TakeInterruptKey(line);
 }
 
 Terminal::~Terminal()

@@ -96,6 +96,8 @@ TEST(TerminalTest, OutputThatLeadsElsewhereIsARecord)
     EXPECT_NE(session.Type("Nope\r").find("\nNope: 0:1:2 Unknown command: Nope\r\n"), std::string::npos);
     EXPECT_NE(session.Type("Calc 1+\\\r"), "");
     EXPECT_EQ(session.Type("2\r").find("\n3\r\n"), std::string::npos);
+    EXPECT_NE(session.Type("Echo no", "Echo no"), "");
+    EXPECT_NE(session.Type("\x03"), "");
     EXPECT_NE(session.Type("\x04", "\n"), "");
     EXPECT_EQ(session.Wait(), 0);
     EXPECT_EQ(folder.Read("output"), "Echo h\u00E9\u20ACllo\nh\u00E9\u20ACllo\nNope\nCalc 1+\\\n2\n3\n");
