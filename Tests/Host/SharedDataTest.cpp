@@ -72,6 +72,10 @@ TEST_F(SharedData, AFullDiskCutsNoLineAndMakesNoChange)
     LogFile log(L"", L"Log", 1000);
     log.SetEnabled(true);
     log.DoWriteLine(L"12345");
+    UsageLog usage;
+    usage.Open(folder.Path("Own.db"));
+    usage.Set(L"X", 7);
+    usage.Open(folder.Path("Other.db"));
     status.Load(path);
     EXPECT_TRUE(status.TrySet(L"X", L"2"));
     std::signal(SIGXFSZ, SIG_IGN); // a file beyond the limit is an error, as on a full disk
@@ -80,10 +84,15 @@ TEST_F(SharedData, AFullDiskCutsNoLineAndMakesNoChange)
     ASSERT_EQ(prlimit(0, RLIMIT_FSIZE, &full, &former), 0);
     log.DoWriteLine(L"6789");
     const std::string refusal = GetThrown([&] { status.Save(); });
+    const std::string report = usage.Open(folder.Path("Own.db")).ToUtf8();
+    const bool isSet = usage.Set(L"X", 8);
     ASSERT_EQ(prlimit(0, RLIMIT_FSIZE, &former, nullptr), 0);
     EXPECT_EQ(folder.Read("Log.txt") + refusal, "12345\n0:1:10 File error: " + path + ": File too large");
     int number = 0;
     EXPECT_TRUE(status.TryGetInt(L"X", number, 1, 1));
+    EXPECT_EQ(report, folder.Path("Own.db") + ": File too large; the counters can only be read");
+    EXPECT_TRUE(!isSet && usage.GetFault() == L"File too large");
+    EXPECT_TRUE(usage.TryGetUsageValue(L"X", number) && number == 7);
     EXPECT_TRUE(status.TrySet(L"Y", L"3"));
     status.Save();
     EXPECT_EQ(folder.Read("Data.ini"), "[Items]\nX=int:1\nY=int:3\n");

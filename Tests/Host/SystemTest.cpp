@@ -116,6 +116,21 @@ TEST_F(SystemStart, AFolderThatCannotBeWrittenIsReadAlone)
     fs::permissions(data, fs::perms(0755));
 }
 
+TEST_F(SystemStart, AFolderThatCannotBeEnteredIsOneFault)
+{
+    const auto report = [&](const char* name, const char* consequence) {
+        return "File error: " + data + "/" + name + ": Permission denied; " + consequence;
+    };
+    const std::string reports = report("Usage.db", "nothing is counted\n") +
+        report("Config.ini", "there are no settings until it can be read\n") +
+        report("Status.ini", "there are no items until it can be read");
+    fs::create_directories(data);
+    fs::permissions(folder.GetPath(), fs::perms(0755));
+    fs::permissions(data, fs::perms(0600));
+    EXPECT_TRUE(RunUnprivileged([&] { return Join(System::Start(data, profile)) == reports && !System::MayChange(); }));
+    fs::permissions(data, fs::perms(0755));
+}
+
 TEST_F(SystemStart, LogsAreEnabledByTheConfiguration)
 {
     LogFile early(L"", L"Early", 1000);

@@ -101,10 +101,11 @@ TEST_F(UsageCounters, CountsAreGatheredAndWrittenInOrder)
 
 TEST_F(UsageCounters, FilesThatDoNotServeAreReportedAndNothingIsCounted)
 {
-    for (const char* name : {"absent/Usage.db", "."}) {
+    const char* rows[][2] = {{"absent/Usage.db", ": No such file or directory"}, {".", ": Not a regular file"}};
+    for (const auto& [name, reason] : rows) {
         usage.Open(path);
-        EXPECT_EQ(GetThrown([&] { usage.Open(folder.Path(name)); }),
-            "0:1:10 File error: " + folder.Path(name) + ": unable to open database file");
+        EXPECT_EQ(GetThrown([&, name = name] { usage.Open(folder.Path(name)); }),
+            "0:1:10 File error: " + folder.Path(name) + reason);
         EXPECT_FALSE(usage.Increment(L"X") || usage.Set(L"X", 1) || usage.TryDelete(L"X"));
         EXPECT_EQ(Get(L"X"), -1);
         WStringArray names = {L"old"};
@@ -115,54 +116,101 @@ TEST_F(UsageCounters, FilesThatDoNotServeAreReportedAndNothingIsCounted)
 
 TEST_F(UsageCounters, ADamagedFileIsKeptAsideAndCountingGoesOn)
 {
-    constexpr std::size_t frame = 24 + 512;
-    const auto flip = [&](const char* ending, std::size_t at) {
-        std::string bytes = folder.Read(std::string("Usage.db") + ending);
+    namespace fs = std::filesystem;
+    const auto flip = [&](std::size_t at) {
+        std::string bytes = folder.Read("real.db");
         bytes.at(at) ^= 1;
-        folder.Write(std::string("Usage.db") + ending, bytes);
+        folder.Write("real.db", bytes);
     };
-    // The last frame looks like what a process that was killed leaves.
-    const std::tuple<std::function<void()>, const char*, int> rows[] = {{[] {}, "", 7},
-        {[&] { flip("-wal", 32 + 5 * frame - 1); }, "", 6},
-        {[&] { flip("-wal", 32 + 4 * frame - 1); }, "the counters are those from before the damage", 5},
-        {[&] { flip("-wal", 32 + 3 * frame + 9); }, "the counters are those from before the damage", 5},
-        {[&] { flip("-wal", 9); }, "the counters are those from before the damage", 2},
-        {[&] { folder.Write("Usage.db", ""); }, "the counters are those from before the damage", -1},
-        {[&] { flip("", 0); }, "a new one is begun", -1},
+    const std::pair<std::function<void()>, const char*> rows[] = {{[] {}, ""},
+        {[&] { folder.Write("real.db", ""); }, "empty"}, {[&] { flip(0); }, "damaged"},
         {[&] {
-             flip("", 18);
-             flip("", 19);
+             flip(18);
+             flip(19);
          },
-            "a new one is begun", -1},
-        {[&] { folder.Write("Usage.db", "This is no database, however long the text of this file may be.\n"); },
-            "a new one is begun", -1},
-        {[&] {
-             std::filesystem::remove(path + "-wal"); // which has that page anew
-             flip("", folder.Read("Usage.db").rfind("system"));
-         },
-            "a new one is begun", -1},
-        {[&] { flip("", folder.Read("Usage.db").find("tablecounters") + 7); }, "a new one is begun", -1}};
-    for (const auto& [damage, outcome, value] : rows) {
-        for (const char* ending : {"", "-wal", "-shm", ".damaged1", ".damaged1-wal", ".lock"})
-            std::filesystem::remove(path + ending);
-        EXPECT_TRUE(ChildProcess([&] {
-            usage.Open(path);
-            usage.Set(L"System.OnTime", 2);
-            usage.Open(path); // all is in the file itself
-            for (int i = 0; i < 5; ++i)
-                usage.Increment(L"System.OnTime");
-            return raise(SIGKILL) == 0;
-        }).Wait() == false);
+            "damaged"},
+        {[&] { folder.Write("real.db", "This is no database, however long the text of this file may be.\n"); },
+            "damaged"},
+        {[&] { flip(folder.Read("real.db").find("tablecounters") + 7); }, "damaged"},
+        {[&] { fs::resize_file(path, fs::file_size(path) / 2); }, "damaged"}};
+    const std::string real = folder.Path("real.db");
+    fs::create_symlink("real.db", path);
+    for (const auto& [damage, what] : rows) {
+        for (const char* ending : {"", ".damaged1"})
+            fs::remove(real + ending);
+        usage.Open(path);
+        usage.Set(L"System.OnTime", 7);
+        usage.Open(folder.Path("Other.db"));
         damage();
-        const std::string report =
-            outcome[0] == '\0' ? "" : path + ": damaged; it is kept as Usage.db.damaged1, and " + outcome;
-        EXPECT_EQ(usage.Open(path).ToUtf8(), report);
-        EXPECT_EQ(Get(L"System.OnTime"), value) << report;
-        EXPECT_EQ(std::filesystem::exists(path + ".damaged1"), !report.empty());
+        const bool isSound = what[0] == '\0';
+        EXPECT_EQ(usage.Open(path).ToUtf8(),
+            isSound ? "" : real + ": " + what + "; it is kept as real.db.damaged1, and a new one is begun");
+        EXPECT_EQ(fs::exists(real + ".damaged1"), !isSound);
         EXPECT_TRUE(usage.Increment(L"System.OnTime"));
         EXPECT_EQ(usage.Open(path), L"") << "it is said once";
-        EXPECT_EQ(Get(L"System.OnTime"), std::max(value, 0) + 1);
+        EXPECT_EQ(Get(L"System.OnTime"), isSound ? 8 : 1) << what;
     }
+    EXPECT_TRUE(fs::is_symlink(path));
+    EXPECT_FALSE(fs::exists(real + ".new"));
+}
+
+TEST_F(UsageCounters, ARowThatAnotherProgramWroteIsLeftOut)
+{
+    usage.Open(path);
+    usage.Set(L"Odd", 1);
+    usage.Set(L"Sound", 7);
+    usage.Open(folder.Path("Other.db"));
+    std::string bytes = folder.Read("Usage.db");
+    bytes.at(bytes.find("odd")) = 'O';
+    folder.Write("Usage.db", bytes);
+    EXPECT_EQ(usage.Open(path).ToUtf8(), path + ": no counter as they are written here, and left as it is: Odd");
+    WStringArray names;
+    usage.GetNames(names);
+    EXPECT_EQ(Join(names), "Sound");
+    EXPECT_EQ(Get(L"Odd"), -1);
+    EXPECT_TRUE(usage.Increment(L"Odd"));
+    EXPECT_EQ(Get(L"Odd"), 1);
+}
+
+TEST_F(UsageCounters, AFileThatTakesThePlaceOfAnotherIsFollowed)
+{
+    usage.Open(path);
+    usage.Set(L"X", 1);
+    std::filesystem::rename(path, folder.Path("aside"));
+    usage.Count(L"X");
+    EXPECT_TRUE(usage.Set(L"Y", 2));
+    UsageLog other;
+    EXPECT_EQ(other.Open(path), L"");
+    int value = 0;
+    EXPECT_TRUE(other.TryGetUsageValue(L"Y", value) && value == 2);
+    EXPECT_EQ(Get(L"X"), 1) << "what was gathered comes along";
+
+    std::filesystem::remove_all(folder.GetPath());
+    EXPECT_FALSE(usage.Set(L"Y", 3));
+    EXPECT_EQ(usage.GetFault().ToUtf8(), "File error: " + path + ": No such file or directory");
+    EXPECT_EQ(Get(L"Y"), 2) << "what was read can be read still";
+}
+
+TEST_F(UsageCounters, WhoMayOnlyReadSeesWhatIsWrittenLater)
+{
+    EXPECT_TRUE(RunUnprivileged([this] {
+        const TemporaryFolder own;
+        const std::string file = own.Path("Usage.db");
+        UsageLog owner;
+        const auto set = [&](long long value) {
+            owner.Open(file);
+            return owner.Set(L"X", value);
+        };
+        set(1);
+        owner.Open(own.Path("Other.db")); // which ends the journal
+        std::filesystem::permissions(file, std::filesystem::perms(0444));
+        usage.Open(file);
+        const bool isReadAlone = Get(L"X") == 1 && !usage.Set(L"X", 5);
+        std::filesystem::permissions(file, std::filesystem::perms(0644));
+        const bool isSeen = set(2) && Get(L"X") == 2 && set(3) && Get(L"X") == 3;
+        owner.Open(own.Path("Other.db"));
+        return isReadAlone && isSeen && Get(L"X") == 3 && set(4) && Get(L"X") == 4;
+    }));
 }
 
 TEST_F(UsageCounters, ProcessesAndThreadsThatCountAtOnceLoseNothing)

@@ -52,13 +52,15 @@ bool ConfigFileData::Data::TryMake(const Change& change)
 void ConfigFileData::Data::Save()
 {
     const WholeFile::Lock fileLock(file->GetPath());
-    auto current = std::make_unique<IniFile>(*file);
-    if (current->IsOutdated())
-        current->Load(file->GetPath());
-    for (const auto& [section, key, value] : changes)
-        TryApply(*current, section, key, value);
-    current->Save();
-    file = std::move(current);
+    if (file->IsOutdated()) {
+        changed = std::make_unique<IniFile>();
+        changed->Load(file->GetPath());
+        for (const auto& [section, key, value] : changes)
+            TryApply(*changed, section, key, value);
+    }
+    (changed ? *changed : *file).Save();
+    if (changed)
+        file = std::move(changed);
 }
 
 void ConfigFileData::Data::DropChanges() noexcept

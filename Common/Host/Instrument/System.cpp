@@ -34,7 +34,7 @@ void MakeFolder(const std::string& folder)
 void CopyIfMissing(const std::string& source, const std::string& target)
 {
     std::error_code error;
-    if (std::filesystem::exists(target, error))
+    if (std::filesystem::exists(target, error) || error) // what cannot be looked for is reported when it is read
         return;
     const WholeFile::Lock lock(target);
     if (std::filesystem::exists(target, error)) // another process was faster

@@ -1,10 +1,12 @@
 #include "Instrument/UsageDatabase.h"
 
+#include "Services/WholeFile.h"
 #include "Text/Abort.h"
 
 #include <chrono>
 #include <filesystem>
 #include <optional>
+#include <system_error>
 #include <thread>
 
 #include <sqlite3.h>
@@ -15,21 +17,18 @@ namespace {
 constexpr char setup[] = "PRAGMA synchronous = OFF;" // until there is something that must last
                          "PRAGMA journal_mode = WAL;";
 
-constexpr char creation[] = "CREATE TABLE IF NOT EXISTS counters ("
+constexpr char creation[] = "CREATE TABLE counters ("
                             " key TEXT PRIMARY KEY," // the name in lower case
                             " name TEXT NOT NULL,"   // as first spelled
                             " value INTEGER NOT NULL"
                             ") WITHOUT ROWID";
 
-/// What is wrong with the file, a row each: first with its pages, then with what stands in them. Letters outside ASCII
-/// are left out, for SQLite does not know their case.
-constexpr char examination[] =
-    "SELECT * FROM pragma_quick_check(1) WHERE quick_check <> 'ok' UNION ALL "
-    "SELECT 'a counter is no longer what it was' FROM counters WHERE typeof(value) <> 'integer'"
-    " OR lower(name) <> key AND name NOT GLOB '*[^ -~]*'";
+/// A row for each damage.
+constexpr char examination[] = "SELECT * FROM pragma_quick_check(1) WHERE quick_check <> 'ok'";
 
-/// The pages of a file that was made but has got no table yet.
-constexpr char pageCount[] = "PRAGMA page_count";
+/// Of a row as it is written here. The key of letters outside ASCII is not looked at, for SQLite does not know their
+/// case.
+constexpr char isSound[] = "(typeof(value) = 'integer' AND (lower(name) = key OR name GLOB '*[^ -~]*'))";
 
 constexpr std::chrono::milliseconds patience(1000);
 
@@ -121,7 +120,6 @@ private:
 /// nobody changes.
 std::string GetReadingUri(const std::string& path)
 {
-    const bool hasJournal = access((path + "-wal").c_str(), R_OK) == 0 && access((path + "-shm").c_str(), R_OK) == 0;
     std::string uri = "file:";
     for (const char ch : std::filesystem::absolute(path).string()) {
         if (ch == '%' || ch == '?' || ch == '#')
@@ -129,21 +127,22 @@ std::string GetReadingUri(const std::string& path)
         else
             uri += ch;
     }
-    return uri + (hasJournal ? "?readonly_shm=1" : "?immutable=1");
+    return uri + (UsageDatabase::HasJournal(path) ? "?readonly_shm=1" : "?immutable=1");
 }
 
 } // namespace
 
-const char* const UsageDatabase::queries[] = {
-    "SELECT value FROM counters WHERE key = ?1",
-    ("INSERT INTO counters VALUES (?1, ?2, ?3) ON CONFLICT DO UPDATE SET value = value + ?3"
-     " WHERE typeof(value + ?3) = 'integer'"), // a sum beyond 64 bits would become a floating number
-    "INSERT INTO counters VALUES (?1, ?2, ?3) ON CONFLICT DO UPDATE SET value = ?3",
-    "DELETE FROM counters WHERE key = ?1",
-    "SELECT name FROM counters",
-    "BEGIN IMMEDIATE",
-    "COMMIT",
-    "ROLLBACK",
+const UsageDatabase::QueryRow UsageDatabase::queries[] = {
+    {"SELECT value FROM counters WHERE key = ?1 AND ", isSound},
+    {"INSERT INTO counters VALUES (?1, ?2, ?3) ON CONFLICT DO UPDATE SET value = value + ?3"
+     " WHERE typeof(value + ?3) = 'integer'"}, // a sum beyond 64 bits would become a floating number
+    {"INSERT INTO counters VALUES (?1, ?2, ?3) ON CONFLICT DO UPDATE SET value = ?3"},
+    {"DELETE FROM counters WHERE key = ?1"},
+    {"SELECT name FROM counters WHERE ", isSound},
+    {"SELECT name FROM counters WHERE NOT ", isSound},
+    {"BEGIN IMMEDIATE"},
+    {"COMMIT"},
+    {"ROLLBACK"},
 };
 
 void UsageDatabase::Closer::operator()(sqlite3* connection) const
@@ -157,6 +156,7 @@ void UsageDatabase::Closer::operator()(sqlite3_stmt* statement) const
 }
 
 UsageDatabase::UsageDatabase() = default;
+UsageDatabase::UsageDatabase(UsageDatabase&& other) noexcept = default;
 UsageDatabase::~UsageDatabase() = default;
 
 /// The statements end before their connection.
@@ -164,6 +164,7 @@ UsageDatabase& UsageDatabase::operator=(UsageDatabase&& other) noexcept
 {
     statements = std::move(other.statements);
     connection = std::move(other.connection);
+    changeError = other.changeError;
     return *this;
 }
 
@@ -182,7 +183,8 @@ bool UsageDatabase::TryPrepare()
 {
     for (std::size_t i = 0; i < queryCount; ++i) {
         sqlite3_stmt* statement = nullptr;
-        if (sqlite3_prepare_v3(connection.get(), queries[i], -1, SQLITE_PREPARE_PERSISTENT, &statement, nullptr) !=
+        const std::string text = std::string(queries[i].text) + queries[i].condition;
+        if (sqlite3_prepare_v3(connection.get(), text.c_str(), -1, SQLITE_PREPARE_PERSISTENT, &statement, nullptr) !=
             SQLITE_OK)
             return false;
         statements[i].reset(statement);
@@ -190,18 +192,22 @@ bool UsageDatabase::TryPrepare()
     return true;
 }
 
-UsageDatabase::State UsageDatabase::Open(const std::string& path)
+UsageDatabase::State UsageDatabase::Create(const std::string& path)
 {
-    if (!TryConnect(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE) || !TryExecute(connection.get(), setup))
-        return GetFailure();
-    const std::optional<std::string> pages = Ask(connection.get(), pageCount);
-    const bool isNew = pages == "0" || pages == "1";
-    if (isNew && !TryExecute(connection.get(), creation))
-        return GetFailure();
+    constexpr int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+    if (!TryConnect(path, flags) || !TryExecute(connection.get(), setup) || !TryExecute(connection.get(), creation))
+        return State::Unusable;
     const State state = Examine();
-    if (isNew && state == State::Open)
+    if (state == State::Open)
         Preserve(); // so that a file without the table is a damaged one
     return state;
+}
+
+UsageDatabase::State UsageDatabase::Open(const std::string& path)
+{
+    if (!TryConnect(path, SQLITE_OPEN_READWRITE) || !TryExecute(connection.get(), setup))
+        return GetFailure();
+    return Examine();
 }
 
 UsageDatabase::State UsageDatabase::OpenForReading(const std::string& path)
@@ -226,7 +232,26 @@ UsageDatabase::State UsageDatabase::GetFailure() const
 
 std::string UsageDatabase::GetError() const
 {
-    return sqlite3_errmsg(connection.get());
+    const int error = changeError != SQLITE_OK ? changeError : sqlite3_errcode(connection.get());
+    const int systemError = sqlite3_system_errno(connection.get());
+    if (((error & 0xFF) == SQLITE_IOERR || (error & 0xFF) == SQLITE_CANTOPEN) && systemError != 0)
+        return std::generic_category().message(systemError);
+    return sqlite3_errstr(error);
+}
+
+bool UsageDatabase::HasJournal(const std::string& path)
+{
+    const std::string journal = path + "-wal";
+    return WholeFile::GetStamp(journal).size != 0 && access(journal.c_str(), R_OK) == 0 &&
+        access((path + "-shm").c_str(), R_OK) == 0;
+}
+
+/// Keeps the reason of a change that failed, which rolling back would overwrite.
+bool UsageDatabase::NoteChange(bool isMade) noexcept
+{
+    if (!isMade)
+        changeError = sqlite3_errcode(connection.get());
+    return isMade;
 }
 
 bool UsageDatabase::TryRead(const WString& name, long long& value)
@@ -241,9 +266,19 @@ bool UsageDatabase::TryRead(const WString& name, long long& value)
 
 void UsageDatabase::ReadNames(WStringArray& names)
 {
-    Use query((*this)[ListNames]);
-    while (query.NextRow())
-        names.Add(query.GetText());
+    ReadTexts(ListNames, names);
+}
+
+void UsageDatabase::ReadOddNames(WStringArray& names)
+{
+    ReadTexts(ListOddNames, names);
+}
+
+void UsageDatabase::ReadTexts(Query query, WStringArray& texts)
+{
+    Use use((*this)[query]);
+    while (use.NextRow())
+        texts.Add(use.GetText());
 }
 
 bool UsageDatabase::Add(const WString& name, long long by)
@@ -251,7 +286,7 @@ bool UsageDatabase::Add(const WString& name, long long by)
     Use query((*this)[AddValue]);
     query.BindName(name);
     query.BindValue(by);
-    return query.Finish();
+    return NoteChange(query.Finish());
 }
 
 bool UsageDatabase::Assign(const WString& name, long long value)
@@ -259,19 +294,19 @@ bool UsageDatabase::Assign(const WString& name, long long value)
     Use query((*this)[AssignValue]);
     query.BindName(name);
     query.BindValue(value);
-    return query.Finish();
+    return NoteChange(query.Finish());
 }
 
 bool UsageDatabase::Remove(const WString& name)
 {
     Use query((*this)[RemoveRow]);
     query.BindName(name);
-    return query.Finish() && sqlite3_changes(connection.get()) != 0;
+    return NoteChange(query.Finish()) && sqlite3_changes(connection.get()) != 0;
 }
 
 bool UsageDatabase::Execute(Query query)
 {
-    return Use((*this)[query]).Finish();
+    return NoteChange(Use((*this)[query]).Finish());
 }
 
 bool UsageDatabase::Begin(bool waits)
@@ -294,7 +329,7 @@ bool UsageDatabase::Commit()
 
 void UsageDatabase::Rollback() noexcept
 {
-    Execute(RollbackTransaction);
+    Use((*this)[RollbackTransaction]).Finish();
 }
 
 bool UsageDatabase::TryMakeDurable() noexcept

@@ -20,25 +20,33 @@ class UsageDatabase
 {
 public:
     UsageDatabase();
+    UsageDatabase(UsageDatabase&& other) noexcept;
     UsageDatabase& operator=(UsageDatabase&& other) noexcept;
     ~UsageDatabase();
 
     enum class State
     {
         Open,
-        Damaged, // what is read of it could not be trusted; the object does not serve
+        Damaged, // or no such database; the object does not serve
         Unusable // just now or for this process, as GetError says; the object serves for that alone
     };
 
-    /// Opens or creates the file, and examines it.
+    /// Opens the file, and examines it.
     State Open(const std::string& path);
-    /// The same for a file that this process may not change: makes no files beside it, as SQLite would, which those who
-    /// may change it could then not write.
+    /// Makes a file that is not there yet, and opens it. It is on the disk then.
+    State Create(const std::string& path);
+    /// Opens a file that cannot or may not be changed: makes no files beside it, as SQLite would, which those who may
+    /// change it could then not write. Where there is no journal what others change later is not seen.
     State OpenForReading(const std::string& path);
+    /// Whether changes that can be read stand in a journal beside the file, as while it is open for changes.
+    static bool HasJournal(const std::string& path);
+    /// Of the last change that failed, else of opening.
     std::string GetError() const;
 
     bool TryRead(const WString& name, long long& value);
     void ReadNames(WStringArray& names);
+    /// The names of rows that are not as they are written here, which no other operation reads.
+    void ReadOddNames(WStringArray& names);
     bool Add(const WString& name, long long by);
     bool Assign(const WString& name, long long value);
     /// False when there is no such counter as well.
@@ -62,12 +70,18 @@ private:
         AssignValue,
         RemoveRow,
         ListNames,
+        ListOddNames,
         BeginTransaction,
         CommitTransaction,
         RollbackTransaction,
         queryCount
     };
-    static const char* const queries[queryCount];
+    struct QueryRow
+    {
+        const char* text;
+        const char* condition = ""; // behind it
+    };
+    static const QueryRow queries[queryCount];
 
     struct Closer
     {
@@ -76,11 +90,14 @@ private:
     };
     std::unique_ptr<sqlite3, Closer> connection; // outlives the statements
     std::array<std::unique_ptr<sqlite3_stmt, Closer>, queryCount> statements;
+    int changeError = 0; // of the last change that failed
 
     bool TryConnect(const std::string& name, int flags);
     bool TryPrepare();
     State Examine();
     State GetFailure() const;
     bool Execute(Query query);
+    bool NoteChange(bool isMade) noexcept;
+    void ReadTexts(Query query, WStringArray& texts);
     sqlite3_stmt* operator[](Query query) const { return statements[query].get(); }
 };

@@ -1,9 +1,9 @@
 #include "Instrument/UsageLog.h"
 
 #include "Instrument/UsageDatabase.h"
-#include "Instrument/UsageJournal.h"
 #include "Services/Clock.h"
 #include "Services/WholeFile.h"
+#include "Text/HostError.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -41,33 +41,32 @@ std::string GetNameAside(const std::string& path)
             return name;
 }
 
-std::string CopyAside(const std::string& path)
-{
-    const std::string aside = GetNameAside(path);
-    for (const std::string ending : {"", "-wal"}) {
-        std::string bytes;
-        if (const int errorNumber = WholeFile::Read(path + ending, bytes); errorNumber != 0)
-            WholeFile::Fail(path + ending, errorNumber);
-        WholeFile::Write(aside + ending, bytes);
-    }
-    return aside;
-}
-
 std::string MoveAside(const std::string& path)
 {
     const std::string aside = GetNameAside(path);
     if (std::rename(path.c_str(), aside.c_str()) != 0)
         WholeFile::Fail(path, errno);
     std::rename((path + "-wal").c_str(), (aside + "-wal").c_str());
-    unlink((path + "-shm").c_str());
     return aside;
 }
 
-WString DescribeDamage(const std::string& path, const std::string& aside, const wchar_t* counters)
+void RemoveFiles(const std::string& path)
 {
-    return WString::Format(L"%s: damaged; it is kept as %s, and %s", WString::FromUtf8(path),
-        WString::FromUtf8(std::filesystem::path(aside).filename().string()), counters);
+    for (const char* ending : endings_lc)
+        unlink((path + ending).c_str());
 }
+
+/// Files that are gone at the end of the scope, and before it if a process that was killed has left them.
+class TemporaryFiles
+{
+public:
+    explicit TemporaryFiles(const std::string& path) : path(path) { RemoveFiles(path); }
+    ~TemporaryFiles() { RemoveFiles(path); }
+    TemporaryFiles(const TemporaryFiles&) = delete;
+    TemporaryFiles& operator=(const TemporaryFiles&) = delete;
+
+    const std::string path;
+};
 
 } // namespace
 
@@ -77,11 +76,13 @@ class [[gnu::visibility("hidden")]] UsageLog::Counters
 public:
     std::mutex lock; // held by whoever calls an operation
 
+    /// Opens the file, or begins a new one in place of one that is not there or does not serve; reports what is wrong
+    /// with it. Throws HostException(FileError).
+    Counters(const std::string& path, WString& report) : path(WholeFile::Resolve(path))
+    {
+        report = Open();
+    }
     ~Counters();
-
-    /// Opens the file, in place of a damaged one a new one, which it yields a report of. Throws
-    /// HostException(FileError).
-    WString Open(const std::string& path);
 
     void Gather(const WString& name, unsigned int by);
     /// Writes in one transaction what is gathered; false, and it stays gathered, when the file cannot be written.
@@ -98,67 +99,148 @@ public:
     template <typename Change>
     bool TryMakeLasting(const Change& change)
     {
+        if (!Write())
+            return false;
         hasLasting = hasLasting || database.TryMakeDurable();
-        return hasLasting && Write() && change(database);
+        return hasLasting && change(database);
     }
 
-    std::string GetError() const
+    WString GetFault() const
     {
-        return database.GetError();
+        return fault.IsEmpty() ? WString::FromUtf8(database.GetError()) : fault;
     }
 
 private:
     static constexpr unsigned int interval = 100; // ms
 
+    /// What tells that the file is to be opened again.
+    struct Sight
+    {
+        FileStamp stamp;
+        bool hasJournal = false;
+
+        bool operator==(const Sight&) const = default;
+    };
+
+    const std::string path;
     UsageDatabase database;
+    bool isForReading = false;
+    Sight seen;    // when it was opened
+    WString fault; // why it is not, or is for reading only
     bool hasLasting = false;
     std::map<WString, long long> gathered;
     unsigned int gatheredSince = 0; // ticks of the clock
 
-    State TryOpen(const std::string& path);
-    WString Repair(const std::string& path);
+    WString Open();
+    WString OpenForReading(const WString& reason);
+    WString Renew() const;
+    WString ReportOddRows();
+    void Take(UsageDatabase opened, bool forReading, const Sight& sight);
+    Sight Look(bool forReading) const;
+    bool TryFollow();
     bool TryAddGathered(bool waits);
 };
 
-WString UsageLog::Counters::Open(const std::string& path)
+WString UsageLog::Counters::Open()
 {
-    if (!MayWrite(path)) {
-        if (const State state = database.OpenForReading(path); state != State::Open)
-            WholeFile::Fail(path, state == State::Damaged ? L"damaged" : WString::FromUtf8(database.GetError()));
-        return WString();
-    }
-    const State state = UsageJournal::IsSound(path) ? TryOpen(path) : State::Damaged;
-    if (state == State::Unusable)
-        WholeFile::Fail(path, WString::FromUtf8(database.GetError()));
-    return state == State::Damaged ? Repair(path) : WString();
-}
-
-State UsageLog::Counters::TryOpen(const std::string& path)
-{
-    database = UsageDatabase();
-    return database.Open(path);
-}
-
-/// Others may have found the damage at the same time, and the first of them has repaired it.
-WString UsageLog::Counters::Repair(const std::string& path)
-{
-    database = UsageDatabase(); // whose locks end
-    const WholeFile::Lock lock(path);
+    std::error_code error; // what it is cannot be seen: opening it tells why
+    if (const auto status = std::filesystem::status(path, error); exists(status) && !is_regular_file(status))
+        WholeFile::Fail(path, L"Not a regular file");
+    if (!MayWrite(path))
+        return OpenForReading(WString());
+    UsageDatabase opened;
     WString report;
-    const bool isJournalSound = UsageJournal::IsSound(path);
-    if (!isJournalSound)
-        report = DescribeDamage(path, CopyAside(path), L"the counters are those from before the damage");
-    State state = TryOpen(path);
+    State state = WholeFile::GetStamp(path).size == 0 ? State::Damaged : opened.Open(path);
     if (state == State::Damaged) {
-        database = UsageDatabase();
-        report = DescribeDamage(path, MoveAside(path), L"a new one is begun");
-        state = TryOpen(path);
+        opened = UsageDatabase(); // whose locks end
+        report = Renew();
+        state = opened.Open(path);
     }
     if (state != State::Open)
-        WholeFile::Fail(path, WString::FromUtf8(database.GetError()));
-    if (!isJournalSound)
-        database.Preserve(); // which ends the damaged journal
+        return OpenForReading(WString::FromUtf8(opened.GetError()));
+    Take(std::move(opened), false, Look(false));
+    return report.IsEmpty() ? ReportOddRows() : report;
+}
+
+/// Where the file may be written, but cannot be just now, the reason is given.
+WString UsageLog::Counters::OpenForReading(const WString& reason)
+{
+    UsageDatabase opened;
+    State state = State::Open;
+    Sight sight;
+    do {
+        sight = Look(true);
+        opened = UsageDatabase();
+        state = opened.OpenForReading(path);
+    } while (state != State::Open && Look(true) != sight); // its owner was at work
+    if (state != State::Open)
+        WholeFile::Fail(path, reason.IsEmpty() ? WString::FromUtf8(opened.GetError()) : reason);
+    Take(std::move(opened), true, sight);
+    fault = reason;
+    return reason.IsEmpty() ? ReportOddRows()
+                            : WString::FromUtf8(path) + L": " + reason + L"; the counters can only be read";
+}
+
+void UsageLog::Counters::Take(UsageDatabase opened, bool forReading, const Sight& sight)
+{
+    database = std::move(opened);
+    isForReading = forReading;
+    seen = sight;
+    hasLasting = false;
+    fault.Clear();
+}
+
+/// Begins a new file. What is there is kept aside, unless another process was faster to find what is wrong with it.
+WString UsageLog::Counters::Renew() const
+{
+    const WholeFile::Lock lock(path);
+    const FileStamp stamp = WholeFile::GetStamp(path);
+    if (stamp.size != 0 && UsageDatabase().Open(path) != State::Damaged)
+        return WString();
+    const TemporaryFiles made(path + ".new"); // for nobody to find a part of it, nor to lose a file where is no room
+    if (UsageDatabase empty; empty.Create(made.path) != State::Open)
+        WholeFile::Fail(path, WString::FromUtf8(empty.GetError()));
+    WString report;
+    if (stamp != FileStamp())
+        report = WString::Format(L"%s: %s; it is kept as %s, and a new one is begun", WString::FromUtf8(path),
+            stamp.size == 0 ? L"empty" : L"damaged",
+            WString::FromUtf8(std::filesystem::path(MoveAside(path)).filename().string()));
+    RemoveFiles(path); // the journal of one that stood there before
+    if (std::rename(made.path.c_str(), path.c_str()) != 0)
+        WholeFile::Fail(path, errno);
     return report;
+}
+
+/// A row that another program wrote is no damage.
+WString UsageLog::Counters::ReportOddRows()
+{
+    WStringArray names;
+    database.ReadOddNames(names);
+    if (names.IsEmpty())
+        return WString();
+    const WString others = names.Count() == 1 ? WString() : WString::Format(L" and %u more", names.Count() - 1);
+    return WString::FromUtf8(path) + L": no counter as they are written here, and left as it is: " + names[0] + others;
+}
+
+/// Of a file that is written no more than whether it is the same: what others change there is seen.
+UsageLog::Counters::Sight UsageLog::Counters::Look(bool forReading) const
+{
+    const FileStamp stamp = WholeFile::GetStamp(path);
+    if (forReading)
+        return {stamp, UsageDatabase::HasJournal(path)};
+    return {{stamp.node}};
+}
+
+/// Opens the file again when another has taken its place, or when it can only be read and was changed. False when that
+/// fails: what was read before can be read still.
+bool UsageLog::Counters::TryFollow()
+try {
+    if (Look(isForReading) != seen)
+        Open();
+    return true;
+} catch (const HostException& failure) {
+    fault = failure.GetMessage();
+    return false;
 }
 
 UsageLog::Counters::~Counters()
@@ -177,9 +259,7 @@ void UsageLog::Counters::Gather(const WString& name, unsigned int by)
 
 bool UsageLog::Counters::Write(bool waits) noexcept
 try {
-    if (gathered.empty())
-        return true;
-    if (!TryAddGathered(waits))
+    if (!TryFollow() || (!gathered.empty() && !TryAddGathered(waits)))
         return false;
     gathered.clear();
     return true;
@@ -218,9 +298,8 @@ UsageLog::~UsageLog() = default;
 WString UsageLog::Open(const std::string& path)
 {
     counters.reset();
-    auto opened = std::make_unique<Counters>();
-    const WString report = opened->Open(path);
-    counters = std::move(opened);
+    WString report;
+    counters = std::make_unique<Counters>(path, report);
     return report;
 }
 
@@ -285,7 +364,7 @@ WString UsageLog::GetFault() const
     if (!counters)
         return L"there is no usable file";
     const std::lock_guard guard(counters->lock);
-    return WString::FromUtf8(counters->GetError());
+    return counters->GetFault();
 }
 
 void UsageLog::WriteCounts() noexcept

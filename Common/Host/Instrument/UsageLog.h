@@ -28,10 +28,13 @@ public:
     UsageLog(const UsageLog&) = delete;
     UsageLog& operator=(const UsageLog&) = delete;
 
-    /// Opens or creates the file in place of the one that was open. One that this process may not change is used for
-    /// reading alone. One that is damaged is kept aside, as "<path>.damaged1" or so, and a new one is begun; if only
-    /// its journal is damaged, with the counters from before that. Yields a report of it in one line, else an empty
-    /// text. Throws HostException(FileError) with name and reason, and then no file is open.
+    /// Opens or creates the file in place of the one that was open. One that this process may not change, or cannot for
+    /// want of room, is used for reading alone. One that is damaged or empty is kept aside, as "<path>.damaged1" or so,
+    /// and a new one is begun. A counter in it that some other program has spoilt is left out and stays as it is.
+    /// Yields a report of such things in one line, else an empty text. Throws HostException(FileError) with name and
+    /// reason, and then no file is open.
+    ///
+    /// A file that takes its place while it is open is opened instead by the next operation.
     WString Open(const std::string& path);
     /// The counter, saturated to the signed 32-bit range.
     bool TryGetUsageValue(const wchar_t* name, int& value) const;

@@ -7,10 +7,12 @@
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
+#include <memory>
 #include <random>
 #include <system_error>
 #include <vector>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -18,17 +20,6 @@
 namespace {
 
 constexpr int longestWait = 10000; // ms for the lock of a file
-
-/// The file behind symbolic links, whether it is there or not, so that replacing it keeps the link.
-std::string Resolve(const std::string& path)
-{
-    constexpr int mostLinks = 40;
-    std::filesystem::path target = path;
-    std::error_code error;
-    for (int i = 0; i < mostLinks && std::filesystem::is_symlink(target, error); ++i)
-        target = target.parent_path() / std::filesystem::read_symlink(target, error); // an absolute one stands alone
-    return target;
-}
 
 FileStamp ToStamp(const struct stat& status)
 {
@@ -64,17 +55,18 @@ std::string GetTemporaryName(const std::string& target)
 }
 
 /// The files of such names.
-std::vector<std::filesystem::path> ListTemporaries(const std::filesystem::path& target)
+std::vector<std::string> ListTemporaries(const std::string& target)
 {
-    const std::string start = target.filename().string() + ".";
-    std::vector<std::filesystem::path> found;
-    std::error_code error;
-    for (std::filesystem::directory_iterator entry(target.has_parent_path() ? target.parent_path() : ".", error), end;
-         !error && entry != end; entry.increment(error)) {
-        const std::string name = entry->path().filename();
+    const std::size_t folderEnd = target.rfind('/') + 1; // 0: no folder is named
+    const std::string folder = target.substr(0, folderEnd);
+    const std::string start = target.substr(folderEnd) + ".";
+    const std::unique_ptr<DIR, int (*)(DIR*)> files(opendir(folder.empty() ? "." : folder.c_str()), closedir);
+    std::vector<std::string> found;
+    while (const dirent* file = files ? readdir(files.get()) : nullptr) {
+        const std::string_view name = file->d_name;
         if (name.starts_with(start) && name.ends_with(temporaryEnding) &&
             name.find_first_not_of("0123456789", start.size()) == name.size() - temporaryEnding.size())
-            found.push_back(entry->path());
+            found.push_back(folder + file->d_name);
     }
     return found;
 }
@@ -105,6 +97,16 @@ bool TryFill(int descriptor, std::string_view text, const std::string& target, F
 }
 
 } // namespace
+
+std::string WholeFile::Resolve(const std::string& path)
+{
+    constexpr int mostLinks = 40;
+    std::filesystem::path target = path;
+    std::error_code error;
+    for (int i = 0; i < mostLinks && std::filesystem::is_symlink(target, error); ++i)
+        target = target.parent_path() / std::filesystem::read_symlink(target, error); // an absolute one stands alone
+    return target;
+}
 
 FileStamp WholeFile::GetStamp(const std::string& path)
 {
@@ -172,15 +174,13 @@ WholeFile::Lock::Lock(const std::string& path) : file(OpenLock(Resolve(path)))
         Abort::ThrowIfRequested();
         Fail(path, L"locked by another process");
     }
-    for (const std::filesystem::path& temporary : ListTemporaries(Resolve(path)))
+    for (const std::string& temporary : ListTemporaries(Resolve(path)))
         unlink(temporary.c_str()); // who had the lock was killed
 }
 
 bool WholeFile::IsProtected(const std::string& path)
 {
-    const std::string target = Resolve(path);
-    return faccessat(AT_FDCWD, target.c_str(), F_OK, AT_EACCESS) == 0 &&
-        faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0;
+    return faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0 && errno != ENOENT && errno != ENOTDIR;
 }
 
 void WholeFile::CleanUp(const std::string& path)

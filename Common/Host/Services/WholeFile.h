@@ -25,6 +25,9 @@ struct FileStamp
 /// Files read and written as a whole.
 namespace WholeFile {
 
+/// The file behind symbolic links, whether it is there or not, so that replacing it keeps the link.
+std::string Resolve(const std::string& path);
+
 FileStamp GetStamp(const std::string& path);
 
 /// Opens a regular file and returns its descriptor, or -1 with errno. Anything else is refused without opening it,
@@ -54,8 +57,9 @@ private:
     const FileDescriptor file;
 };
 
-/// Whether the file, or the one that it is a link to, is there and this process may not change it, with errno then. The
-/// folder's permission to replace it does not count: whoever owns the file would be locked out of the new one.
+/// Whether the file, or the one that it is a link to, is there, or cannot even be looked for, and this process may not
+/// change it, with errno then. The folder's permission to replace it does not count: whoever owns the file would be
+/// locked out of the new one.
 bool IsProtected(const std::string& path);
 
 /// Removes what such a Write has left behind, if that can be done. Throws nothing but for want of memory.
