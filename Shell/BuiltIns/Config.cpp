@@ -35,7 +35,7 @@ protected:
     bool TryGet(const WString& name, WString& value) override { return Reference::TryGetConfig(name, value); }
     void Set(const WString& name, const WString& value) override;
     bool TryDelete(const WString& name) override;
-    bool IsText(const WString&) override { return true; }
+    bool IsText(const WString& name) override;
 
 private:
     bool makes = false;
@@ -79,6 +79,7 @@ void Config::Set(const WString& name, const WString& value)
     System::config.SetString(section, key, value);
     System::config.Save();
 }
+
 /// Fails for a value that whoever reads the setting would refuse, as far as that is known.
 void Config::Check(const WString& section, const WString& key, const WString& value)
 {
@@ -93,6 +94,16 @@ void Config::Check(const WString& section, const WString& key, const WString& va
     } else if (!makes) {
         FailAsUnknown(WString::Format(L"[%s]%s", section, key), L"Config -n makes a new one");
     }
+}
+
+/// As far as is known; else it shows.
+bool Config::IsText(const WString& name)
+{
+    WString section;
+    WString key;
+    ConfigMetaData::Item item;
+    return Reference::TrySplitConfigName(name, section, key) &&
+        System::config.GetMetaData().TryGet(section, key, item) && item.type == ConfigDataType::Str;
 }
 
 /// Settings that nobody has asked for yet have the kind of their value.

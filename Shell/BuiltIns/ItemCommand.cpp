@@ -44,6 +44,11 @@ ExitCode ItemCommand::Main(ArgumentList& arguments, Options& options)
     return ExitCode(0);
 }
 
+void ItemCommand::FailToDelete(const WString& name, const WString& reason)
+{
+    Fail(failed, name + L" cannot be deleted: " + reason);
+}
+
 void ItemCommand::FailAsUnknown(const WString& name, const wchar_t* remedy)
 {
     WStringArray names;

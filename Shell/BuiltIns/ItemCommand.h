@@ -20,11 +20,13 @@ protected:
     /// Fails when the value does not serve.
     virtual void Set(const WString& name, const WString& value) = 0;
 
-    /// False when there is none, or it cannot be deleted.
+    /// False when there is none; fails when it cannot be deleted.
     virtual bool TryDelete(const WString& name) = 0;
     /// Whether the value is a text, and not a number or a boolean.
     virtual bool IsText(const WString&) { return false; }
 
+    /// Fails with the reason why what is there cannot be deleted.
+    [[noreturn]] void FailToDelete(const WString& name, const WString& reason);
     /// Fails with the name that was most likely meant, and the remedy.
     [[noreturn]] void FailAsUnknown(const WString& name, const wchar_t* remedy = L"");
     /// The value as a number; fails when it is no 32-bit whole one.

@@ -84,10 +84,13 @@ void Status::Set(const WString& name, const WString& value)
 
 bool Status::TryDelete(const WString& name)
 {
-    if (!System::status.TryDelete(name))
-        return false;
-    System::status.Save();
-    return true;
+    if (System::status.TryDelete(name)) {
+        System::status.Save();
+        return true;
+    }
+    if (System::status.ContainsItem(name))
+        FailToDelete(name, L"its value is always that of the moment");
+    return false;
 }
 
 bool Status::IsText(const WString& name)

@@ -25,13 +25,23 @@ protected:
     void GetNames(WStringArray& names) override { System::usage.GetNames(names); }
     bool TryGet(const WString& name, WString& value) override { return Reference::TryGetUsage(name, value); }
     void Set(const WString& name, const WString& value) override;
-    bool TryDelete(const WString& name) override { return System::usage.TryDelete(name.ToCString()); }
+    bool TryDelete(const WString& name) override;
 };
 
 void Usage::Set(const WString& name, const WString& value)
 {
     if (!System::usage.Set(name.ToCString(), ReadInt32(value)))
         Fail(failed, L"The usage counters cannot be written: " + System::usage.GetFault());
+}
+
+bool Usage::TryDelete(const WString& name)
+{
+    if (System::usage.TryDelete(name.ToCString()))
+        return true;
+    const WString fault = System::usage.GetFault();
+    if (WString value; TryGet(name, value))
+        FailToDelete(name, fault);
+    return false;
 }
 } // namespace
 
