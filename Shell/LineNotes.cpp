@@ -5,6 +5,7 @@
 #include "Text/CharacterCase.h"
 #include "Text/ExitCode.h"
 #include "Text/QuoteTracker.h"
+#include "Text/SimilarName.h"
 
 #include <algorithm>
 
@@ -78,6 +79,30 @@ try {
     return false;
 }
 
+/// A word of an If that is nearly the ELSE that it lacks, with something behind it; else empty.
+WString FindNearlyElse(const WString& line)
+try {
+    WString name;
+    WString rest;
+    WString before;
+    WString commands;
+    CommandLine::SplitName(line, name, rest);
+    if (!EqualsIgnoreCase(name.View(), L"If") || !rest.TrySplitAtKeyword(L"THEN", before, commands) ||
+        commands.TrySplitAtKeyword(L"ELSE", before, rest))
+        return WString();
+    WStringArray words;
+    commands.GetWStringArray(words, 1, 1000, 0, 1, 4096, L" \t");
+    for (std::size_t i = 0; i + 1 < words.Count(); ++i) {
+        SimilarName similar(words[i]);
+        similar.Offer(L"ELSE");
+        if (!similar.Get().IsEmpty())
+            return words[i];
+    }
+    return WString();
+} catch (const ExitCode&) { // of so many words that it is another matter
+    return WString();
+}
+
 void AddOnce(const WString& note, WStringArray& notes)
 {
     if (std::ranges::find(notes, note) == notes.end())
@@ -91,6 +116,8 @@ void AddLineNotes(const WString& line, WStringArray& notes)
         AddOnce(L"\"" + WString(comment).Trim() +
                 L"\" was read as part of the command; a comment stands on a line of its own, behind #",
             notes);
+    if (const WString word = FindNearlyElse(line); !word.IsEmpty())
+        AddOnce(L"\"" + word + L"\" was read as part of the command; did you mean ELSE?", notes);
     if (WString separator; IsLoopThatTearsConditional(line, separator))
         AddOnce(L"While splits its commands at every \"" + separator +
                 L"\", those of If too; give While another separator: While -l| ... Do If ... Then a; b Else c | d",

@@ -12,7 +12,7 @@ try {
     if (!run.caller)
         warnings.clear();
     else if (IsPendingIn(run.caller))
-        Report(run.caller->outcome.command);
+        Report(*run.caller);
 } catch (const std::bad_alloc&) { // the commands run all the same
 }
 
@@ -22,7 +22,7 @@ try {
         if (run.outcome.code.IsError())
             pending.pop_back();
         else
-            Report(run.outcome.command);
+            Report(run);
     }
     if (run.caller && run.outcome.code.IsError() && (run.flags & CommandFlags::toleratesFailure) == 0)
         pending.push_back({run.caller, run.line.Trim(), run.outcome});
@@ -34,8 +34,9 @@ bool PassedOver::IsPendingIn(const CommandRun* caller) const noexcept
     return !pending.empty() && pending.back().caller == caller;
 }
 
-void PassedOver::Report(const WString& callerName)
+void PassedOver::Report(const CommandRun& caller)
 {
+    const WString& callerName = caller.outcome.command;
     Pending failure = std::move(pending.back());
     pending.pop_back();
     auto& [code, name, message, returnString, notes] = failure.outcome;
@@ -44,6 +45,7 @@ void PassedOver::Report(const WString& callerName)
     if (!warnings.insert(warning).second)
         return;
     AddLineNotes(failure.line, notes);
+    AddLineNotes(caller.line, notes);
     RunningScript* const script = RunningScript::GetInnermost();
     if (isFailure && script && !script->innerFailure) {
         script->innerFailure = {code, callerName, what + (message.IsEmpty() ? L"" : L": ") + message, {}, notes};

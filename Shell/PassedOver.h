@@ -30,5 +30,5 @@ private:
     std::set<WString> warnings;   // of the line that is being run
 
     bool IsPendingIn(const CommandRun* caller) const noexcept;
-    void Report(const WString& callerName);
+    void Report(const CommandRun& caller);
 };

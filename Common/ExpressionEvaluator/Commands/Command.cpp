@@ -15,6 +15,12 @@ const char* Command::GetSourceCodeTimestamp()
     return "Fri Sep  8 16:51:25 2023";
 }
 
+/// Whether an option, without its dash, is one of that row.
+static bool IsOptionOf(const OptionRecord& row, const WString& text)
+{
+    return row.kind == OptionKind::Flag ? EqualsIgnoreCase(text.View(), row.name) : text.StartsWith(row.name, true);
+}
+
 void Command::OnStart(ArgumentList& arguments, Options& options)
 {
     givenArguments = &arguments;
@@ -31,12 +37,12 @@ try {
 void Command::NoteExpressionReadAsOption(const ExitCode& exitCode)
 {
     const bool isRefused = !givenOptions->GetRefusedOption().IsEmpty();
-    const WString option = isRefused ? givenOptions->GetRefusedOption() : givenOptions->GetUnusedOption();
+    const WString option = isRefused ? givenOptions->GetRefusedOption() : givenOptions->GetLastUnusedOption();
     const unsigned int number = exitCode.GetModule() == 0 ? exitCode.GetNumber() : 0;
     if (option.IsEmpty() || (!isRefused && number != CommonExit::wrongCount && number != CommonExit::badOption))
         return;
-    const bool isKnown = std::ranges::any_of(GetRecord()->options,
-        [&](const OptionRecord& row) { return EqualsIgnoreCase(option.Substring(1).View(), row.name); });
+    const auto isOfRow = [&](const OptionRecord& row) { return IsOptionOf(row, option.Substring(1)); };
+    const bool isKnown = !Hints::IsCalculated(option) && std::ranges::any_of(GetRecord()->options, isOfRow);
     const WString rest = givenArguments->Count() == 0 ? WString() : givenArguments->At(0);
     if (!isKnown && (Hints::IsCalculated(option) || (!isRefused && Hints::IsContinuation(rest))))
         AddNote(WString::Format(
@@ -61,10 +67,8 @@ void Command::NoteOptionBehind(const EvaluationError& error)
     if (error.code.GetModule() != evaluatorModule || error.code.GetNumber() != Errors::MissingVariable.number)
         return;
     const WString name = PruneVariableName(error.message);
-    const auto begins = [&](const OptionRecord& row) {
-        return row.kind == OptionKind::Flag ? EqualsIgnoreCase(name.View(), row.name) : name.StartsWith(row.name, true);
-    };
-    if (error.expression.EndsWith(L" -" + name, true) && std::ranges::any_of(GetRecord()->options, begins))
+    const auto isOfRow = [&](const OptionRecord& row) { return IsOptionOf(row, name); };
+    if (error.expression.EndsWith(L" -" + name, true) && std::ranges::any_of(GetRecord()->options, isOfRow))
         AddNote(WString::Format(
             LR"("-%s" was read as part of the expression; write options in front: %s -%s ...)", name, GetName(), name));
 }

@@ -84,9 +84,29 @@ WStringArray FindMissing(const WString& expression, const Environment& environme
     return missing;
 }
 
+bool IsFunction(const WString& name)
+{
+    WStringArray names;
+    ExpressionEvaluator::GetSupportedFunctions(names);
+    return std::ranges::any_of(
+        names, [&](const WString& function) { return EqualsIgnoreCase(function.View(), name.View()); });
+}
+
 WString NoteMissing(const WString& name, const Environment& environment)
 {
     return name + L" does not exist" + Hints::AskForName(name, environment);
+}
+
+/// Of two operands in a row one may be meant to be an operator, or is a function without its arguments.
+Hints::Explanation ExplainSuperfluous(const WString& expression, const Environment& environment)
+{
+    Hints::Explanation explanation;
+    explanation.question = Hints::AskForKeyword(expression, {L"AND", L"OR", L"XOR"}, environment);
+    for (const WString& name : FindMissing(expression, environment)) {
+        if (IsFunction(name))
+            explanation.notes.Add(name + L" is a function; what it is given stands in parentheses: " + name + L"(...)");
+    }
+    return explanation;
 }
 
 /// The message ends with the function's name.
@@ -152,8 +172,7 @@ Hints::Explanation Hints::Explain(const EvaluationError& error, const Environmen
     case UsageNotFound.number: return {AskForItem(L"%U{", error.expression, environment), {}};
     case OperandAfterOperand.number:
     case OperatorExpected.number:
-    case CallAfterOperand.number:
-        return {AskForKeyword(error.expression, {L"AND", L"OR", L"XOR", L"THEN", L"ELSE", L"DO"}), {}};
+    case CallAfterOperand.number: return ExplainSuperfluous(error.expression, environment);
     case ToNumberMismatch.number:
     case NumberMismatch.number:
     case BoolMismatch.number:
@@ -181,14 +200,14 @@ WString Hints::AskForName(const WString& name, const Environment& environment)
     return DidYouMean(Reference::Exists(item, environment) ? item : Reference::FindSimilar(item, environment));
 }
 
-WString Hints::AskForKeyword(const WString& text, const WStringArray& keywords)
+WString Hints::AskForKeyword(const WString& text, const WStringArray& keywords, const Environment& environment)
 {
     WString question;
     VisitNames(text.View(), [&](View word, View) {
         SimilarName similar{WString(word)};
         similar.Offer(keywords);
         const bool isKeyword = EqualsIgnoreCase(similar.Get().View(), word);
-        if (!isKeyword && !similar.Get().IsEmpty())
+        if (!isKeyword && !similar.Get().IsEmpty() && !Exists(WString(word), environment))
             question = DidYouMean(similar.Get() + L" for \"" + WString(word) + L"\"");
         return question.IsEmpty();
     });

@@ -18,8 +18,8 @@ Explanation Explain(const EvaluationError& error, const Environment& environment
 /// " (did you mean <name>?)" for a bare name or a reference that nothing stands for; empty when no name is near.
 WString AskForName(const WString& name, const Environment& environment);
 /// " (did you mean <keyword> for "<word>"?)" for the first word outside double quotes that is nearly one of the
-/// keywords; else empty.
-WString AskForKeyword(const WString& text, const WStringArray& keywords);
+/// keywords, and that nothing stands for; else empty.
+WString AskForKeyword(const WString& text, const WStringArray& keywords, const Environment& environment);
 
 /// True for an option that looks like the calculation of something.
 bool IsCalculated(const WString& option);

@@ -87,7 +87,7 @@ ExitCode If::SplitStatement(const WString& text, Statement& statement)
 {
     WString lists;
     if (!text.TrySplitAtKeyword(L"THEN", statement.condition, lists))
-        return Refuse(missingThen, L"THEN is missing" + Hints::AskForKeyword(text, {L"THEN"}));
+        return Refuse(missingThen, L"THEN is missing" + Hints::AskForKeyword(text, {L"THEN"}, GetEnvironment()));
     const bool hasElse = lists.TrySplitAtKeyword(L"ELSE", statement.thenList, statement.elseList);
     if (!hasElse)
         statement.thenList = lists;

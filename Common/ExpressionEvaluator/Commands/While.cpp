@@ -100,7 +100,7 @@ ExitCode While::Main(ArgumentList& arguments, Options& options)
 
     WString commandList;
     if (!arguments.At(0).TrySplitAtKeyword(L"DO", loop.condition, commandList))
-        return Refuse(missingDo, L"DO is missing" + Hints::AskForKeyword(arguments.At(0), {L"DO"}));
+        return Refuse(missingDo, L"DO is missing" + Hints::AskForKeyword(arguments.At(0), {L"DO"}, GetEnvironment()));
     loop.commands = SplitCommandList(commandList, loop.separator, badCommandList);
     if (const ExitCode refusal = Start(options); refusal.IsError())
         return refusal;

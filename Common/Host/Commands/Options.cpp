@@ -3,6 +3,8 @@
 #include "Text/ExitCode.h"
 #include "Text/NumberText.h"
 
+#include <algorithm>
+
 Options::Options(const WStringArray& texts)
 {
     for (const WString& text : texts)
@@ -94,4 +96,10 @@ WString Options::GetUnusedOption() const
             return WString(L"-") + option.text;
     }
     return WString();
+}
+
+WString Options::GetLastUnusedOption() const
+{
+    const auto last = std::find_if(options.rbegin(), options.rend(), [](const Option& option) { return !option.used; });
+    return last == options.rend() ? WString() : WString(L"-") + last->text;
 }

@@ -34,6 +34,8 @@ public:
     bool ContainsUnusedOptions() const noexcept;
     /// The first such option with its dash, or an empty text.
     WString GetUnusedOption() const;
+    /// The last such option: what stands right before the argument.
+    WString GetLastUnusedOption() const;
     /// The option that was refused for its value, with its dash, or an empty text.
     const WString& GetRefusedOption() const noexcept { return refusedOption; }
 
