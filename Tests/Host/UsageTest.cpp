@@ -163,7 +163,7 @@ TEST_F(UsageCounters, ARowThatAnotherProgramWroteIsLeftOut)
     std::string bytes = folder.Read("Usage.db");
     bytes.at(bytes.find("odd")) = 'O';
     folder.Write("Usage.db", bytes);
-    EXPECT_EQ(usage.Open(path).ToUtf8(), path + ": no counter as they are written here, and left as it is: Odd");
+    EXPECT_EQ(usage.Open(path).ToUtf8(), path + ": the counter Odd cannot be understood, and is left as it is");
     WStringArray names;
     usage.GetNames(names);
     EXPECT_EQ(Join(names), "Sound");

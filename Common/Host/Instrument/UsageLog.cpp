@@ -150,15 +150,17 @@ WString UsageLog::Counters::Open()
         return OpenForReading(WString());
     UsageDatabase opened;
     WString report;
+    Sight sight = Look(false);
     State state = WholeFile::GetStamp(path).size == 0 ? State::Damaged : opened.Open(path);
     if (state == State::Damaged) {
         opened = UsageDatabase(); // whose locks end
         report = Renew();
+        sight = Look(false);
         state = opened.Open(path);
     }
     if (state != State::Open)
         return OpenForReading(WString::FromUtf8(opened.GetError()));
-    Take(std::move(opened), false, Look(false));
+    Take(std::move(opened), false, sight);
     return report.IsEmpty() ? ReportOddRows() : report;
 }
 
@@ -218,8 +220,9 @@ WString UsageLog::Counters::ReportOddRows()
     database.ReadOddNames(names);
     if (names.IsEmpty())
         return WString();
-    const WString others = names.Count() == 1 ? WString() : WString::Format(L" and %u more", names.Count() - 1);
-    return WString::FromUtf8(path) + L": no counter as they are written here, and left as it is: " + names[0] + others;
+    const WString others = names.Count() == 1 ? WString() : WString::Format(L" (and %u more)", names.Count() - 1);
+    return WString::Format(
+        L"%s: the counter %s%s cannot be understood, and is left as it is", WString::FromUtf8(path), names[0], others);
 }
 
 /// Of a file that is written no more than whether it is the same: what others change there is seen.
