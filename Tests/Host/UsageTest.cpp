@@ -158,15 +158,18 @@ TEST_F(UsageCounters, ARowThatAnotherProgramWroteIsLeftOut)
 {
     usage.Open(path);
     usage.Set(L"Odd", 1);
-    usage.Set(L"Sound", 7);
+    usage.Set(L"Süß", 2);
+    usage.Set(L"TÜR", 7);
     usage.Open(folder.Path("Other.db"));
     std::string bytes = folder.Read("Usage.db");
     bytes.at(bytes.find("odd")) = 'O';
+    bytes.at(bytes.rfind("Süß")) = 'T';
     folder.Write("Usage.db", bytes);
-    EXPECT_EQ(usage.Open(path).ToUtf8(), path + ": the counter Odd cannot be understood, and is left as it is");
+    EXPECT_EQ(
+        usage.Open(path).ToUtf8(), path + ": the counter Odd (and 1 more) cannot be understood, and is left as it is");
     WStringArray names;
     usage.GetNames(names);
-    EXPECT_EQ(Join(names), "Sound");
+    EXPECT_EQ(Join(names), "TÜR");
     EXPECT_EQ(Get(L"Odd"), -1);
     EXPECT_TRUE(usage.Increment(L"Odd"));
     EXPECT_EQ(Get(L"Odd"), 1);

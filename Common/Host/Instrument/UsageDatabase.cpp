@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <new>
 #include <optional>
 #include <system_error>
 #include <thread>
@@ -26,9 +27,8 @@ constexpr char creation[] = "CREATE TABLE counters ("
 /// A row for each damage.
 constexpr char examination[] = "SELECT * FROM pragma_quick_check(1) WHERE quick_check <> 'ok'";
 
-/// Of a row as it is written here. The key of letters outside ASCII is not looked at, for SQLite does not know their
-/// case.
-constexpr char isSound[] = "(typeof(value) = 'integer' AND (lower(name) = key OR name GLOB '*[^ -~]*'))";
+/// Of a row as it is written here.
+constexpr char isSound[] = "(typeof(value) = 'integer' AND lower(name) = key)";
 
 constexpr std::chrono::milliseconds patience(1000);
 
@@ -65,6 +65,16 @@ std::optional<std::string> Ask(sqlite3* connection, const char* query)
     return answer;
 }
 
+/// The SQL function lower(text), as keys are made: SQLite's own knows no letters outside ASCII.
+void PutLowerCase(sqlite3_context* context, int, sqlite3_value** values) noexcept
+try {
+    const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(values[0]));
+    const std::string lower = WString::FromUtf8(text ? text : "").ToLowerCase().ToUtf8();
+    sqlite3_result_text(context, lower.data(), static_cast<int>(lower.size()), SQLITE_TRANSIENT);
+} catch (const std::bad_alloc&) {
+    sqlite3_result_error_nomem(context);
+}
+
 /// Whether a failure comes from what the file holds, and not from how it can be used just now.
 bool IsOfContents(int result)
 {
@@ -97,7 +107,13 @@ public:
             Bind(2, name);
     }
     void BindValue(long long value) { sqlite3_bind_int64(statement, 3, value); }
-    bool NextRow() { return sqlite3_step(statement) == SQLITE_ROW; }
+    bool NextRow()
+    {
+        const int result = sqlite3_step(statement);
+        if (result == SQLITE_NOMEM)
+            throw std::bad_alloc();
+        return result == SQLITE_ROW;
+    }
     bool Finish() { return sqlite3_step(statement) == SQLITE_DONE; }
     long long GetNumber() const { return sqlite3_column_int64(statement, 0); }
     WString GetText() const
@@ -176,7 +192,8 @@ bool UsageDatabase::TryConnect(const std::string& name, int flags)
     if (result != SQLITE_OK)
         return false;
     sqlite3_busy_handler(opened, WaitWhileBusy, nullptr);
-    return true;
+    return sqlite3_create_function(opened, "lower", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, PutLowerCase,
+               nullptr, nullptr) == SQLITE_OK;
 }
 
 bool UsageDatabase::TryPrepare()
