@@ -4,6 +4,7 @@
 #include "Commands/StandardStream.h"
 #include "RunningScript.h"
 #include "SessionLog.h"
+#include "StatusLine.h"
 
 #include <algorithm>
 #include <new>
@@ -46,6 +47,7 @@ void WriteErrorLine(const WString& text)
     if (SessionLog* const log = SessionLog::GetOrNull())
         log->Record(L'!', line);
     StandardOutput::Get().Flush();
+    StatusLine::Erase();
     errors_lc.Write(line.ToUtf8() + '\n');
 }
 
@@ -80,5 +82,6 @@ void ReportShortage() noexcept
 {
     constexpr std::string_view line = "labsh: out of memory\n";
     StandardOutput::Get().Flush();
+    StatusLine::Erase();
     errors_lc.Write(line);
 }

@@ -1,6 +1,7 @@
 #include "SessionLog.h"
 
 #include "LocalTime.h"
+#include "StatusLine.h"
 #include "Text/HostError.h"
 
 #include <cerrno>
@@ -56,5 +57,6 @@ void RecordedOutput::DoWriteLine(const WString& line)
 {
     if (SessionLog* const log = SessionLog::GetOrNull())
         log->Record(L' ', line);
+    StatusLine::Erase();
     output.DoWriteLine(line);
 }

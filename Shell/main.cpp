@@ -16,6 +16,7 @@
 #include "Services/Clock.h"
 #include "SessionLog.h"
 #include "Signals.h"
+#include "StatusLine.h"
 #include "Terminal.h"
 #include "Text/Abort.h"
 #include "Text/HostError.h"
@@ -76,11 +77,14 @@ struct Watchers
             asserts.emplace(WString::FromUtf8(*arguments.assertReport));
         if (arguments.traces)
             trace.emplace();
+        if (StatusLine::CanBeShown())
+            statusLine.emplace();
     }
 
     std::optional<SessionLog> log;
     std::optional<AssertReport> asserts;
     std::optional<Trace> trace;
+    std::optional<StatusLine> statusLine;
     PassedOver passedOver;
 };
 

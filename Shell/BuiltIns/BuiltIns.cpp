@@ -12,10 +12,12 @@ static constexpr const CommandRecord* records_lc[] = {
     &log_gb,
     &plugins_gb,
     &run_gb,
+    &stats_gb,
     &status_gb,
     &test_gb,
     &usage_gb,
     &wait_gb,
+    &watch_gb,
 };
 
 std::span<const CommandRecord* const> GetBuiltIns()

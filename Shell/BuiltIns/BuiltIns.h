@@ -14,10 +14,12 @@ extern const CommandRecord help_gb;
 extern const CommandRecord log_gb;
 extern const CommandRecord plugins_gb;
 extern const CommandRecord run_gb;
+extern const CommandRecord stats_gb;
 extern const CommandRecord status_gb;
 extern const CommandRecord test_gb;
 extern const CommandRecord usage_gb;
 extern const CommandRecord wait_gb;
+extern const CommandRecord watch_gb;
 
 /// All of them.
 std::span<const CommandRecord* const> GetBuiltIns();
