@@ -9,4 +9,7 @@
         .section .ov.FUNCTIONS.TXT,"",%progbits
         .incbin "FUNCTIONS.TXT"
 
+        .section .ov.ERRORS.TXT,"",%progbits
+        .incbin "ERRORS.TXT"
+
         .section .note.GNU-stack,"",%progbits

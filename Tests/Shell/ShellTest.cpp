@@ -354,7 +354,7 @@ TEST(ShellTest, FunctionsOfPlugins)
     };
     EXPECT_EQ(run({}, "Calc lab.half(SECOND.TWICE(\"second.cube(2)+1\"))\nCalc IsErr(Lab.Half(sqrt(-1)))\n"),
         "9\nTRUE\nexit 0");
-    EXPECT_EQ(run({"Help LAB.HALF"}), "Lab.Half(x) - Half of x.\n    Lab.Half(3) -> 1.5\nexit 0");
+    EXPECT_EQ(run({"Help LAB.HALF"}), "Lab.Half(x) - Half of x.\n    Calc Lab.Half(3)\n    # 1.5\nexit 0");
     EXPECT_EQ(run({"Help second.twice"}), "Second.Twice(text) - Twice the value of an expression.\nexit 0");
 
     labsh.Run({"Calc", "-help"});
@@ -375,7 +375,7 @@ TEST(ShellTest, ThePluginOfTheDocuments)
     const std::string commands = "Calc Series(\"Cbrt(i)\", 8)\nTable 3 \"i & \\\": \\\" & Series(\\\"i\\\", i)\"\n"
                                  "Calc IsErr(Series(\"1/0\", 2)) and IsErr(Series(\"i\", 0))\nHelp cbrt\n";
     EXPECT_EQ(labsh.Describe(labsh.Run({"--plugin", SERIES_FILE}, commands)),
-        "12.7295993944517\n1: 1\n2: 3\n3: 6\nTRUE\nCbrt(x) - The cube root of x.\n    Cbrt(27) -> 3\nexit 0");
+        "12.7295993944517\n1: 1\n2: 3\n3: 6\nTRUE\nCbrt(x) - The cube root of x.\n    Calc Cbrt(27)\n    # 3\nexit 0");
 }
 
 TEST(ShellTest, DelayedStatusIsSetBeforeTheEnd)
