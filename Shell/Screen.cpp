@@ -23,14 +23,14 @@ void Write(int descriptor, std::string_view bytes) noexcept
     [[maybe_unused]] const ssize_t written = write(descriptor, bytes.data(), bytes.size());
 }
 
-/// The cells that the character takes, in whatever locale the process is; -1 for a control character.
-int GetCells(wchar_t ch)
+/// The cells that the character takes, in whatever locale the process is.
+unsigned int GetCells(wchar_t ch)
 {
     static const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
-    const locale_t former = uselocale(unicode); // of this thread; a null one changes nothing
+    const locale_t former = uselocale(unicode); // of this thread; where there is none it changes nothing
     const int cells = wcwidth(ch);
     uselocale(former);
-    return cells;
+    return cells < 0 ? 1 : static_cast<unsigned int>(cells);
 }
 
 /// As much of the text as fits into so many cells.
@@ -39,11 +39,11 @@ WString Fit(const WString& text, unsigned int width)
     WString fitting;
     unsigned int cells = 0;
     for (const wchar_t ch : text) {
-        const int own = GetCells(ch);
-        cells += static_cast<unsigned int>(own < 0 ? 1 : own);
+        cells += GetCells(ch);
         if (cells > width)
             break;
-        fitting += own < 0 ? L' ' : ch; // control characters
+        const bool isControl = ch < L' ' || (ch >= 0x7F && ch < 0xA0);
+        fitting += isControl ? L' ' : ch;
     }
     return fitting;
 }
