@@ -39,7 +39,8 @@ ExitCode AssertFail::Main(ArgumentList& arguments, Options& options)
     Fail(failed,
         L"The command failed with " + code.ToString() + (GetRunMessage().IsEmpty() ? L"" : L" ") + GetRunMessage());
 }
+constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Text}, {ArgumentKind::Command, L" "}};
 } // namespace
 
 constexpr CommandRecord assertFail_gb = {
-    L"AssertFail", 2001, Create<AssertFail>, usage_lc, {}, CommandFlags::restAsItStands};
+    L"AssertFail", 2001, Create<AssertFail>, usage_lc, {}, CommandFlags::restAsItStands, arguments_lc};

@@ -129,6 +129,7 @@ bool Config::TryDelete(const WString& name)
     System::config.Save();
     return true;
 }
+constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Setting}, {ArgumentKind::Text, L"="}};
 } // namespace
 
-constexpr CommandRecord config_gb = {L"Config", 2002, Create<Config>, usage_lc, options_lc};
+constexpr CommandRecord config_gb = {L"Config", 2002, Create<Config>, usage_lc, options_lc, 0, arguments_lc};

@@ -10,7 +10,7 @@ constexpr UsageLine usage_lc[] = {
     L" -f<file>  Append the text to the file instead.",
 };
 
-constexpr TextOption file_lc(L"f", badOptionValue, 1, 4096, L"Append the text to this file");
+constexpr FileOption file_lc(L"f", badOptionValue, 1, 4096, L"Append the text to this file");
 constexpr OptionRecord options_lc[] = {file_lc};
 
 class Echo : public BuiltIn

@@ -274,6 +274,7 @@ bool Help::TryExplainByOptions(const CommandRecord& record, unsigned int number)
     }
     return isKnown;
 }
+constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Topic}};
 } // namespace
 
-constexpr CommandRecord help_gb = {L"Help", 2006, Create<Help>, usage_lc};
+constexpr CommandRecord help_gb = {L"Help", 2006, Create<Help>, usage_lc, {}, 0, arguments_lc};

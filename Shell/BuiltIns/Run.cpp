@@ -57,6 +57,7 @@ ExitCode Run::Main(ArgumentList& arguments, Options& options)
         AddNote(note);
     return result.code;
 }
+constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::File}};
 } // namespace
 
-constexpr CommandRecord run_gb = {L"Run", 2009, Create<Run>, usage_lc};
+constexpr CommandRecord run_gb = {L"Run", 2009, Create<Run>, usage_lc, {}, 0, arguments_lc};

@@ -14,7 +14,7 @@ constexpr UsageLine usage_lc[] = {
     L" -junit<file>  Write a JUnit report as well.",
 };
 
-constexpr TextOption report_lc(L"junit", badOptionValue, 1, 4096, L"Write a JUnit report to this file");
+constexpr FileOption report_lc(L"junit", badOptionValue, 1, 4096, L"Write a JUnit report to this file");
 constexpr OptionRecord options_lc[] = {report_lc};
 
 class Test : public BuiltIn

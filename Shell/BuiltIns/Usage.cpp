@@ -43,6 +43,8 @@ bool Usage::TryDelete(const WString& name)
         FailToDelete(name, fault);
     return false;
 }
+
+constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Counter}, {ArgumentKind::Text, L"="}};
 } // namespace
 
-constexpr CommandRecord usage_gb = {L"Usage", 2012, Create<Usage>, usage_lc, options_lc};
+constexpr CommandRecord usage_gb = {L"Usage", 2012, Create<Usage>, usage_lc, options_lc, 0, arguments_lc};

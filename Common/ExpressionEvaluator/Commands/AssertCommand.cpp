@@ -29,8 +29,10 @@ constexpr FlagOption quiet_lc(L"q", 3, L"Show no retries and no error of the eva
 constexpr WholeNumberOption retryCount_lc(L"c", 4, 1, 1000, L"Try again so many times, every 0.1 s");
 constexpr OptionRecord options_lc[] = {quiet_lc, retryCount_lc};
 
+constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Expression}};
+
 constexpr CommandRecord record_lc = {
-    L"Assert", 9015, CreateCommandAssertCommand, usage_lc, options_lc, CommandFlags::restAsItStands};
+    L"Assert", 9015, CreateCommandAssertCommand, usage_lc, options_lc, CommandFlags::restAsItStands, arguments_lc};
 
 enum ExitNumber : unsigned int
 {

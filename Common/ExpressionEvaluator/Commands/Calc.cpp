@@ -39,8 +39,10 @@ constexpr FlagOption shortHelp_lc(L"h", 4, L"Describe the functions and operator
 constexpr FlagOption verify_lc(L"v", 5, L"Leave an error in the variables ErrMsg and ErrPos");
 constexpr OptionRecord options_lc[] = {quiet_lc, help_lc, shortHelp_lc, verify_lc};
 
+constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Expression}};
+
 constexpr CommandRecord record_lc = {
-    L"Calc", 1043, CreateCommandCalc, usage_lc, options_lc, CommandFlags::restAsItStands};
+    L"Calc", 1043, CreateCommandCalc, usage_lc, options_lc, CommandFlags::restAsItStands, arguments_lc};
 
 void WriteLines(Pipe& pipe, EmbeddedResource text, const wchar_t* indent)
 {

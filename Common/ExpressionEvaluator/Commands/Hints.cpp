@@ -10,7 +10,6 @@
 #include "Text/QuoteTracker.h"
 #include "Text/ReferenceText.h"
 #include "Text/SimilarName.h"
-#include "Tokenizer.h"
 
 #include <algorithm>
 #include <functional>
@@ -64,8 +63,8 @@ bool Exists(const WString& name, const Environment& environment)
 {
     if (IsReference(name))
         return Reference::Exists(name, environment);
-    const bool isBuiltIn = std::ranges::any_of(
-        GetBuiltInNames(), [&](const WString& builtIn) { return EqualsIgnoreCase(builtIn.View(), name.View()); });
+    const bool isBuiltIn = std::ranges::any_of(ExpressionEvaluator::GetBuiltInNames(),
+        [&](const WString& builtIn) { return EqualsIgnoreCase(builtIn.View(), name.View()); });
     return isBuiltIn || environment.ContainsKey(name);
 }
 
@@ -193,7 +192,7 @@ WString Hints::AskForName(const WString& name, const Environment& environment)
     names.Sort();
     SimilarName similar(name);
     similar.Offer(names);
-    similar.Offer(GetBuiltInNames());
+    similar.Offer(ExpressionEvaluator::GetBuiltInNames());
     if (!similar.Get().IsEmpty())
         return similar.GetQuestion();
     const WString item = L"%S{" + name + L"}"; // which is what such a name is taken for, if not for a variable's

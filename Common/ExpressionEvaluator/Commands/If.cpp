@@ -29,7 +29,11 @@ constexpr TextOption separator_lc(L"l", 8, 1, 1, L"Separate commands by this cha
 constexpr FlagOption verbose_lc(L"v", 6, L"Show how the condition came out, and log its errors");
 constexpr OptionRecord options_lc[] = {separator_lc, verbose_lc, recordHeaderOption};
 
-constexpr CommandRecord record_lc = {L"If", 1042, CreateCommandIf, usage_lc, options_lc, CommandFlags::restAsItStands};
+constexpr ArgumentRecord arguments_lc[] = {
+    {ArgumentKind::Expression}, {ArgumentKind::CommandList, L"THEN"}, {ArgumentKind::CommandList, L"ELSE"}};
+
+constexpr CommandRecord record_lc = {
+    L"If", 1042, CreateCommandIf, usage_lc, options_lc, CommandFlags::restAsItStands, arguments_lc};
 
 enum ExitNumber : unsigned int
 {

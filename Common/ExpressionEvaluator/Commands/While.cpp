@@ -62,8 +62,10 @@ constexpr TextOption ignoredCodes_lc(L"er", 12, 1, 1000, L"Go on after a failure
 constexpr OptionRecord options_lc[] = {
     maxCount_lc, separator_lc, wait_lc, verbose_lc, ignoredCodes_lc, recordHeaderOption};
 
+constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Expression}, {ArgumentKind::CommandList, L"DO"}};
+
 constexpr CommandRecord record_lc = {
-    L"While", 1064, CreateCommandWhile, usage_lc, options_lc, CommandFlags::restAsItStands};
+    L"While", 1064, CreateCommandWhile, usage_lc, options_lc, CommandFlags::restAsItStands, arguments_lc};
 
 enum ExitNumber : unsigned int
 {

@@ -150,6 +150,8 @@ public:
 
     static void GetSupportedOperators(WStringArray& out);
     static void GetSupportedFunctions(WStringArray& out); // sorted
+    /// The names that need no variable, such as PI.
+    static WStringArray GetBuiltInNames();
     /// Writes the block that ends every usage text. `environment` adds the forms that read environment variables. The
     /// titles are formats of Pipe::WriteLine without arguments, so "%%" prints as "%"; one with a faulty directive is
     /// written as it stands.

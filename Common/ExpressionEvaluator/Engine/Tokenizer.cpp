@@ -58,7 +58,7 @@ const OperatorRow* FindKeyword(std::wstring_view word)
 }
 } // namespace
 
-WStringArray GetBuiltInNames()
+WStringArray ExpressionEvaluator::GetBuiltInNames()
 {
     WStringArray names;
     for (const BuiltInName& row : builtInNames_lc)

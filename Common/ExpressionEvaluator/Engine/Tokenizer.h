@@ -7,9 +7,6 @@
 #include "Text/NumberText.h"
 #include "Workspace.h"
 
-/// The names that need no variable.
-WStringArray GetBuiltInNames();
-
 /// Makes items of an expression, one after the other; names become values at once. Texts of items are views of the
 /// expression or of the workspace. What cannot be read is recorded in the evaluator.
 class Tokenizer

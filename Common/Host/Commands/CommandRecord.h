@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Commands/ArgumentRecord.h"
 #include "Commands/CommandFlags.h"
 #include "Commands/OptionRecord.h"
 
@@ -27,7 +28,8 @@ struct CommandRecord
     CommandFactory factory;
     std::span<const UsageLine> usage;
     std::span<const OptionRecord> options = {};
-    unsigned int flags = 0; // CommandFlags, those of the constructor
+    unsigned int flags = 0;                         // CommandFlags, those of the constructor
+    std::span<const ArgumentRecord> arguments = {}; // in their order
 };
 
 /// Exit numbers that mean the same in all commands.

@@ -5,7 +5,8 @@ enum class OptionKind
     Flag,
     WholeNumber,
     Number,
-    Text
+    Text,
+    File
 };
 
 /// An option of a command: what reading it takes, and what those who only look at it (completion, a check of scripts)
@@ -53,4 +54,15 @@ struct TextOption : OptionRecord
         : OptionRecord{name, OptionKind::Text, exitNumber, static_cast<double>(minLength),
               static_cast<double>(maxLength), purpose}
     {}
+};
+
+/// A text that names a file.
+struct FileOption : TextOption
+{
+    constexpr FileOption(const wchar_t* name, unsigned int exitNumber, unsigned int minLength, unsigned int maxLength,
+        const wchar_t* purpose)
+        : TextOption(name, exitNumber, minLength, maxLength, purpose)
+    {
+        kind = OptionKind::File;
+    }
 };

@@ -1,6 +1,7 @@
 #include "Commands/PluginLoader.h"
 
 #include "Commands/CommandRegistry.h"
+#include "Commands/ScriptAssistant.h"
 #include "Text/HostError.h"
 
 #include <algorithm>
@@ -99,6 +100,7 @@ void PluginLoader::Load(const std::string& path)
         Fail(file, "not a file"); // the loader would wait for a pipe's writer
     // The functions of a library that another plug-in has brought along were added then.
     const bool isNew = !dlopen(file.c_str(), RTLD_NOW | RTLD_NOLOAD);
+    const ScriptAssistant* const assistant = ScriptAssistant::GetOrNull();
     Functions functions;
     void* const library = Open(file, functions);
     Loaded& loaded = GetLoaded();
@@ -106,7 +108,8 @@ void PluginLoader::Load(const std::string& path)
         Fail(file, "it is already loaded");
     if (!functions.refused.IsEmpty())
         Fail(file, "it brings a function that is already there: " + functions.refused.ToUtf8());
-    if (AddEntries(library, file) == 0 && functions.added == 0 && isNew)
+    const bool hasAssistant = ScriptAssistant::GetOrNull() != assistant;
+    if (AddEntries(library, file) == 0 && functions.added == 0 && !hasAssistant && isNew)
         Fail(file, "it offers nothing under this file name");
     loaded.files.push_back(file);
     loaded.libraries.push_back(library);

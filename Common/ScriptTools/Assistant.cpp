@@ -1,0 +1,29 @@
+#include "Candidates.h"
+
+namespace {
+class Assistant : public ScriptAssistant
+{
+public:
+    Completion Complete(std::wstring_view line, std::size_t cursor, const Environment& environment) const override;
+};
+
+/// Leaves out the end of a candidate that stands behind the cursor already.
+void LeaveOutEnd(Completion::Candidate& candidate, std::wstring_view behind)
+{
+    const WString& text = candidate.text;
+    if (!behind.empty() && !text.IsEmpty() && behind.front() == text[text.Length() - 1])
+        candidate.text = text.Left(static_cast<unsigned int>(text.Length() - 1));
+}
+
+Completion Assistant::Complete(std::wstring_view line, std::size_t cursor, const Environment& environment) const
+{
+    const std::wstring_view before = line.substr(0, cursor);
+    const Place place = ReadPlace(before);
+    Completion completion = {place.start, Candidates(place, before.substr(place.start), environment).Find()};
+    for (Completion::Candidate& candidate : completion.candidates)
+        LeaveOutEnd(candidate, line.substr(before.size()));
+    return completion;
+}
+
+const Assistant assistant_lc;
+} // namespace
