@@ -50,7 +50,7 @@ void PassedOver::Report(const CommandRun& caller)
     if (isFailure && script && !script->innerFailure) {
         script->innerFailure = {code, callerName, what + (message.IsEmpty() ? L"" : L": ") + message, {}, notes};
     } else {
-        WriteReport(warning, code, message);
+        WriteReport(warning, code, message, Colour::Warning);
         WriteNotes(GetRunningPlace(), notes);
     }
 }

@@ -41,26 +41,26 @@ static WString LeaveOutShown(const WString& message)
     return message;
 }
 
-void WriteErrorLine(const WString& text)
+void WriteErrorLine(const WString& text, Colour colour)
 {
     const WString line = AsOneLine(text);
     if (SessionLog* const log = SessionLog::GetOrNull())
         log->Record(L'!', line);
     StandardOutput::Get().Flush();
     StatusLine::Erase();
-    errors_lc.Write(line.ToUtf8() + '\n');
+    errors_lc.Write(Paint(line.ToUtf8(), colour, STDERR_FILENO) + '\n');
 }
 
-void WriteReport(const WString& place, const ExitCode& code, const WString& message)
+void WriteReport(const WString& place, const ExitCode& code, const WString& message, Colour colour)
 {
     const WString rest = LeaveOutShown(message).Trim();
-    WriteErrorLine(place + code.ToString() + (rest.IsEmpty() ? L"" : L" ") + rest);
+    WriteErrorLine(place + code.ToString() + (rest.IsEmpty() ? L"" : L" ") + rest, colour);
 }
 
 void WriteNotes(const WString& place, const WStringArray& notes)
 {
     for (const WString& note : notes)
-        WriteErrorLine(place + L"note: " + note);
+        WriteErrorLine(place + L"note: " + note, Colour::Aside);
 }
 
 void ReportFailure(const WString& scriptName, const ScriptFailure& failure)

@@ -1,13 +1,14 @@
 #pragma once
 
+#include "Colours.h"
 #include "ScriptRunner.h"
 #include "Text/HostError.h"
 
 /// Writes a line on standard error, without control characters and behind what was written on standard output.
-void WriteErrorLine(const WString& text);
+void WriteErrorLine(const WString& text, Colour colour = Colour::None);
 /// The place, the code's text and, where known, the message, as such a line. At a terminal the message leaves out what
 /// has just been shown there.
-void WriteReport(const WString& place, const ExitCode& code, const WString& message);
+void WriteReport(const WString& place, const ExitCode& code, const WString& message, Colour colour = Colour::Failure);
 /// A line for each note of a command, which `place` names the line of as FormatPlace does.
 void WriteNotes(const WString& place, const WStringArray& notes);
 

@@ -1,154 +1,77 @@
 #include "Terminal.h"
 
+#include "Commands/CommandRunner.h"
 #include "Commands/StandardOutput.h"
+#include "HistoryFile.h"
+#include "LineEditor.h"
 #include "Signals.h"
 #include "Text/Abort.h"
-#include "Text/HostError.h"
-#include "Text/WString.h"
-#include "WaitForInput.h"
 
-#include <cerrno>
-#include <clocale>
 #include <csignal>
-#include <cstdio>
-#include <cwchar>
-#include <fcntl.h>
-#include <histedit.h>
-#include <langinfo.h>
-#include <string_view>
-#include <system_error>
-#include <termios.h>
 #include <unistd.h>
-
-namespace {
-cc_t interruptKey_lc = _POSIX_VDISABLE; // where it is a key of the editor
-
-/// Reads a character of the terminal for libedit. Unlike libedit's own routine it gives up at Ctrl-C.
-int ReadCharacter(EditLine*, wchar_t* character)
-{
-    std::mbstate_t state{};
-    std::size_t length = 0;
-    do {
-        char byte = 0;
-        if (!WaitForInput(STDIN_FILENO))
-            return -1;
-        if (read(STDIN_FILENO, &byte, 1) != 1)
-            return 0;
-        if (interruptKey_lc != _POSIX_VDISABLE && byte == static_cast<char>(interruptKey_lc)) {
-            raise(SIGINT);
-            return -1;
-        }
-        length = std::mbrtowc(character, &byte, 1, &state);
-    } while (length == static_cast<std::size_t>(-2)); // the character goes on
-    if (length == static_cast<std::size_t>(-1))
-        *character = L'\uFFFD';
-    return 1;
-}
-
-/// libedit shows and measures characters as the terminal has them: in UTF-8, unless the environment names another
-/// encoding.
-void UseCharactersOfTerminal()
-{
-    if (!std::setlocale(LC_CTYPE, "") || nl_langinfo(CODESET) == std::string_view("ANSI_X3.4-1968"))
-        std::setlocale(LC_CTYPE, "C.UTF-8");
-}
-
-/// A stream to the terminal that lines are typed at; standard output may lead elsewhere.
-FILE* OpenTerminal()
-{
-    const bool isWritable = (fcntl(STDIN_FILENO, F_GETFL) & O_ACCMODE) == O_RDWR;
-    const int terminal =
-        isWritable ? fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0) : open("/proc/self/fd/0", O_WRONLY | O_CLOEXEC | O_NOCTTY);
-    FILE* const stream = terminal < 0 ? nullptr : fdopen(terminal, "w");
-    if (!stream)
-        throw HostException(HostError::FileError,
-            WString::FromUtf8("the terminal cannot be used: " + std::generic_category().message(errno)));
-    return stream;
-}
-
-/// While a line is typed the terminal sends no signals, of which an interrupt would end those too that the output goes
-/// to, such as tee: the editor knows its key.
-void TakeInterruptKey(EditLine* line)
-{
-    termios settings = {};
-    if (tcgetattr(STDIN_FILENO, &settings) == 0 && el_wset(line, EL_SETTY, L"-d", L"-isig", nullptr) == 0)
-        interruptKey_lc = settings.c_cc[VINTR];
-}
-
-const wchar_t* GetPrompt(EditLine*)
-{
-    static wchar_t prompt[] = L"labsh> ";
-    return prompt;
-}
-} // namespace
 
 struct Terminal::Editor
 {
-    explicit Editor(const std::string& historyFile) : historyFile(historyFile) {}
-
-    const std::unique_ptr<FILE, decltype(&std::fclose)> terminal{OpenTerminal(), std::fclose};
-    const std::unique_ptr<EditLine, decltype(&el_end)> line{el_init("labsh", stdin, terminal.get(), stderr), el_end};
-    const std::unique_ptr<HistoryW, decltype(&history_wend)> history{history_winit(), history_wend};
-    const std::string historyFile;
+    LineEditor lines;
+    HistoryFile history;
+    const HistoryFile::Taker toLines = [this](const WString& command) { lines.AddToHistory(command); };
 };
 
-Terminal::Terminal(const std::string& historyFile)
+/// A final backslash goes on in the next line, unless the line is a comment, or too long for a command.
+static bool IsContinued(const WString& command)
 {
-    constexpr int historyLength = 1000;
-    UseCharactersOfTerminal();
-    editor = std::make_unique<Editor>(historyFile);
-    EditLine* const line = editor->line.get();
-    HistoryW* const history = editor->history.get();
-    if (!line || !history)
-        throw HostException(HostError::FileError, L"the terminal cannot be used");
-    HistEventW event;
-    history_w(history, &event, H_SETSIZE, historyLength);
-    history_w(history, &event, H_SETUNIQUE, 1);
-    history_w(history, &event, H_LOAD, historyFile.c_str());
-    el_wset(line, EL_PROMPT, GetPrompt);
-    el_wset(line, EL_EDITOR, L"emacs");
-    el_wset(line, EL_HIST, history_w, history);
-    el_wset(line, EL_GETCFN, ReadCharacter);
-    if (!isatty(STDOUT_FILENO))
-        TakeInterruptKey(line);
+    return command.EndsWith(L"\\", false) && !command.Trim().StartsWith(L"#", false) &&
+        command.Length() <= CommandRunner::maxLineLength;
 }
 
-Terminal::~Terminal()
+/// Where output leads elsewhere it is a record of the session, which shows what the output belongs to.
+static void Record(const WString& typed)
 {
-    HistEventW event;
-    history_w(editor->history.get(), &event, H_SAVE, editor->historyFile.c_str());
+    if (isatty(STDOUT_FILENO))
+        return;
+    StandardOutput::Get().DoWriteLine(typed);
+    StandardOutput::Get().Flush();
 }
+
+Terminal::Terminal(const std::string& historyFile, const Environment& environment)
+    : editor(new Editor{LineEditor(environment), HistoryFile(historyFile)})
+{}
+
+Terminal::~Terminal() = default;
 
 bool Terminal::TryReadLine(std::string& line)
 {
-    FILE* const terminal = editor->terminal.get();
-    for (;;) {
+    FILE* const terminal = editor->lines.GetTerminal();
+    for (WString command;;) {
         Abort::Clear();
         Signals::ForgetInterrupt();
         if (Signals::GetPending() != 0 || StandardOutput::Get().GetFault() != 0)
             return false;
-        el_wset(editor->line.get(), EL_PREP_TERM, 1); // before the prompt, which a program may answer at once
+        if (command.IsEmpty())
+            editor->history.TakeNew(editor->toLines);
         int count = 0;
-        const wchar_t* text = el_wgets(editor->line.get(), &count);
+        const wchar_t* const text = editor->lines.Read(command, count);
         if (!text && !Abort::IsRequested()) {
             std::fputs("\n", terminal); // the next prompt is another shell's
             return false;
         }
         if (!text || Abort::IsRequested()) {
             std::fputs(Signals::GetPending() == SIGINT ? "^C\n" : "\n", terminal);
+            command.Clear();
             continue;
         }
-        WString typed(text, static_cast<std::size_t>(count));
-        if (typed.EndsWith(L"\n", false))
-            typed = typed.Left(static_cast<unsigned int>(count - 1));
-        HistEventW event;
-        if (!typed.Trim().IsEmpty())
-            history_w(editor->history.get(), &event, H_ENTER, typed.ToCString());
-        line = typed.ToUtf8();
-        if (!isatty(STDOUT_FILENO)) { // a record of the session, which shows what the output belongs to
-            StandardOutput::Get().DoWriteLine(typed);
-            StandardOutput::Get().Flush();
+        std::wstring_view typed(text, static_cast<std::size_t>(count));
+        if (typed.ends_with(L'\n'))
+            typed.remove_suffix(1);
+        Record(WString(typed));
+        command += WString(typed);
+        if (IsContinued(command)) {
+            command = command.Left(static_cast<unsigned int>(command.Length() - 1));
+            continue;
         }
+        if (!command.Trim().IsEmpty())
+            editor->history.Add(command, editor->toLines);
+        line = command.ToUtf8();
         return true;
     }
 }

@@ -1,22 +1,27 @@
 #pragma once
 
+#include "Instrument/Environment.h"
 #include "LineSource.h"
 
 #include <memory>
 #include <string>
 
-/// Lines typed at the terminal, with editing and a history that is kept in a file between sessions. Ctrl-C abandons the
-/// line.
+/// Commands typed at the terminal, with editing, completion and a history that shells share. A final backslash goes on
+/// in the next line, which has a prompt of its own; the lines come as one. Ctrl-C abandons the command.
+///
+/// Keys: Tab completes, and lists what may stand there once there is nothing to add; the arrows up and down look for
+/// what begins with the text in front of the cursor; Ctrl-R searches as one types.
 class Terminal : public LineSource
 {
 public:
-    explicit Terminal(const std::string& historyFile);
+    /// Without the name of a file the history is not kept. `environment` has the variables that are completed.
+    Terminal(const std::string& historyFile, const Environment& environment);
     ~Terminal() override;
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
 
-    /// Forgets an interrupt of the last command, then asks for a line. False at the end of the input and when another
-    /// signal, or output that cannot be written, is to end the shell.
+    /// Forgets an interrupt of the last command, then asks for a command. False at the end of the input and when
+    /// another signal, or output that cannot be written, is to end the shell.
     bool TryReadLine(std::string& line) override;
 
 private:

@@ -2,13 +2,17 @@
 #include "AssertReport.h"
 #include "BuiltIns/BuiltIns.h"
 #include "BuiltIns/Exit.h"
+#include "Caret.h"
 #include "Commands/PluginLoader.h"
 #include "Commands/StandardOutput.h"
 #include "DelayedStatus.h"
 #include "FileLines.h"
 #include "Instrument/System.h"
+#include "LastAnswer.h"
 #include "LocalTime.h"
+#include "PagedOutput.h"
 #include "PassedOver.h"
+#include "PromptCommands.h"
 #include "PromptNotes.h"
 #include "Report.h"
 #include "RunningScript.h"
@@ -52,9 +56,14 @@ static WString MakeErrorLogPrefix()
     return FormatDateAndTime() + L" " + GetRunningPlace() + command;
 }
 
+static std::string GetShellFolder()
+{
+    return std::filesystem::read_symlink("/proc/self/exe").parent_path();
+}
+
 static void Start(const Arguments& arguments)
 {
-    const std::string shellFolder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+    const std::string shellFolder = GetShellFolder();
     if (arguments.dataFolder.empty())
         throw HostException(HostError::FileError, L"no data folder: give --data, or set LABSH_HOME or HOME");
     for (const WString& report : System::Start(arguments.dataFolder, shellFolder + "/Profile"))
@@ -110,14 +119,10 @@ static void AddHint(const Arguments& arguments, CommandRunner::Outcome& outcome)
 }
 
 /// Runs the commands of a source and reports each failure; `goesOn` says whether the source is read on after one.
-static Ending RunCommands(const Arguments& arguments, LineSource& source, const std::string& name,
-    const std::function<bool(const ScriptFailure&)>& goesOn)
+static Ending RunCommands(const Arguments& arguments, LineSource& lines, const std::string& name, Pipe& shown,
+    const Environment& environment, const std::function<bool(const ScriptFailure&)>& goesOn)
 {
-    RecordedLines lines(source);
-    RecordedOutput output(StandardOutput::Get());
-    Environment environment;
-    for (const Variable& variable : arguments.variables)
-        environment.SetString(WString::FromUtf8(variable.name), WString::FromUtf8(variable.value));
+    RecordedOutput output(shown);
     const WString sourceName = WString::FromUtf8(name);
     Ending ending;
     const auto reportFailure = [&](ScriptFailure& failure) {
@@ -134,23 +139,48 @@ static Ending RunCommands(const Arguments& arguments, LineSource& source, const 
     return ending;
 }
 
+/// Brings completion, without which the prompt works as well.
+static void LoadAssistant()
+try {
+    const std::string file = GetShellFolder() + "/ScriptTools.dll";
+    if (std::filesystem::exists(file))
+        PluginLoader::Load(file);
+} catch (const HostException& failure) {
+    WriteErrorLine(L"labsh: warning: " + failure.GetMessage());
+}
+
 /// Whatever fails at the terminal is no failure of the shell, and an abort ends the command alone.
 static bool RunTerminal(const Arguments& arguments)
 {
-    Terminal terminal(System::MayChange() ? System::GetDataFolder() + "/history" : "");
+    LoadAssistant();
+    const Environment environment;
+    Terminal terminal(System::MayChange() ? System::GetDataFolder() + "/History.txt" : "", environment);
+    RecordedLines typed(terminal);
+    PromptCommands commands(typed, environment);
+    PagedOutput output(StandardOutput::Get());
+    const LastAnswer lastAnswer;
+    const Caret caret;
     const PromptNotes promptNotes;
-    RunCommands(arguments, terminal, "", [](const ScriptFailure&) { return true; });
+    RunCommands(arguments, commands, "", output, environment, [&](const ScriptFailure&) {
+        caret.Show(commands.GetTyped());
+        return true;
+    });
     return true;
 }
 
 static bool RunScriptFile(
     const Arguments& arguments, LineSource& source, const std::string& name, AssertReport* asserts)
 {
-    const Ending ending = RunCommands(arguments, source, name, [&](const ScriptFailure& failure) {
+    RecordedLines lines(source);
+    Environment environment;
+    for (const Variable& variable : arguments.variables)
+        environment.SetString(WString::FromUtf8(variable.name), WString::FromUtf8(variable.value));
+    const auto goesOn = [&](const ScriptFailure& failure) {
         if (asserts)
             asserts->AddFailure(WString::FromUtf8(name), failure);
         return arguments.keepsGoing && !IsHostError(failure.outcome.code, HostError::Aborted);
-    });
+    };
+    const Ending ending = RunCommands(arguments, lines, name, StandardOutput::Get(), environment, goesOn);
     if (ending.isReadToEnd)
         DelayedStatus::Finish();
     return ending.succeeded;

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <poll.h>
 #include <pty.h>
+#include <sys/ioctl.h>
 #include <termios.h>
 
 namespace {
@@ -13,12 +14,14 @@ namespace {
 class Session
 {
 public:
-    /// `output`, when given, is the file that standard output goes to.
-    explicit Session(const std::string& dataFolder, const char* output = nullptr)
+    /// `output`, when given, is the file that standard output goes to. Without colours, which a test may ask for.
+    explicit Session(const std::string& dataFolder, const char* output = nullptr, const char* noColours = "1")
         : id(forkpty(&terminal, nullptr, nullptr, nullptr))
     {
         if (id == 0) {
             setenv("TERM", "xterm", 1);
+            setenv("NO_COLOR", noColours, 1);
+            setenv("PAGER", "sed 's/^/paged: /'", 1);
             unsetenv("LC_ALL"); // UTF-8 is to be typed without a word about it
             if (output && !std::freopen(output, "w", stdout))
                 _exit(127);
@@ -42,6 +45,19 @@ public:
         if (write(terminal, keys.data(), keys.size()) < 0)
             return "";
         return ReadTo(mark);
+    }
+    /// What the terminal shows below the line that is typed, up to the next prompt.
+    std::string Run(const std::string& line)
+    {
+        std::string text = Type(line + "\r");
+        std::erase(text, '\r');
+        text.erase(0, text.find('\n') + 1);
+        return text.substr(0, text.rfind(prompt));
+    }
+    void SetWindow(unsigned short rows, unsigned short columns) const
+    {
+        const winsize size = {rows, columns, 0, 0};
+        ioctl(terminal, TIOCSWINSZ, &size);
     }
     int Wait() const { return WaitForExit(id); }
     void Send(int signal) const { kill(id, signal); }
@@ -70,6 +86,8 @@ private:
         return text;
     }
 };
+
+constexpr const char* continuation = "  ...> ";
 } // namespace
 
 TEST(TerminalTest, FailuresAndInterruptsEndTheCommandAlone)
@@ -82,7 +100,9 @@ TEST(TerminalTest, FailuresAndInterruptsEndTheCommandAlone)
     EXPECT_NE(session.Type("\x03").find(":1:4 Aborted\r\n"), std::string::npos);
     EXPECT_NE(session.Type("Echo no", "Echo no"), "");
     EXPECT_EQ(session.Type("\x03").find("no\r\n"), std::string::npos);
-    EXPECT_NE(session.Type("Echo a\\\r"), "");
+    EXPECT_NE(session.Type("Echo no\\\r", continuation), "");
+    EXPECT_NE(session.Type("\x03"), "");
+    EXPECT_NE(session.Type("Echo a\\\r", continuation), "");
     EXPECT_NE(session.Type("b\r").find("\nab\r\n"), std::string::npos);
     EXPECT_NE(session.Type("\x04", "\n"), "");
     EXPECT_EQ(session.Wait(), 0);
@@ -94,7 +114,7 @@ TEST(TerminalTest, OutputThatLeadsElsewhereIsARecord)
     Session session(folder.GetPath(), folder.Path("output").c_str());
     EXPECT_NE(session.Type("Echo h\u00E9\u20ACllo\r").find("Echo h\u00E9\u20ACllo\r\n"), std::string::npos);
     EXPECT_NE(session.Type("Nope\r").find("\nNope: 0:1:2 Unknown command: Nope\r\n"), std::string::npos);
-    EXPECT_NE(session.Type("Calc 1+\\\r"), "");
+    EXPECT_NE(session.Type("Calc 1+\\\r", continuation), "");
     EXPECT_EQ(session.Type("2\r").find("\n3\r\n"), std::string::npos);
     EXPECT_NE(session.Type("Echo no", "Echo no"), "");
     EXPECT_NE(session.Type("\x03"), "");
@@ -112,7 +132,15 @@ TEST(TerminalTest, TeachesOncePerLine)
     } cases[] = {
         {"Calc Roud(3)",
             "Error:\n  Unknown function: roud\n  Roud(3)\n  ^\nCalc: 1043:505:201 (did you mean Round?)\n"},
-        {"Calc -q 1/0", "Calc: 1043:505:133 Divide by zero\n"},
+        {"Calc -q 1/0", "Calc: 1043:505:133 Divide by zero\n  Calc -q 1/0\n            ^\n"},
+        {"Calc \"\u65E5\u672C\"+/",
+            "Error:\n  Expecting operand\n  \"\u65E5\u672C\"+/\n       ^\nCalc: 1043:505:20\n"
+            "  Calc \"\u65E5\u672C\"+/\n              ^\n"},
+        {"If 1=1 Then Set x=x/0; Echo x", "warning: If went on after \"Set x=x/0\": 1045:505:133 Divide by zero\nx\n"},
+        {"AssertFail 2:* Set y=i/0",
+            "AssertFail: 2001:0:6 The command failed with 1045:505:133 Divide by zero\n"
+            "  AssertFail 2:* Set y=i/0\n                         ^\n"},
+        {"While i/0=1 Do Echo i/0", "Divide by zero\ni/0=1\n  ^\nWhile: 1064:505:133\n"},
         {"While 1=1 Do Calc 1/0", "Error:\n  Divide by zero\n  1/0\n    ^\nWhile: 1043:505:133 Failed: Calc 1/0\n"},
         {"If 1=1 Then Assert 1=2", "Assertion \"1=2\" failed!\nwarning: If went on after \"Assert 1=2\": 9015:0:13\n"},
         {"While i<3 Do If 0 Then Set x=i",
@@ -124,25 +152,91 @@ TEST(TerminalTest, TeachesOncePerLine)
     Session session(folder.GetPath());
     session.Type("Set i=1\r");
     for (const auto& [line, shown] : cases) {
-        std::string text = session.Type(line + std::string("\r"));
-        std::erase(text, '\r');
-        text.erase(0, text.find('\n') + 1);
-        EXPECT_EQ(text, shown + std::string(Session::prompt)) << line;
+        EXPECT_EQ(session.Run(line), shown) << line;
     }
 }
 
-TEST(TerminalTest, HistoryIsKept)
+TEST(TerminalTest, TakesExpressionsForCommands)
+{
+    const std::pair<const char*, const char*> cases[] = {
+        {"1+2", "3\n"},
+        {"ans*2", "6\n"},
+        {"Calc ans-1", "5\n"},
+        {"ans", "5\n"},
+        {"x=ans+2", ""},
+        {"x", "7\n"},
+        {"x = x + 1", ""},
+        {"x * 2", "16\n"},
+        {"-x+1", "-7\n"},
+        {"(x)", "8\n"},
+        {"\"a\" & x", "a8\n"},
+        {"%E{x}+1", "9\n"},
+        {"If(x=8,1,2)", "1\n"},
+        {"x/0", "Error:\n  Divide by zero\n  x/0\n    ^\nCalc: 1043:505:133\n"},
+        {"Cacl 1", "Cacl: 0:1:2 Unknown command: Cacl (did you mean Calc?)\n"},
+        {"y", "y: 0:1:2 Unknown command: y\n"},
+        {"Log -x", "Log: 2007:0:2 Unknown option: -x\n"},
+        {"?Max", "Max(n1, n2, ...) - The largest number.\n    Max(102, 55, \"0xFF\", 33) -> 255\n"},
+        {"# x", ""},
+    };
+    const TemporaryFolder folder;
+    Session session(folder.GetPath());
+    for (const auto& [line, shown] : cases)
+        EXPECT_EQ(session.Run(line), shown) << line;
+    EXPECT_NE(session.Type("quit 3\r", "\n"), "");
+    EXPECT_EQ(WEXITSTATUS(session.Wait()), 3);
+}
+
+TEST(TerminalTest, CompletesAtTab)
+{
+    const TemporaryFolder folder;
+    Session session(folder.GetPath());
+    EXPECT_NE(session.Type("If %S{TempO\t", "ptics"), "");
+    EXPECT_NE(session.Type("\t").find("TempOptics        = "), std::string::npos); // there is nothing to add
+    EXPECT_NE(session.Type("T\t=37 Then \\\r", continuation), "");
+    EXPECT_NE(session.Type("Calc Ro\t", "> Calc Round(").find("\r\nRound(number, decimals)  The number as"),
+        std::string::npos);
+    EXPECT_NE(session.Type("2.5,2) El\t", "LSE "), "");
+}
+
+TEST(TerminalTest, FitsIntoTheWindow)
+{
+    const TemporaryFolder folder;
+    Session session(folder.GetPath(), nullptr, "");
+    session.SetWindow(9, 30);
+    EXPECT_EQ(session.Run("Calc -q 1111111111111111111111111111+1/0+22222222222"),
+        "\x1b[31mCalc: 1043:505:133 Divide by zero\x1b[0m\n"
+        "  \u2026111111111111111+1/0+22222\u2026\n"
+        "\x1b[31m                     ^\x1b[0m\n");
+    const std::string help = session.Run("Help");
+    EXPECT_EQ(help.find("paged: Commands:\n"), 0u) << help;
+    EXPECT_EQ(session.Run("?Max").find("Max(n1"), 0u);                    // which has room
+    EXPECT_EQ(session.Run("While i<9 Do Echo %E{i}").find("1\n2\n"), 0u); // which may take its time
+}
+
+TEST(TerminalTest, ShellsShareTheHistoryHoweverTheyEnd)
 {
     constexpr const char* up = "\x1b[A";
     const TemporaryFolder folder;
-    {
+    Session other(folder.GetPath());
+    other.Run("Echo h\u00E9llo 100%s");
+    for (const int signal : {SIGKILL, SIGHUP, SIGTERM}) {
         Session session(folder.GetPath());
-        session.Type("Echo 100%s\r");
-        session.Type("Exit\r", "\n");
-        EXPECT_EQ(session.Wait(), 0);
+        session.Run("Echo by " + std::to_string(signal));
+        session.Type("While 1=1 Do Echo x; Wait 86400\r", "x\r\n");
+        session.Send(signal);
+        session.Wait();
     }
+    other.Run("Calc 1\\\r+1");
+    EXPECT_EQ(folder.Read("History.txt"),
+        "Echo h\u00E9llo 100%s\n"
+        "Echo by 9\nWhile 1=1 Do Echo x; Wait 86400\nEcho by 1\nWhile 1=1 Do Echo x; Wait 86400\n"
+        "Echo by 15\nWhile 1=1 Do Echo x; Wait 86400\nCalc 1+1\n");
+    EXPECT_EQ(other.Run(std::string("Echo by") + up + up), "by 1\n");
+    EXPECT_EQ(other.Run(std::string("Echo h") + up), "h\u00E9llo 100%s\n");
+    EXPECT_TRUE(other.Run("\x12llo 100\r").ends_with("\nh\u00E9llo 100%s\n"));
     Session session(folder.GetPath());
-    EXPECT_NE(session.Type(std::string(up) + up + "\r").find("\n100%s\r\n"), std::string::npos);
+    EXPECT_EQ(session.Run(std::string("Calc") + up), "2\n");
 }
 
 TEST(TerminalTest, SignalsEndTheShellInOrder)

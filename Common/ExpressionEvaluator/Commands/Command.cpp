@@ -80,6 +80,7 @@ EvaluationError Command::TakeError(const ExpressionEvaluator& evaluator, const W
     evaluator.TryGetErrorMessage(error.code, error.message, error.marker);
     if (CommandRunner::EndsCallers(error.code))
         throw error.code;
+    CommandRunner::NoteBadExpression(expression, error.marker.IsEmpty() ? 0 : error.marker.Length() - 1);
     WString reason;
     if (!evaluator.TryGetErrorReason(reason)) {
         SetFailureMessage(error.message + Explain(error));

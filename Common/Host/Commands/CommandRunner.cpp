@@ -167,6 +167,12 @@ void CommandRunner::NoteCondition(const WString& condition, bool holds, const WS
         TellObservers(&RunObserver::OnCondition, *innermost_lc, condition, holds, variableTrace);
 }
 
+void CommandRunner::NoteBadExpression(const WString& expression, std::size_t place) noexcept
+{
+    if (innermost_lc)
+        TellObservers(&RunObserver::OnBadExpression, *innermost_lc, expression, place);
+}
+
 bool CommandRunner::EndsCallers(const ExitCode& code) noexcept
 {
     return IsHostError(code, HostError::Aborted) || IsHostError(code, HostError::ExitRequested) ||

@@ -4,6 +4,7 @@
 #include "Commands/CommandRegistry.h"
 #include "HostApi.h"
 
+#include <cstddef>
 #include <memory>
 
 struct CommandRun;
@@ -39,6 +40,9 @@ public:
     /// For a command that evaluates conditions: tells the observers of this thread how one came out, and, where
     /// that is known, what it has read, a line each.
     static void NoteCondition(const WString& condition, bool holds, const WString& variableTrace = {}) noexcept;
+
+    /// For a command that could not evaluate an expression: tells them where, counted from 0.
+    static void NoteBadExpression(const WString& expression, std::size_t place) noexcept;
 
     /// True for a failure that ends the commands that ran this one as well: an abort, a request to exit, and too deep a
     /// nesting.

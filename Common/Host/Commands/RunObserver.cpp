@@ -19,6 +19,8 @@ void RunObserver::OnReplaced(const CommandRun&, const WString&) noexcept {}
 
 void RunObserver::OnCondition(const CommandRun&, const WString&, bool, const WString&) noexcept {}
 
+void RunObserver::OnBadExpression(const CommandRun&, const WString&, std::size_t) noexcept {}
+
 RunObserver* RunObserver::GetFirst() noexcept
 {
     return first_lc;

@@ -3,6 +3,8 @@
 #include "Commands/CommandRunner.h"
 #include "HostApi.h"
 
+#include <cstddef>
+
 /// A command line that is being run.
 struct CommandRun
 {
@@ -30,6 +32,8 @@ public:
     /// A condition of the command has been evaluated; what it has read, a line each, is known of an Assert alone.
     virtual void OnCondition(
         const CommandRun&, const WString& condition, bool holds, const WString& variableTrace) noexcept;
+    /// The command could not evaluate an expression: the error is at `place`, counted from 0.
+    virtual void OnBadExpression(const CommandRun&, const WString& expression, std::size_t place) noexcept;
     virtual void OnEnd(const CommandRun&) noexcept {}
 
     /// The observers of this thread, linked by GetNext; null when there is none.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "HostApi.h"
+
 #include <unistd.h>
 
 /// Owns an open file descriptor; -1 owns nothing.
@@ -20,7 +22,7 @@ public:
 
     /// Takes the lock of the open file, which stands between processes and between descriptors, and ends with this one.
     /// False when another still holds it after `limit` ms, or when an abort is requested while waiting.
-    bool TryLock(int limit) const;
+    HOST_API bool TryLock(int limit) const;
 
 private:
     int descriptor;

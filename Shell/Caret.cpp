@@ -1,0 +1,104 @@
+#include "Caret.h"
+
+#include "Commands/StandardOutput.h"
+#include "Report.h"
+#include "Text/CharacterCase.h"
+#include "Window.h"
+
+#include <algorithm>
+
+#include <unistd.h>
+
+namespace {
+using View = std::wstring_view;
+
+constexpr std::size_t indent = 2;
+
+/// Where the text stands in the line as words, from `start` on.
+std::size_t FindWords(View line, View text, std::size_t start)
+{
+    const auto isBlank = [&](std::size_t index) { return index >= line.size() || IsWhiteSpace(line[index]); };
+    for (std::size_t found = line.find(text, start); found != View::npos; found = line.find(text, found + 1)) {
+        if ((found == 0 || isBlank(found - 1) || line[found - 1] == L';') &&
+            (isBlank(found + text.size()) || line[found + text.size()] == L';'))
+            return found;
+    }
+    return line.find(text, start);
+}
+
+/// Where the command has its expression: at the end of its line, or in front of a keyword.
+std::size_t FindExpression(const CommandRun& run, View expression)
+{
+    const CommandRegistry::Entry* const entry = CommandRegistry::FindOrNull(run.outcome.command);
+    const bool isLast = entry && entry->record && !entry->record->arguments.empty() &&
+        entry->record->arguments.back().kind == ArgumentKind::Expression;
+    const View line = run.line.View();
+    return isLast ? line.rfind(expression) : FindWords(line, expression, run.outcome.command.Length());
+}
+
+/// The part of a line that is shown where there is no room for all of it, and the cells in front of the place in it.
+struct Part
+{
+    WString text;
+    std::size_t cells;
+};
+
+Part TakePart(View line, std::size_t place, std::size_t width)
+{
+    std::size_t cells = CountCells(line.substr(0, place));
+    if (CountCells(line) <= width)
+        return {WString(line), cells};
+    std::size_t start = 0;
+    for (; cells > width * 2 / 3; ++start)
+        cells -= CountCells(line.substr(start, 1));
+    const bool isCut = start > 0;
+    const WString text = ClipToCells(line.substr(start), width - isCut);
+    return {(isCut ? L"\u2026" : L"") + text, cells + isCut};
+}
+
+std::size_t GetRoom()
+{
+    constexpr std::size_t much = 1000; // where no window ends the line
+    return isatty(STDERR_FILENO) == 1 ? Window(STDERR_FILENO).columns - 1 : much;
+}
+
+/// Whether the terminal that is written to shows the expression and a caret under the place.
+bool IsShown(View expression, std::size_t place, std::size_t room)
+{
+    const StandardOutput& output = StandardOutput::Get();
+    return isatty(STDERR_FILENO) == 1 && output.HasShown(expression) && output.HasShown(L"^") &&
+        CountCells(expression) + indent <= room && CountCells(expression.substr(0, place)) == place;
+}
+} // namespace
+
+void Caret::OnBegin(const CommandRun&) noexcept
+{
+    expression.Clear();
+}
+
+void Caret::OnBadExpression(const CommandRun& run, const WString& badExpression, std::size_t badPlace) noexcept
+try {
+    std::size_t position = FindExpression(run, badExpression.View());
+    const CommandRun* outermost = &run;
+    for (; outermost->caller && position != View::npos; outermost = outermost->caller) {
+        const std::size_t command = FindWords(outermost->caller->line.View(), outermost->line.Trim().View(), 0);
+        position = command == View::npos ? command : command + position;
+    }
+    if (position == View::npos || position + badPlace > outermost->line.Length())
+        return;
+    expression = badExpression;
+    place = badPlace;
+    fromEnd = outermost->line.Length() - position - badPlace;
+} catch (const std::bad_alloc&) { // the failure is told without
+}
+
+void Caret::Show(const WString& typed) const
+{
+    const std::size_t room = GetRoom();
+    if (expression.IsEmpty() || fromEnd > typed.Length() || IsShown(expression.View(), place, room))
+        return;
+    const Part part = TakePart(typed.View(), typed.Length() - fromEnd, std::max(room, indent + 3) - indent);
+    const WString blanks(indent, L' ');
+    WriteErrorLine(blanks + part.text);
+    WriteErrorLine(blanks + WString(part.cells, L' ') + L"^", Colour::Failure);
+}

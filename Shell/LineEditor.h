@@ -1,0 +1,54 @@
+#pragma once
+
+#include "Instrument/Environment.h"
+#include "Text/WString.h"
+#include "Window.h"
+
+#include <cstdio>
+#include <memory>
+
+#include <histedit.h>
+#include <termios.h>
+#include <unistd.h>
+
+/// A line of the terminal that is being edited, and the former lines that its keys bring back.
+class LineEditor
+{
+public:
+    /// Throws HostException(FileError) when standard input is no terminal that can be written to.
+    explicit LineEditor(const Environment& environment);
+    LineEditor(const LineEditor&) = delete;
+    LineEditor& operator=(const LineEditor&) = delete;
+
+    /// Asks for a line, which goes on behind `begun` if that is not empty. Null at the end of the input, and when an
+    /// abort is requested.
+    const wchar_t* Read(const WString& begun, int& count);
+    void AddToHistory(const WString& command);
+    FILE* GetTerminal() const noexcept { return terminal.get(); }
+
+private:
+    const std::unique_ptr<FILE, decltype(&std::fclose)> terminal;
+    const std::unique_ptr<EditLine, decltype(&el_end)> line;
+    const std::unique_ptr<HistoryW, decltype(&history_wend)> history;
+    const Environment environment;
+    Window window;
+    cc_t interruptKey = _POSIX_VDISABLE; // where it is a key of the editor
+    WString begun;
+    WString typed;   // what is looked for among the former lines
+    WString brought; // the former line that was found
+
+    static LineEditor& Get(EditLine* line);
+    static wchar_t* GetPrompt(EditLine* line);
+    static int ReadCharacter(EditLine* line, wchar_t* character);
+    template <auto action>
+    static unsigned char Do(EditLine* line, wint_t) noexcept;
+
+    unsigned char Complete();
+    unsigned char BringOlder();
+    unsigned char BringNewer();
+    void BeginSearch();
+    bool TryBring(int direction);
+    void Replace(const WString& text);
+    void TakeWindow();
+    void TakeInterruptKey();
+};

@@ -1,0 +1,86 @@
+#include "PromptCommands.h"
+
+#include "Commands/CommandLine.h"
+#include "Commands/CommandRunner.h"
+#include "Commands/RunObserver.h"
+#include "Text/CharacterCase.h"
+
+#include <algorithm>
+
+namespace {
+using View = std::wstring_view;
+
+bool IsNameCharacter(wchar_t ch)
+{
+    const wchar_t lower = ToLower(ch);
+    return (lower >= L'a' && lower <= L'z') || (ch >= L'0' && ch <= L'9') || ch == L'_' || ch == L'.';
+}
+
+View SkipName(View text)
+{
+    return {std::ranges::find_if_not(text, IsNameCharacter), text.end()};
+}
+
+View SkipBlanks(View text)
+{
+    return {std::ranges::find_if_not(text, IsWhiteSpace), text.end()};
+}
+
+/// name blanks "=", and not a comparison that goes on with the sign
+bool IsAssignment(View text)
+{
+    const View rest = SkipName(text);
+    return rest.size() < text.size() && SkipBlanks(rest).starts_with(L'=');
+}
+
+bool BeginsLikeExpression(View text)
+{
+    constexpr View openings = L"0123456789(\"%+-";
+    constexpr View behindName = L"(+-*/^&<>";
+    if (openings.find(text.front()) != View::npos)
+        return true;
+    const View rest = SkipName(text);
+    return rest.size() < text.size() && !rest.empty() && behindName.find(rest.front()) != View::npos;
+}
+
+/// A sign in front is not to be taken for an option.
+WString MakeCalc(const WString& expression)
+{
+    return (expression.Trim().StartsWith(L"-", false) ? L"Calc -- " : L"Calc ") + expression;
+}
+} // namespace
+
+bool PromptCommands::TryReadLine(std::string& line)
+{
+    if (!source.TryReadLine(line))
+        return false;
+    typed = WString::FromUtf8(line);
+    if (line.size() <= CommandRunner::maxLineLength)
+        line = MakeCommand().ToUtf8();
+    return true;
+}
+
+WString PromptCommands::MakeCommand() const
+{
+    WString name;
+    WString rest;
+    CommandLine::SplitName(typed, name, rest);
+    if (name.IsEmpty() || name.StartsWith(L"#", false) || CommandRegistry::FindOrNull(name))
+        return typed;
+    if (name[0] == L'?')
+        return L"Help " + typed.Trim().Substring(1);
+    if (EqualsIgnoreCase(name.View(), L"quit"))
+        return L"Exit " + rest;
+    const View text = SkipBlanks(typed.View());
+    if (IsAssignment(text))
+        return L"Set " + typed;
+    return BeginsLikeExpression(text) || CanBeEvaluated() ? MakeCalc(typed) : typed;
+}
+
+/// Tries it out, unseen.
+bool PromptCommands::CanBeEvaluated() const
+{
+    const RunObserver::Pause pause;
+    ArrayPipe unseen;
+    return !CommandRunner::Run(L"Calc -q " + typed, unseen, environment, CommandFlags::noFailureLog).code.IsError();
+}

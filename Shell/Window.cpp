@@ -1,0 +1,45 @@
+#include "Window.h"
+
+#include <cwchar>
+
+#include <sys/ioctl.h>
+
+Window::Window(int descriptor)
+{
+    winsize size = {};
+    if (ioctl(descriptor, TIOCGWINSZ, &size) != 0 || size.ws_row == 0 || size.ws_col == 0)
+        return;
+    rows = size.ws_row;
+    columns = size.ws_col;
+}
+
+/// A character that the terminal does not know takes one.
+static std::size_t GetCells(wchar_t ch)
+{
+    const int cells = wcwidth(ch);
+    return cells < 0 ? 1 : static_cast<std::size_t>(cells);
+}
+
+std::size_t CountCells(std::wstring_view text)
+{
+    std::size_t cells = 0;
+    for (const wchar_t ch : text)
+        cells += GetCells(ch);
+    return cells;
+}
+
+std::wstring_view FitIntoCells(std::wstring_view text, std::size_t cells)
+{
+    std::size_t length = 0;
+    for (; length < text.size() && GetCells(text[length]) <= cells; ++length)
+        cells -= GetCells(text[length]);
+    return text.substr(0, length);
+}
+
+WString ClipToCells(std::wstring_view text, std::size_t cells)
+{
+    const std::wstring_view fitting = FitIntoCells(text, cells);
+    if (fitting.size() == text.size() || cells == 0)
+        return WString(fitting);
+    return WString(FitIntoCells(text, cells - 1)) + L"\u2026";
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "Text/WString.h"
+
+#include <string_view>
+
+/// The window of a terminal, in cells. One whose size is not known has the usual one.
+struct Window
+{
+    unsigned int rows = 24;
+    unsigned int columns = 80;
+
+    explicit Window(int descriptor);
+    bool operator==(const Window&) const = default;
+};
+
+/// How many cells a terminal gives the text.
+std::size_t CountCells(std::wstring_view text);
+/// As much of the beginning of the text as fits into so many cells.
+std::wstring_view FitIntoCells(std::wstring_view text, std::size_t cells);
+/// The text, or as much of it as leaves room for the "…" behind it.
+WString ClipToCells(std::wstring_view text, std::size_t cells);
