@@ -1,12 +1,14 @@
-// Runs what the documents show: the commands behind "$ " at the start of a line in a block of theirs, in a folder that
-// holds the files of the page, which are the blocks that name one ("labsh cal.txt"), and compares what comes out with
-// the lines below each.
+// Runs what the documents show, in a folder that holds the files of the page, which are the blocks that name one
+// ("labsh cal.txt"), and compares what comes out with the lines below each: the commands behind "$ ", the command lines
+// of the shell behind "> ", the expressions of lines like "    1+2 -> 3", and the rows of a table of failures that show
+// an example: "| number | message | `expression` |".
 
+#include "ExpressionEvaluator.h"
 #include "Shell/Labsh.h"
 #include "Support/TestFiles.h"
 #include "Support/Times.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <cstdio>
 #include <regex>
@@ -16,6 +18,8 @@
 namespace {
 const std::string fence = "```";
 const std::string prompt = "$ ";
+const std::string shellPrompt = "> ";
+const std::string arrow = " -> ";
 
 struct Block
 {
@@ -23,20 +27,52 @@ struct Block
     std::vector<std::string> lines;
 };
 
-std::vector<Block> ReadBlocks(const std::string& page)
+/// An expression and what is shown of its outcome.
+struct Example
+{
+    std::string expression;
+    std::string outcome;
+};
+
+struct Page
 {
     std::vector<Block> blocks;
+    std::vector<Example> values;
+    std::vector<Example> failures;
+};
+
+/// The cells of "| a | b | c |".
+std::vector<std::string> ReadCells(const std::string& line)
+{
+    const std::string separator = " | ";
+    std::vector<std::string> cells;
+    std::size_t start = line.starts_with("| ") ? 2 : std::string::npos;
+    for (std::size_t end = start; start < line.size(); start = end + separator.size()) {
+        end = std::min(line.find(separator, start), line.size());
+        cells.push_back(line.substr(start, end - start));
+    }
+    return cells;
+}
+
+Page ReadPage(const std::string& name)
+{
+    Page page;
+    std::vector<Block>& blocks = page.blocks;
     bool isOpen = false;
-    for (const std::string& line : ReadTestLines("../" + page)) {
+    for (const std::string& line : ReadTestLines("../" + name)) {
         if (line.starts_with(fence)) {
             isOpen = !isOpen;
             if (isOpen)
                 blocks.push_back({line.substr(fence.size()), {}});
         } else if (isOpen) {
             blocks.back().lines.push_back(line);
+        } else if (const std::size_t at = line.find(arrow); line.starts_with("    ") && at != std::string::npos) {
+            page.values.push_back({line.substr(4, at - 4), line.substr(at + arrow.size())});
+        } else if (const auto cells = ReadCells(line); cells.size() > 3 && cells[2].starts_with('`')) {
+            page.failures.push_back({cells[2].substr(1, cells[2].size() - 2), cells[0] + " " + cells[1]});
         }
     }
-    return blocks;
+    return page;
 }
 
 /// A folder with the shell, in which commands are run one after the other.
@@ -72,14 +108,42 @@ std::string Join(const std::vector<std::string>& lines)
     return text;
 }
 
-/// What the block says that its commands print, and what they do.
-void CompareCommands(CommandLine& commandLine, const Block& block)
+/// What each line that is typed into one shell prints.
+std::vector<std::string> RunSession(CommandLine& commandLine, const std::vector<std::string>& typed)
 {
+    const std::string mark = "--next--\n";
+    std::string script;
+    for (const std::string& line : typed)
+        script += line + "\nEcho " + mark;
+    commandLine.folder.Write("session", script);
+    std::string output = commandLine.Run("labsh -k < session 2>&1 | sed 's/^stdin:[0-9]*: //'");
+    std::vector<std::string> printed;
+    for (std::size_t end = 0; (end = output.find(mark)) != std::string::npos; output.erase(0, end + mark.size()))
+        printed.push_back(output.substr(0, end));
+    printed.resize(typed.size());
+    return printed;
+}
+
+std::vector<std::string> RunCommands(CommandLine& commandLine, const std::vector<std::string>& commands)
+{
+    std::vector<std::string> printed;
+    for (const std::string& command : commands)
+        printed.push_back(commandLine.Run(command));
+    return printed;
+}
+
+/// What the block says that its commands print, and what they do.
+void CompareCommands(CommandLine& commandLine, const Block& block, const std::string& start,
+    std::vector<std::string> (&run)(CommandLine&, const std::vector<std::string>&))
+{
+    std::vector<std::string> commands;
+    for (const std::string& line : block.lines)
+        if (line.starts_with(start))
+            commands.push_back(line.substr(start.size()));
+    const std::vector<std::string> outputs = run(commandLine, commands);
     std::string printed;
-    for (const std::string& line : block.lines) {
-        if (line.starts_with(prompt))
-            printed += line + "\n" + commandLine.Run(line.substr(prompt.size()));
-    }
+    for (std::size_t i = 0; i < commands.size(); ++i)
+        printed += start + commands[i] + "\n" + outputs[i];
     EXPECT_EQ(HideTimes(printed), HideTimes(Join(block.lines)));
 }
 
@@ -89,24 +153,58 @@ void AddOptions(const std::string& text, std::set<std::string>& options)
     for (std::sregex_iterator found(text.begin(), text.end(), option), end; found != end; ++found)
         options.insert(found->str());
 }
+
+std::vector<std::string> RunExpressions(
+    CommandLine& commandLine, const std::string& command, const std::vector<Example>& examples)
+{
+    std::vector<std::string> commands;
+    for (const Example& example : examples)
+        commands.push_back(command + " " + example.expression);
+    return RunSession(commandLine, commands);
+}
+
+/// The value, or the error as its message, which stands in the second line.
+void CompareValues(CommandLine& commandLine, const std::vector<Example>& examples)
+{
+    const std::vector<std::string> printed = RunExpressions(commandLine, "Calc", examples);
+    const std::string start = "Error:\n  ";
+    for (std::size_t i = 0; i < examples.size(); ++i) {
+        const std::string& text = printed[i];
+        const std::size_t messageEnd = text.find('\n', start.size());
+        EXPECT_EQ(text.starts_with(start) ? "Error: " + text.substr(start.size(), messageEnd - start.size() + 1) : text,
+            examples[i].outcome + "\n")
+            << examples[i].expression;
+    }
+}
+
+void CompareFailures(CommandLine& commandLine, const std::vector<Example>& examples)
+{
+    const std::vector<std::string> printed = RunExpressions(commandLine, "Calc -q", examples);
+    for (std::size_t i = 0; i < examples.size(); ++i)
+        EXPECT_THAT(printed[i], testing::StartsWith("Calc: 1043:505:" + examples[i].outcome)) << examples[i].expression;
+}
+
 } // namespace
 
 TEST(DocumentsTest, CommandsPrintWhatIsShown)
 {
-    for (const char* page : {"README.md", "Docs/Scripts.md"}) {
-        SCOPED_TRACE(page);
+    for (const char* name : {"README.md", "Docs/Commands.md", "Docs/Errors.md", "Docs/Language.md", "Docs/Scripts.md",
+             "Docs/Tutorial.md"}) {
+        SCOPED_TRACE(name);
         CommandLine commandLine;
-        int count = 0;
-        for (const Block& block : ReadBlocks(page)) {
+        const Page page = ReadPage(name);
+        EXPECT_FALSE(page.blocks.empty() && page.values.empty());
+        for (const Block& block : page.blocks) {
             const std::string language = "labsh ";
             if (block.info.starts_with(language))
                 commandLine.folder.Write(block.info.substr(language.size()), Join(block.lines));
-            if (block.lines.at(0).starts_with(prompt)) {
-                CompareCommands(commandLine, block);
-                ++count;
-            }
+            else if (block.lines.at(0).starts_with(prompt))
+                CompareCommands(commandLine, block, prompt, RunCommands);
+            else if (block.lines.at(0).starts_with(shellPrompt))
+                CompareCommands(commandLine, block, shellPrompt, RunSession);
         }
-        EXPECT_GT(count, 0);
+        CompareValues(commandLine, page.values);
+        CompareFailures(commandLine, page.failures);
     }
 }
 
@@ -125,4 +223,22 @@ TEST(DocumentsTest, EveryOptionIsListed)
     }
     EXPECT_EQ(listed, offered);
     EXPECT_TRUE(offered.contains("--junit"));
+}
+
+TEST(DocumentsTest, ThePageOfCommandsNamesThemAll)
+{
+    CommandLine commandLine;
+    const std::string page = TemporaryFolder::ReadFile(SOURCE_DIR "/Docs/Commands.md");
+    std::istringstream list(commandLine.Run("labsh Help | sed -n 's/^ \\([A-Za-z]*\\).*/\\1/p'"));
+    for (std::string name; list >> name;)
+        EXPECT_THAT(page, testing::HasSubstr("\n## " + name + "\n"));
+}
+
+TEST(DocumentsTest, ThePageOfTheLanguageNamesAllFunctions)
+{
+    const std::string page = TemporaryFolder::ReadFile(SOURCE_DIR "/Docs/Language.md");
+    WStringArray functions;
+    ExpressionEvaluator::GetSupportedFunctions(functions);
+    for (const WString& function : functions)
+        EXPECT_THAT(page, testing::HasSubstr("`" + function.ToUtf8() + "`"));
 }
