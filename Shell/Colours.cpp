@@ -14,7 +14,8 @@ static std::string_view GetVariable(const char* name)
 
 bool HasColours(int descriptor)
 {
-    return isatty(descriptor) == 1 && GetVariable("NO_COLOR").empty() && GetVariable("TERM") != "dumb";
+    const std::string_view kind = GetVariable("TERM");
+    return isatty(descriptor) == 1 && GetVariable("NO_COLOR").empty() && !kind.empty() && kind != "dumb";
 }
 
 std::string Paint(std::string_view text, Colour colour, int descriptor)

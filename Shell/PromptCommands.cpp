@@ -10,10 +10,15 @@
 namespace {
 using View = std::wstring_view;
 
+bool IsDigit(wchar_t ch)
+{
+    return ch >= L'0' && ch <= L'9';
+}
+
 bool IsNameCharacter(wchar_t ch)
 {
     const wchar_t lower = ToLower(ch);
-    return (lower >= L'a' && lower <= L'z') || (ch >= L'0' && ch <= L'9') || ch == L'_' || ch == L'.';
+    return (lower >= L'a' && lower <= L'z') || IsDigit(ch) || ch == L'_' || ch == L'.';
 }
 
 View SkipName(View text)
@@ -26,10 +31,10 @@ View SkipBlanks(View text)
     return {std::ranges::find_if_not(text, IsWhiteSpace), text.end()};
 }
 
-/// name blanks "=", and not a comparison that goes on with the sign
+/// assignment: name "=" ..., where the name begins with a letter: "1=1" is a comparison
 bool IsAssignment(View text)
 {
-    const View rest = SkipName(text);
+    const View rest = IsDigit(text.front()) ? text : SkipName(text);
     return rest.size() < text.size() && SkipBlanks(rest).starts_with(L'=');
 }
 

@@ -167,6 +167,7 @@ TEST(TerminalTest, TakesExpressionsForCommands)
         {"x", "7\n"},
         {"x = x + 1", ""},
         {"x * 2", "16\n"},
+        {"1=1", "TRUE\n"},
         {"-x+1", "-7\n"},
         {"(x)", "8\n"},
         {"\"a\" & x", "a8\n"},
