@@ -229,9 +229,9 @@ TEST(DocumentsTest, ThePageOfCommandsNamesThemAll)
 {
     CommandLine commandLine;
     const std::string page = TemporaryFolder::ReadFile(SOURCE_DIR "/Docs/Commands.md");
-    std::istringstream list(commandLine.Run("labsh Help | sed -n 's/^ \\([A-Za-z]*\\).*/\\1/p'"));
+    std::istringstream list(commandLine.Run("labsh Help | sed -n '/^Topics/q; s/^ \\([A-Za-z]*\\).*/\\1/p'"));
     for (std::string name; list >> name;)
-        EXPECT_THAT(page, testing::HasSubstr("\n## " + name + "\n"));
+        EXPECT_TRUE(page.find("\n## " + name + "\n") != std::string::npos) << name;
 }
 
 TEST(DocumentsTest, ThePageOfTheLanguageNamesAllFunctions)
@@ -240,5 +240,5 @@ TEST(DocumentsTest, ThePageOfTheLanguageNamesAllFunctions)
     WStringArray functions;
     ExpressionEvaluator::GetSupportedFunctions(functions);
     for (const WString& function : functions)
-        EXPECT_THAT(page, testing::HasSubstr("`" + function.ToUtf8() + "`"));
+        EXPECT_TRUE(page.find("`" + function.ToUtf8() + "`") != std::string::npos) << function.ToUtf8();
 }

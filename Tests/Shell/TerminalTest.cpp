@@ -177,7 +177,7 @@ TEST(TerminalTest, TakesExpressionsForCommands)
         {"Cacl 1", "Cacl: 0:1:2 Unknown command: Cacl (did you mean Calc?)\n"},
         {"y", "y: 0:1:2 Unknown command: y\n"},
         {"Log -x", "Log: 2007:0:2 Unknown option: -x\n"},
-        {"?Max", "Max(n1, n2, ...) - The largest number.\n    Max(102, 55, \"0xFF\", 33) -> 255\n"},
+        {"?Max", "Max(n1, n2, ...) - The largest number.\n    Calc Max(102, 55, \"0xFF\", 33)\n    # 255\n"},
         {"# x", ""},
     };
     const TemporaryFolder folder;
