@@ -116,16 +116,15 @@ void AssertReport::AddFailure(const WString& scriptName, const ScriptFailure& fa
         AddError(scriptName, failure.line, failure.outcome);
 }
 
-void AssertReport::AddBreak(const WString& scriptName, const HostException& failure)
+void AssertReport::AddBreak(const HostException& failure)
 {
-    AddError(scriptName, 0, {failure, L"labsh", failure.GetMessage(), {}});
+    AddError({}, 0, {failure, L"labsh", failure.GetMessage(), {}});
 }
 
 void AssertReport::AddError(const WString& scriptName, unsigned int line, const CommandRunner::Outcome& outcome)
 {
     JUnitCase test;
-    test.group = scriptName;
-    test.file = line == 0 ? WString() : scriptName;
+    test.group = test.file = scriptName;
     test.line = line;
     test.name = outcome.command;
     test.kind = JUnitCase::Error;

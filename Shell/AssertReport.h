@@ -29,8 +29,8 @@ public:
 
     /// A command of the script has failed.
     void AddFailure(const WString& scriptName, const ScriptFailure& failure);
-    /// The script broke off otherwise: it cannot be read, for one.
-    void AddBreak(const WString& scriptName, const HostException& failure);
+    /// The run broke off otherwise: its script cannot be read, for one.
+    void AddBreak(const HostException& failure);
     /// Writes the file. Throws HostException(FileError).
     void Write() { report.Write(file); }
     /// The line that closes the run: how many asserts there were, and where they failed.

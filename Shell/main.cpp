@@ -187,7 +187,7 @@ static bool RunScriptFile(
 }
 
 static bool Run(const Arguments& arguments, AssertReport* asserts)
-try {
+{
     if (arguments.line) {
         OneLine line(*arguments.line);
         return RunScriptFile(arguments, line, "", asserts);
@@ -196,10 +196,6 @@ try {
         return RunTerminal(arguments);
     FileLines script = arguments.script ? FileLines(*arguments.script) : FileLines(STDIN_FILENO, "stdin");
     return RunScriptFile(arguments, script, arguments.script.value_or("stdin"), asserts);
-} catch (const HostException& failure) {
-    if (asserts)
-        asserts->AddBreak(WString::FromUtf8(arguments.script.value_or("stdin")), failure);
-    throw;
 }
 
 static void CountOnTime(unsigned int start)
@@ -218,13 +214,16 @@ static void CheckOutput()
     throw HostException(HostError::FileError, WString::FromUtf8("standard output cannot be written: " + reason));
 }
 
-/// Calls `action`, which yields whether it succeeded, and reports what it throws.
-static bool TryTo(const std::function<bool()>& action)
+/// Calls `action`, which yields whether it succeeded, and reports what it throws; among the asserts too, if the
+/// watchers watch them.
+static bool TryTo(const std::function<bool()>& action, std::optional<Watchers>* watchers = nullptr)
 try {
     return action();
 } catch (const HostException& failure) {
     if (!IsHostError(failure, HostError::Aborted) || IsAbortToBeReported())
         ReportFailure(failure);
+    if (watchers && *watchers && (*watchers)->asserts)
+        (*watchers)->asserts->AddBreak(failure);
     return false;
 } catch (const std::bad_alloc&) {
     throw;
@@ -233,8 +232,18 @@ try {
     return false;
 }
 
-/// What is to be done however the commands have ended, each whatever becomes of the others: files first, which no
-/// signal interrupts, then what somebody has to read.
+/// Writes a file, which no signal interrupts.
+static bool TryToWrite(const std::function<void()>& action)
+{
+    return TryTo([&] {
+        const Signals::Shelter shelter;
+        action();
+        return true;
+    });
+}
+
+/// What is to be done however the commands have ended, each whatever becomes of the others: files first, then
+/// what somebody has to read.
 static bool FinishRun(unsigned int start, Watchers& watchers)
 {
     bool succeeded = true;
@@ -244,18 +253,13 @@ static bool FinishRun(unsigned int start, Watchers& watchers)
             return true;
         });
     };
-    const auto write = [&](const auto& action) {
-        finish([&] {
-            const Signals::Shelter shelter;
-            action();
-        });
-    };
     CountOnTime(start);
-    write([] { System::usage.WriteCounts(); }); // now, since a signal ends the process without destructors
+    succeeded &=
+        TryToWrite([] { System::usage.WriteCounts(); }); // now, since a signal ends the process without destructors
     if (Signals::GetPending() != 0)
-        write(DelayedStatus::FinishAtOnce);
+        succeeded &= TryToWrite(DelayedStatus::FinishAtOnce);
     if (watchers.asserts) {
-        write([&] { watchers.asserts->Write(); });
+        succeeded &= TryToWrite([&] { watchers.asserts->Write(); });
         finish([&] { WriteErrorLine(watchers.asserts->FormatSummary()); });
     }
     finish(CheckOutput);
@@ -277,9 +281,16 @@ static int RunShell(Arguments& arguments)
         Start(arguments);
         return true;
     };
-    if (!TryTo(startUp))
+    AssertReport* asserts = nullptr;
+    const bool hasStarted = TryTo(startUp, &watchers);
+    if (watchers && watchers->asserts)
+        asserts = &*watchers->asserts;
+    if (!hasStarted) {
+        if (asserts)
+            TryToWrite([&] { asserts->Write(); });
         return 1;
-    const bool succeeded = TryTo([&] { return Run(arguments, watchers->asserts ? &*watchers->asserts : nullptr); });
+    }
+    const bool succeeded = TryTo([&] { return Run(arguments, asserts); }, &watchers);
     if (!FinishRun(start, *watchers))
         return 1;
     return GetExitStatus().value_or(succeeded ? 0 : 1);

@@ -301,8 +301,10 @@ TEST(ShellTest, AssertsAreReported)
 )");
     EXPECT_EQ(labsh.Run({"--junit", "out.xml", "Echo"}), 0);
     EXPECT_EQ(labsh.GetErrors(), "0 asserts, 0 passed, 0 failed\n");
-    EXPECT_EQ(labsh.Run({"--junit", "out.xml", "-f", "none"}), 1);
-    EXPECT_THAT(labsh.folder.Read("out.xml"), testing::HasSubstr("errors=\"1\""));
+    for (const char* option : {"-f", "--plugin"}) {
+        EXPECT_EQ(labsh.Run({"--junit", "out.xml", option, "none"}), 1);
+        EXPECT_THAT(labsh.folder.Read("out.xml"), testing::HasSubstr("errors=\"1\""));
+    }
     std::string script;
     for (int line = 1; line <= 22; ++line)
         script += "While -c2 1=1 DO If 1=1 THEN Assert 1=2\n";
