@@ -1,9 +1,10 @@
 // Runs what the documents show, in a folder that holds the files of the page, which are the blocks that name one
 // ("labsh cal.txt"), and compares what comes out with the lines below each: the commands behind "$ ", the command lines
-// of the shell behind "> ", the expressions of lines like "    1+2 -> 3", and the rows of a table of failures that show
-// an example: "| number | message | `expression` |".
+// of the shell behind "> ", those at its prompt behind "labsh> ", the expressions of lines like "    1+2 -> 3", and the
+// rows of a table of failures that show an example: "| number | message | `expression` |".
 
 #include "ExpressionEvaluator.h"
+#include "Shell/AtTerminal.h"
 #include "Shell/Labsh.h"
 #include "Support/TestFiles.h"
 #include "Support/Times.h"
@@ -124,6 +125,16 @@ std::vector<std::string> RunSession(CommandLine& commandLine, const std::vector<
     return printed;
 }
 
+/// What each line that is typed at the prompt of one shell shows.
+std::vector<std::string> RunAtPrompt(CommandLine& commandLine, const std::vector<std::string>& typed)
+{
+    AtPrompt shell(commandLine.folder.Path("data"));
+    std::vector<std::string> shown;
+    for (const std::string& line : typed)
+        shown.push_back(shell.Run(line));
+    return shown;
+}
+
 std::vector<std::string> RunCommands(CommandLine& commandLine, const std::vector<std::string>& commands)
 {
     std::vector<std::string> printed;
@@ -189,7 +200,7 @@ void CompareFailures(CommandLine& commandLine, const std::vector<Example>& examp
 TEST(DocumentsTest, CommandsPrintWhatIsShown)
 {
     for (const char* name : {"README.md", "Docs/Commands.md", "Docs/Errors.md", "Docs/Language.md", "Docs/Scripts.md",
-             "Docs/Tutorial.md"}) {
+             "Docs/Shell.md", "Docs/Tutorial.md"}) {
         SCOPED_TRACE(name);
         CommandLine commandLine;
         const Page page = ReadPage(name);
@@ -202,6 +213,8 @@ TEST(DocumentsTest, CommandsPrintWhatIsShown)
                 CompareCommands(commandLine, block, prompt, RunCommands);
             else if (block.lines.at(0).starts_with(shellPrompt))
                 CompareCommands(commandLine, block, shellPrompt, RunSession);
+            else if (block.lines.at(0).starts_with(AtPrompt::prompt))
+                CompareCommands(commandLine, block, AtPrompt::prompt, RunAtPrompt);
         }
         CompareValues(commandLine, page.values);
         CompareFailures(commandLine, page.failures);

@@ -1,99 +1,15 @@
-#include "Support/Patience.h"
-#include "Support/TemporaryFolder.h"
+#include "Shell/AtTerminal.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <poll.h>
-#include <pty.h>
-#include <sys/ioctl.h>
-#include <termios.h>
-
 namespace {
-/// labsh at a terminal, whose other end is ours.
-class Session
-{
-public:
-    /// `output`, when given, is the file that standard output goes to. Without colours, which a test may ask for.
-    explicit Session(const std::string& dataFolder, const char* output = nullptr, const char* noColours = "1")
-        : id(forkpty(&terminal, nullptr, nullptr, nullptr))
-    {
-        if (id == 0) {
-            setenv("TERM", "xterm", 1);
-            setenv("NO_COLOR", noColours, 1);
-            setenv("PAGER", "sed 's/^/paged: /'", 1);
-            unsetenv("LC_ALL"); // UTF-8 is to be typed without a word about it
-            if (output && !std::freopen(output, "w", stdout))
-                _exit(127);
-            execl(LABSH_FILE, LABSH_FILE, "--data", dataFolder.c_str(), nullptr);
-            _exit(127);
-        }
-        ReadTo(prompt);
-    }
-    ~Session()
-    {
-        kill(id, SIGKILL);
-        Wait();
-        close(terminal);
-    }
-    Session(const Session&) = delete;
-    Session& operator=(const Session&) = delete;
-
-    /// Types the keys and reads up to the mark; what the terminal showed up to there, "" when it closed before.
-    std::string Type(const std::string& keys, const std::string& mark = prompt)
-    {
-        if (write(terminal, keys.data(), keys.size()) < 0)
-            return "";
-        return ReadTo(mark);
-    }
-    /// What the terminal shows below the line that is typed, up to the next prompt.
-    std::string Run(const std::string& line)
-    {
-        std::string text = Type(line + "\r");
-        std::erase(text, '\r');
-        text.erase(0, text.find('\n') + 1);
-        return text.substr(0, text.rfind(prompt));
-    }
-    void SetWindow(unsigned short rows, unsigned short columns) const
-    {
-        const winsize size = {rows, columns, 0, 0};
-        ioctl(terminal, TIOCSWINSZ, &size);
-    }
-    int Wait() const { return WaitForExit(id); }
-    void Send(int signal) const { kill(id, signal); }
-    /// Whether the terminal treats lines and echoes them, as a shell leaves it.
-    bool IsCooked() const
-    {
-        termios settings = {};
-        return tcgetattr(terminal, &settings) == 0 && (settings.c_lflag & ICANON) && (settings.c_lflag & ECHO);
-    }
-
-    static constexpr const char* prompt = "labsh> ";
-
-private:
-    int terminal = -1;
-    pid_t id;
-
-    std::string ReadTo(const std::string& mark)
-    {
-        constexpr int patience = 60000; // milliseconds, for a shell that has stopped answering
-        std::string text;
-        for (char byte = 0; !text.ends_with(mark); text += byte) {
-            pollfd input = {terminal, POLLIN, 0};
-            if (poll(&input, 1, patience) != 1 || read(terminal, &byte, 1) != 1)
-                return "";
-        }
-        return text;
-    }
-};
-
 constexpr const char* continuation = "  ...> ";
 } // namespace
 
 TEST(TerminalTest, FailuresAndInterruptsEndTheCommandAlone)
 {
     const TemporaryFolder folder;
-    Session session(folder.GetPath());
+    AtPrompt session(folder.GetPath());
     EXPECT_NE(session.Type("Echo h\u00E9\u20ACllo\r").find("\nh\u00E9\u20ACllo\r\n"), std::string::npos);
     EXPECT_NE(session.Type("Nope\r").find("\nNope: 0:1:2 Unknown command: Nope\r\n"), std::string::npos);
     EXPECT_NE(session.Type("While 1=1 DO Echo %C{[Detection]Filter}; Wait 86400\r", "Green 530\r\n"), "");
@@ -111,7 +27,8 @@ TEST(TerminalTest, FailuresAndInterruptsEndTheCommandAlone)
 TEST(TerminalTest, OutputThatLeadsElsewhereIsARecord)
 {
     const TemporaryFolder folder;
-    Session session(folder.GetPath(), folder.Path("output").c_str());
+    const std::string output = folder.Path("output");
+    AtPrompt session(folder.GetPath(), {.output = output.c_str()});
     EXPECT_NE(session.Type("Echo h\u00E9\u20ACllo\r").find("Echo h\u00E9\u20ACllo\r\n"), std::string::npos);
     EXPECT_NE(session.Type("Nope\r").find("\nNope: 0:1:2 Unknown command: Nope\r\n"), std::string::npos);
     EXPECT_NE(session.Type("Calc 1+\\\r", continuation), "");
@@ -149,7 +66,7 @@ TEST(TerminalTest, TeachesOncePerLine)
             "a # b\nnote: \"# b\" was read as part of the command; a comment stands on a line of its own, behind #\n"},
     };
     const TemporaryFolder folder;
-    Session session(folder.GetPath());
+    AtPrompt session(folder.GetPath());
     session.Type("Set i=1\r");
     for (const auto& [line, shown] : cases) {
         EXPECT_EQ(session.Run(line), shown) << line;
@@ -181,7 +98,7 @@ TEST(TerminalTest, TakesExpressionsForCommands)
         {"# x", ""},
     };
     const TemporaryFolder folder;
-    Session session(folder.GetPath());
+    AtPrompt session(folder.GetPath());
     for (const auto& [line, shown] : cases)
         EXPECT_EQ(session.Run(line), shown) << line;
     EXPECT_NE(session.Type("quit 3\r", "\n"), "");
@@ -191,7 +108,7 @@ TEST(TerminalTest, TakesExpressionsForCommands)
 TEST(TerminalTest, CompletesAtTab)
 {
     const TemporaryFolder folder;
-    Session session(folder.GetPath());
+    AtPrompt session(folder.GetPath());
     EXPECT_NE(session.Type("If %S{TempO\t", "ptics"), "");
     EXPECT_NE(session.Type("\t").find("TempOptics        = "), std::string::npos); // there is nothing to add
     EXPECT_NE(session.Type("T\t=37 Then \\\r", continuation), "");
@@ -203,7 +120,7 @@ TEST(TerminalTest, CompletesAtTab)
 TEST(TerminalTest, FitsIntoTheWindow)
 {
     const TemporaryFolder folder;
-    Session session(folder.GetPath(), nullptr, "");
+    AtPrompt session(folder.GetPath(), {.environment = {{"NO_COLOR", ""}}});
     session.SetWindow(9, 30);
     EXPECT_EQ(session.Run("Calc -q 1111111111111111111111111111+1/0+22222222222"),
         "\x1b[31mCalc: 1043:505:133 Divide by zero\x1b[0m\n"
@@ -219,10 +136,10 @@ TEST(TerminalTest, ShellsShareTheHistoryHoweverTheyEnd)
 {
     constexpr const char* up = "\x1b[A";
     const TemporaryFolder folder;
-    Session other(folder.GetPath());
+    AtPrompt other(folder.GetPath());
     other.Run("Echo h\u00E9llo 100%s");
     for (const int signal : {SIGKILL, SIGHUP, SIGTERM}) {
-        Session session(folder.GetPath());
+        AtPrompt session(folder.GetPath());
         session.Run("Echo by " + std::to_string(signal));
         session.Type("While 1=1 Do Echo x; Wait 86400\r", "x\r\n");
         session.Send(signal);
@@ -236,7 +153,7 @@ TEST(TerminalTest, ShellsShareTheHistoryHoweverTheyEnd)
     EXPECT_EQ(other.Run(std::string("Echo by") + up + up), "by 1\n");
     EXPECT_EQ(other.Run(std::string("Echo h") + up), "h\u00E9llo 100%s\n");
     EXPECT_TRUE(other.Run("\x12llo 100\r").ends_with("\nh\u00E9llo 100%s\n"));
-    Session session(folder.GetPath());
+    AtPrompt session(folder.GetPath());
     EXPECT_EQ(session.Run(std::string("Calc") + up), "2\n");
 }
 
@@ -244,7 +161,7 @@ TEST(TerminalTest, SignalsEndTheShellInOrder)
 {
     for (const int signal : {SIGTERM, SIGHUP}) {
         const TemporaryFolder folder;
-        Session session(folder.GetPath());
+        AtPrompt session(folder.GetPath());
         session.Type("Status -n -d86400 TerminalTest=7\r");
         EXPECT_FALSE(session.IsCooked());
         session.Send(signal);

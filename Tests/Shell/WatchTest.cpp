@@ -1,68 +1,24 @@
 // What is to be looked at: Watch and its charts, and the line that shows long work.
 
 #include "Chart.h"
+#include "Shell/AtTerminal.h"
 #include "Shell/Labsh.h"
 #include "Statistics.h"
 #include "Support/Times.h"
 
 #include <gmock/gmock.h>
 
-#include <pty.h>
-
 namespace {
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-constexpr const char* utf8 = "C.UTF-8";
-
-/// labsh at a terminal of this width, without a prompt.
-class AtTerminal
+/// What a command shows at a terminal of this width.
+std::string Show(const std::string& command, unsigned short width = 80, const std::string& locale = "C.UTF-8",
+    const std::string& kind = "xterm")
 {
-public:
-    explicit AtTerminal(
-        const std::string& argument, unsigned short width = 80, const char* locale = utf8, const char* kind = "xterm")
-    {
-        const winsize window = {24, width, 0, 0};
-        id = forkpty(&terminal, nullptr, nullptr, &window);
-        if (id == 0) {
-            setenv("TERM", kind, 1);
-            setenv("LC_ALL", locale, 1);
-            const std::string data = folder.Path("data");
-            execl(LABSH_FILE, LABSH_FILE, "--data", data.c_str(), argument.c_str(), nullptr);
-            _exit(127);
-        }
-    }
-    ~AtTerminal()
-    {
-        kill(id, SIGKILL);
-        WaitForExit(id);
-        close(terminal);
-    }
-    AtTerminal(const AtTerminal&) = delete;
-    AtTerminal& operator=(const AtTerminal&) = delete;
-
-    /// What has been shown since, up to the mark; all of it without one.
-    std::string ReadTo(const std::string& mark = "")
-    {
-        std::string text;
-        char byte = 0;
-        while ((mark.empty() || !text.ends_with(mark)) && read(terminal, &byte, 1) == 1)
-            text += byte;
-        return text;
-    }
-    void Type(char key) const { EXPECT_EQ(write(terminal, &key, 1), 1); }
-    void Resize(unsigned short width) const
-    {
-        const winsize window = {24, width, 0, 0};
-        EXPECT_EQ(ioctl(terminal, TIOCSWINSZ, &window), 0);
-    }
-
-private:
-    const TemporaryFolder folder;
-    int terminal = -1;
-    pid_t id = -1;
-};
+    return AtTerminal({{"--fresh", command}, {{"LC_ALL", locale}, {"TERM", kind}}, width}).ReadTo();
+}
 
 std::string Join(const WStringArray& lines)
 {
@@ -150,27 +106,25 @@ TEST(WatchTest, DrawsTheTrendOverItself)
         const char* locale;
         std::string shown;
     } cases[] = {
-        {80, utf8, "\r5  ▅▅▅  min 5  max 5  mean 5\x1b[K\r\n" + summary},
+        {80, "C.UTF-8", "\r5  ▅▅▅  min 5  max 5  mean 5\x1b[K\r\n" + summary},
         {80, "C", "\r5  ===  min 5  max 5  mean 5\x1b[K\r\n" + summary},
-        {30, utf8, "\r5  ▅▅▅\x1b[K\r\n" + summary},
-        {6, utf8, "\r5  ▅▅\x1b[K\r\n" + summary},
+        {30, "C.UTF-8", "\r5  ▅▅▅\x1b[K\r\n" + summary},
+        {6, "C.UTF-8", "\r5  ▅▅\x1b[K\r\n" + summary},
     };
     for (const auto& [width, locale, shown] : cases)
-        EXPECT_THAT(AtTerminal(watch, width, locale).ReadTo(), EndsWith(shown));
-    EXPECT_EQ(AtTerminal(watch, 80, utf8, "dumb").ReadTo(), "5\r\n5\r\n5\r\n" + summary);
+        EXPECT_THAT(Show(watch, width, locale), EndsWith(shown));
+    EXPECT_EQ(Show(watch, 80, "C.UTF-8", "dumb"), "5\r\n5\r\n5\r\n" + summary);
 }
 
 TEST(WatchTest, FollowsTheWindowAndEndsWithASummary)
 {
-    AtTerminal terminal("Watch -w0.06 5");
+    AtTerminal terminal({{"--fresh", "Watch -w0.06 5"}, {{"LC_ALL", "C.UTF-8"}}});
     EXPECT_NE(terminal.ReadTo("▅▅▅  min"), "");
-    terminal.Resize(6);
+    terminal.SetWindow(24, 6);
     EXPECT_NE(terminal.ReadTo("\r5  ▅▅\x1b[K"), "");
-    terminal.Type('\x03');
-    const std::string rest = terminal.ReadTo();
+    const std::string rest = terminal.Type("\x03", "");
     EXPECT_THAT(rest, HasSubstr("\r\nn "));
-    EXPECT_THAT(rest, HasSubstr("  mean 5  sd 0  min 5  max 5\r\n"));
-    EXPECT_THAT(rest, HasSubstr("Watch: 2015:1:4 Aborted"));
+    EXPECT_THAT(rest, HasSubstr("  mean 5  sd 0  min 5  max 5\r\nWatch: 2015:1:4 Aborted\r\n"));
 }
 
 TEST(WatchTest, FileHoldsEachReadingAtOnce)
@@ -191,9 +145,9 @@ TEST(StatusLineTest, ShowsLongWorkAndGoesAway)
     labsh.folder.Write("warm.txt", "# warm up\nWhile -w0.5 -c3 %S{TempOptics}<99 Do Echo %E{i}\nWait 1.1\nEcho done\n");
     const std::string run = "Run " + labsh.folder.Path("warm.txt");
     labsh.Start({run});
-    AtTerminal dumb(run, 80, utf8, "dumb");
-    AtTerminal narrow(run, 20);
-    const std::string shown = AtTerminal(run).ReadTo();
+    AtTerminal dumb({{"--fresh", run}, {{"TERM", "dumb"}}});
+    AtTerminal narrow({{"--fresh", run}, {}, 20});
+    const std::string shown = Show(run);
     EXPECT_THAT(shown, HasSubstr("\r\x1b[K3\r\n"));
     EXPECT_THAT(shown, HasSubstr("\rwarm.txt 2/4  While 3 of 3  TempOptics=36.8\x1b[K"));
     EXPECT_THAT(shown, HasSubstr("\rwarm.txt 3/4  Wait  0:01 left\x1b[K"));
