@@ -1,21 +1,15 @@
 #include "Colours.h"
 
-#include <cstdlib>
+#include "Screen.h"
 
-#include <unistd.h>
+#include <cstdlib>
 
 static constexpr const char* sequences_lc[] = {"", "\x1b[31m", "\x1b[33m", "\x1b[2m"};
 
-static std::string_view GetVariable(const char* name)
-{
-    const char* const value = std::getenv(name);
-    return value ? value : "";
-}
-
 bool HasColours(int descriptor)
 {
-    const std::string_view kind = GetVariable("TERM");
-    return isatty(descriptor) == 1 && GetVariable("NO_COLOR").empty() && !kind.empty() && kind != "dumb";
+    const char* const refusal = std::getenv("NO_COLOR");
+    return Screen::CanDrawOver(descriptor) && (!refusal || *refusal == '\0');
 }
 
 std::string Paint(std::string_view text, Colour colour, int descriptor)

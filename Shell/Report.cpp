@@ -5,6 +5,7 @@
 #include "RunningScript.h"
 #include "SessionLog.h"
 #include "StatusLine.h"
+#include "Window.h"
 
 #include <algorithm>
 #include <new>
@@ -12,17 +13,8 @@
 
 #include <unistd.h>
 
-static constinit StandardStream errors_lc(
-    STDERR_FILENO); // a line that cannot be written is lost, and nobody could be told
-
-/// One line for the terminal, without control characters.
-static WString AsOneLine(const WString& text)
-{
-    WString line;
-    for (const wchar_t ch : text)
-        line += ch < L' ' || (ch >= 0x7F && ch < 0xA0) ? L' ' : ch;
-    return line;
-}
+/// A line that cannot be written is lost, and nobody could be told.
+static constinit StandardStream errors_lc(STDERR_FILENO);
 
 /// The message without what the command has shown at the terminal that the report goes to: "Failed: Calc 1/0" of
 /// "Failed: Calc 1/0: Divide by zero", nothing of "Divide by zero".
@@ -43,7 +35,7 @@ static WString LeaveOutShown(const WString& message)
 
 void WriteErrorLine(const WString& text, Colour colour)
 {
-    const WString line = AsOneLine(text);
+    const WString line = WithoutControls(text);
     if (SessionLog* const log = SessionLog::GetOrNull())
         log->Record(L'!', line);
     StandardOutput::Get().Flush();

@@ -6,8 +6,6 @@
 namespace Screen {
 /// Whether lines can be drawn over: a terminal, and not one that TERM calls dumb.
 bool CanDrawOver(int descriptor);
-/// The width of its window in cells, now; 80 where that is not known.
-unsigned int GetWidth(int descriptor);
 /// Whether it shows more than the characters of ASCII, as the environment says.
 bool ShowsUnicode();
 

@@ -1,5 +1,6 @@
 #include "Window.h"
 
+#include <clocale>
 #include <cwchar>
 
 #include <sys/ioctl.h>
@@ -13,10 +14,21 @@ Window::Window(int descriptor)
     columns = size.ws_col;
 }
 
+WString WithoutControls(const WString& text)
+{
+    WString line;
+    for (const wchar_t ch : text)
+        line += ch < L' ' || (ch >= 0x7F && ch < 0xA0) ? L' ' : ch;
+    return line;
+}
+
 /// A character that the terminal does not know takes one.
 static std::size_t GetCells(wchar_t ch)
 {
+    static const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    const locale_t former = uselocale(unicode); // of this thread; where there is none it changes nothing
     const int cells = wcwidth(ch);
+    uselocale(former);
     return cells < 0 ? 1 : static_cast<std::size_t>(cells);
 }
 

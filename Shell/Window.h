@@ -14,7 +14,9 @@ struct Window
     bool operator==(const Window&) const = default;
 };
 
-/// How many cells a terminal gives the text.
+/// The text with blanks for control characters, for the terminal.
+WString WithoutControls(const WString& text);
+/// How many cells a terminal gives the text, in whatever locale the process is.
 std::size_t CountCells(std::wstring_view text);
 /// As much of the beginning of the text as fits into so many cells.
 std::wstring_view FitIntoCells(std::wstring_view text, std::size_t cells);

@@ -9,6 +9,7 @@
 #include "Statistics.h"
 #include "StatusLine.h"
 #include "Text/HostError.h"
+#include "Window.h"
 
 #include <algorithm>
 #include <cmath>
@@ -209,7 +210,7 @@ void Watch::Draw()
     const WString value = std::isnan(last) ? L"gap" : FormatWithin(last, spread);
     WString range = WString::Format(L"  min %s  max %s  mean %s", FormatWithin(statistics.GetLeast(), spread),
         FormatWithin(statistics.GetGreatest(), spread), FormatWithin(statistics.GetMean(), spread));
-    const std::size_t width = Screen::GetWidth(STDOUT_FILENO);
+    const std::size_t width = Window(STDOUT_FILENO).columns;
     const auto countTaken = [&] { return value.Length() + range.Length() + 3; }; // with blanks, and the last cell
     if (width < countTaken() + leastTrend)
         range.Clear();
@@ -230,7 +231,7 @@ void Watch::Summarize()
     if (isHistogram) {
         std::vector<double> numbers(readings.begin(), readings.end());
         std::erase_if(numbers, [](double number) { return std::isnan(number); });
-        const unsigned int width = line ? Screen::GetWidth(STDOUT_FILENO) - 1 : 79;
+        const unsigned int width = line ? Window(STDOUT_FILENO).columns - 1 : 79;
         for (const WString& bar : Chart::DrawHistogram(numbers, width, line && Screen::ShowsUnicode()))
             GetPipe().DoWriteLine(bar);
     }
