@@ -12,7 +12,6 @@
 #include <gmock/gmock.h>
 
 #include <cstdio>
-#include <regex>
 #include <set>
 #include <sstream>
 
@@ -92,7 +91,10 @@ public:
         for (int byte = 0; output && (byte = std::fgetc(output)) != EOF;)
             text += static_cast<char>(byte);
         status = WEXITSTATUS(pclose(output));
-        return std::regex_replace(text, std::regex(folder.GetPath()), "/home/you");
+        const std::string& path = folder.GetPath();
+        for (std::size_t at = 0; (at = text.find(path, at)) != text.npos;)
+            text.replace(at, path.size(), "/home/you");
+        return text;
     }
 
     const TemporaryFolder folder;
@@ -160,9 +162,12 @@ void CompareCommands(CommandLine& commandLine, const Block& block, const std::st
 
 void AddOptions(const std::string& text, std::set<std::string>& options)
 {
-    static const std::regex option("--?[a-z]+");
-    for (std::sregex_iterator found(text.begin(), text.end(), option), end; found != end; ++found)
-        options.insert(found->str());
+    constexpr const char* characters = "-abcdefghijklmnopqrstuvwxyz";
+    for (std::size_t at = 0; (at = text.find('-', at)) != text.npos;) {
+        const std::size_t end = std::min(text.find_first_not_of(characters, at), text.size());
+        options.insert(text.substr(at, end - at));
+        at = end;
+    }
 }
 
 std::vector<std::string> RunExpressions(
