@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <limits>
-#include <ranges>
 #include <utility>
 
 #include <unistd.h>
@@ -155,11 +154,12 @@ WString StatusLine::DescribeScript()
 /// The innermost loop, or the command where there is none.
 WString StatusLine::DescribeCommand() const
 {
-    for (const auto& [run, condition, count] : std::views::reverse(conditionals)) {
-        if (run->outcome.command != L"While")
+    for (auto inner = conditionals.rbegin(); inner != conditionals.rend(); ++inner) {
+        if (inner->run->outcome.command != L"While")
             continue;
-        const int maxCount = ReadMaxCount(*run);
-        return WString::Format(L"While %u", count) + (maxCount == 0 ? WString() : WString::Format(L" of %d", maxCount));
+        const int maxCount = ReadMaxCount(*inner->run);
+        return WString::Format(L"While %u", inner->count) +
+            (maxCount == 0 ? WString() : WString::Format(L" of %d", maxCount));
     }
     const CommandRun* const run = CommandRunner::GetRunning();
     return run ? run->outcome.command : WString();
@@ -169,14 +169,14 @@ WString StatusLine::DescribeCommand() const
 /// shell counts would be written each time.
 WString StatusLine::DescribeReference() const
 {
-    for (const auto& [run, condition, count] : std::views::reverse(conditionals)) {
-        const std::wstring_view text = condition.View();
+    for (auto inner = conditionals.rbegin(); inner != conditionals.rend(); ++inner) {
+        const std::wstring_view text = inner->condition.View();
         const ReferenceText::Reference found = ReferenceText::Find(text, L"SCE");
         if (found.fault != ReferenceText::Fault::None)
             continue;
         const WString reference(text.substr(found.start, found.end - found.start));
-        if (Reference::Exists(reference, run->environment))
-            return WString(found.name) + L"=" + Reference::ReplaceAll(reference, run->environment);
+        if (Reference::Exists(reference, inner->run->environment))
+            return WString(found.name) + L"=" + Reference::ReplaceAll(reference, inner->run->environment);
     }
     return WString();
 }

@@ -238,6 +238,9 @@ void Watch::Summarize()
     GetPipe().DoWriteLine(
         statistics.Describe() + (gapCount == 0 ? WString() : WString::Format(L"  gaps %u", gapCount)));
 }
+
+constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Expression}};
 } // namespace
 
-constexpr CommandRecord watch_gb = {L"Watch", 2015, Create<Watch>, usage_lc, options_lc, CommandFlags::restAsItStands};
+constexpr CommandRecord watch_gb = {
+    L"Watch", 2015, Create<Watch>, usage_lc, options_lc, CommandFlags::restAsItStands, arguments_lc};

@@ -68,6 +68,7 @@ TEST_F(CompletionTest, ProposesWhatMayStandAtTheCursor)
         {"AssertFail 1043:505:133 Calc -q Ro|", "[Round(]"},
         {"Calc Ro|", "[Round(]"},
         {"Calc Round(1, 2)*ro|", "[Round(]"},
+        {"Watch -w1 Ro|", "[Round(]"},
         {"Calc 1 xor tru|", "[true]"},
         {"Calc 1 |", "[AND ][OR ][XOR ]"},
         {"Calc 1|", ""},
