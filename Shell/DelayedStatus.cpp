@@ -5,7 +5,6 @@
 #include "Text/Abort.h"
 
 #include <algorithm>
-#include <optional>
 
 static std::optional<unsigned int> lastDue_lc; // ticks of the clock
 
@@ -18,6 +17,25 @@ bool DelayedStatus::TrySet(const WString& name, const WString& value, unsigned i
     const bool isPast = static_cast<int>(wait) < 0; // the clock wraps
     lastDue_lc = now + std::max(isPast ? 0 : wait, delay + travel);
     return true;
+}
+
+std::optional<unsigned int> DelayedStatus::GetTimeLeft()
+{
+    if (!lastDue_lc)
+        return std::nullopt;
+    return static_cast<unsigned int>(std::max(static_cast<int>(*lastDue_lc - GetTickCount()), 0));
+}
+
+void DelayedStatus::KeepDue() noexcept
+try {
+    constexpr unsigned int retryInterval = 1000;
+    if (GetTimeLeft() != 0u)
+        return;
+    lastDue_lc = GetTickCount() + retryInterval;
+    System::status.Refresh();
+    System::status.Save();
+    lastDue_lc.reset();
+} catch (...) { // the end of the shell tells why
 }
 
 void DelayedStatus::FinishAtOnce()
@@ -33,9 +51,8 @@ void DelayedStatus::Finish()
 {
     if (!lastDue_lc)
         return;
-    const int wait = static_cast<int>(*lastDue_lc - GetTickCount());
     System::usage.WriteCounts();
-    Clock::Get().Sleep(static_cast<unsigned int>(std::max(wait, 0)));
+    Clock::Get().Sleep(*GetTimeLeft());
     Abort::ThrowIfRequested();
     System::status.Refresh();
     System::status.Save();

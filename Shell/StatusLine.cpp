@@ -95,7 +95,7 @@ void StatusLine::OnBegin(const CommandRun& run) noexcept
 void StatusLine::OnCondition(const CommandRun& run, const WString& condition, bool, const WString&) noexcept
 try {
     if (conditionals.empty() || conditionals.back().run != &run)
-        conditionals.push_back({&run, condition});
+        conditionals.push_back({&run, condition, GetTickCount()});
     ++conditionals.back().count;
     DrawIfDue();
 } catch (const std::bad_alloc&) { // the commands run all the same
@@ -132,8 +132,7 @@ try {
 WString StatusLine::Describe(std::optional<unsigned int> left)
 {
     WString text;
-    for (const WString& part : {DescribeScript(), DescribeCommand(), DescribeReference(),
-             left ? FormatDuration(*left) + L" left" : WString()}) {
+    for (const WString& part : {DescribeScript(), DescribeCommand(), DescribeReference(), DescribeTimeLeft(left)}) {
         if (!part.IsEmpty())
             text.AppendWithSeparator(part, L"  ");
     }
@@ -151,18 +150,36 @@ WString StatusLine::DescribeScript()
         (count == 0 ? WString() : WString::Format(L"/%u", count));
 }
 
+const StatusLine::Conditional* StatusLine::FindLoop() const
+{
+    for (auto inner = conditionals.rbegin(); inner != conditionals.rend(); ++inner)
+        if (inner->run->outcome.command == L"While")
+            return &*inner;
+    return nullptr;
+}
+
 /// The innermost loop, or the command where there is none.
 WString StatusLine::DescribeCommand() const
 {
-    for (auto inner = conditionals.rbegin(); inner != conditionals.rend(); ++inner) {
-        if (inner->run->outcome.command != L"While")
-            continue;
-        const int maxCount = ReadMaxCount(*inner->run);
-        return WString::Format(L"While %u", inner->count) +
+    if (const Conditional* const loop = FindLoop()) {
+        const int maxCount = ReadMaxCount(*loop->run);
+        return WString::Format(L"While %u", loop->count) +
             (maxCount == 0 ? WString() : WString::Format(L" of %d", maxCount));
     }
     const CommandRun* const run = CommandRunner::GetRunning();
     return run ? run->outcome.command : WString();
+}
+
+/// A loop is expected to go on as fast as before.
+WString StatusLine::DescribeTimeLeft(std::optional<unsigned int> wait) const
+{
+    const Conditional* const loop = FindLoop();
+    const unsigned int maxCount = loop ? static_cast<unsigned int>(ReadMaxCount(*loop->run)) : 0;
+    if (loop && loop->count > 1 && loop->count <= maxCount) {
+        const double each = static_cast<double>(GetTickCount() - loop->begin) / (loop->count - 1);
+        wait = static_cast<unsigned int>(std::min(each * (maxCount - loop->count + 1), 1e9));
+    }
+    return wait ? FormatDuration(*wait) + L" left" : WString();
 }
 
 /// The first reference of the innermost condition that has one, with its value now. Counters are left out: what the

@@ -9,7 +9,8 @@
 #include <vector>
 
 /// Shows work that takes long on one line of the terminal, which goes away: the script with its line, how often the
-/// innermost loop has run, a reference that its condition reads, and what is left of a wait, as in
+/// innermost loop has run, a reference that its condition reads, and what is left: of a loop that knows its greatest
+/// number of rounds, else of a wait, as in
 ///
 ///     warm.txt 7/9  While 12 of 30  TempOptics=36.42  0:14 left
 ///
@@ -60,7 +61,8 @@ private:
     struct Conditional
     {
         const CommandRun* run;
-        WString condition; // its first one
+        WString condition;  // its first one
+        unsigned int begin; // ticks
         unsigned int count = 0;
     };
 
@@ -76,7 +78,9 @@ private:
     void DrawIfDue(std::optional<unsigned int> left = {}) noexcept;
     WString Describe(std::optional<unsigned int> left);
     WString DescribeScript();
+    const Conditional* FindLoop() const;
     WString DescribeCommand() const;
+    WString DescribeTimeLeft(std::optional<unsigned int> wait) const;
     WString DescribeReference() const;
     unsigned int CountLines(const WString& script);
 };

@@ -157,6 +157,14 @@ TEST(TerminalTest, ShellsShareTheHistoryHoweverTheyEnd)
     EXPECT_EQ(session.Run(std::string("Calc") + up), "2\n");
 }
 
+TEST(TerminalTest, DelayedValuesAreSavedWhileItWaits)
+{
+    const TemporaryFolder folder;
+    AtPrompt session(folder.GetPath());
+    session.Run("Status -d0.1 LampHours=7.25");
+    EXPECT_TRUE(WaitUntil([&] { return folder.Read("Status.ini").find("LampHours=double:7.25") != std::string::npos; }));
+}
+
 TEST(TerminalTest, SignalsEndTheShellInOrder)
 {
     for (const int signal : {SIGTERM, SIGHUP}) {

@@ -149,7 +149,7 @@ TEST(StatusLineTest, ShowsLongWorkAndGoesAway)
     AtTerminal narrow({{"--fresh", run}, {}, 20});
     const std::string shown = Show(run);
     EXPECT_THAT(shown, HasSubstr("\r\x1b[K3\r\n"));
-    EXPECT_THAT(shown, HasSubstr("\rwarm.txt 2/4  While 3 of 3  TempOptics=36.8\x1b[K"));
+    EXPECT_THAT(shown, HasSubstr("\rwarm.txt 2/4  While 3 of 3  TempOptics=36.8  0:0"));
     EXPECT_THAT(shown, HasSubstr("\rwarm.txt 3/4  Wait  0:01 left\x1b[K"));
     EXPECT_THAT(shown, EndsWith("\r\x1b[Kdone\r\n"));
     EXPECT_THAT(narrow.ReadTo(), HasSubstr("\rwarm.txt 3/4  Wait \x1b[K"));
