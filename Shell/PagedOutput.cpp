@@ -36,10 +36,15 @@ bool HasRoom(const WStringArray& lines, const Window& window)
     return rows <= window.rows;
 }
 
-const char* GetPager()
+/// A line for the system's shell, which is to become the pager, not to wait for it: then a signal reaches it.
+std::string GetPager()
 {
     const char* const pager = std::getenv("PAGER");
-    return pager ? pager : "less -FRX";
+    if (!pager)
+        return "command -v less >/dev/null || exit 127; exec less -FRX"; // one that is missing does so in silence
+    const std::string text = pager;
+    const bool isPlain = !text.empty() && text.find_first_of("=;&|<>(){}$`\\\"'\n") == text.npos;
+    return isPlain ? "exec " + text : text;
 }
 
 /// A file in memory that holds the text, and is read from its start.
@@ -56,7 +61,7 @@ int WaitFor(pid_t child)
 {
     int status = 0;
     while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
-        if (Signals::GetPending() != SIGINT)
+        if (const int signal = Signals::GetPending(); signal != 0 && signal != SIGINT)
             kill(child, SIGTERM);
     }
     return status;
