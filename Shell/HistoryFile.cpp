@@ -45,10 +45,11 @@ void HistoryFile::Read(int descriptor, const Taker& take)
 {
     constexpr off_t much = 0x40000;
     const off_t size = GetSize(descriptor);
-    const bool isFirst = position < 0;
-    if (isFirst || position > size)
+    bool isCut = false; // which spoils the first line
+    if (position < 0 || position > size) {
         position = std::max<off_t>(size - much, 0);
-    bool isCut = isFirst && position > 0; // which spoils the first line
+        isCut = position > 0;
+    }
     std::string text(static_cast<std::size_t>(size - position), '\0');
     const ssize_t count = pread(descriptor, text.data(), text.size(), position);
     text.resize(count < 0 ? 0 : static_cast<std::size_t>(count));

@@ -13,6 +13,7 @@
 #include <string_view>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 /// libedit shows and measures characters as the terminal has them: in UTF-8, unless the environment names another
@@ -117,25 +118,40 @@ wchar_t* LineEditor::GetPrompt(EditLine* line)
 /// Reads a character of the terminal for libedit. Unlike libedit's own routine it gives up at Ctrl-C.
 int LineEditor::ReadCharacter(EditLine* line, wchar_t* character)
 {
+    LineEditor& editor = Get(line);
     std::mbstate_t state{};
-    std::size_t length = 0;
-    do {
+    for (bool isFirst = true;; isFirst = false) {
         char byte = 0;
-        if (!WaitForInput(STDIN_FILENO))
-            return -1;
+        if (const int result = editor.ReadByte(byte); result != 1)
+            return result;
+        const std::size_t length = std::mbrtowc(character, &byte, 1, &state);
+        if (length == static_cast<std::size_t>(-2)) // the character goes on
+            continue;
+        if (length == static_cast<std::size_t>(-1)) {
+            *character = L'\uFFFD';
+            if (!isFirst)
+                editor.unread = byte; // which begins another one
+        }
+        editor.TakeWindow();
+        return 1;
+    }
+}
+
+/// 1, or as for libedit 0 at the end of the input and -1 at an abort.
+int LineEditor::ReadByte(char& byte)
+{
+    if (unread) {
+        byte = *std::exchange(unread, std::nullopt);
+        return 1;
+    }
+    while (WaitForInput(STDIN_FILENO)) {
         if (read(STDIN_FILENO, &byte, 1) != 1)
             return 0;
-        const cc_t interruptKey = Get(line).interruptKey;
-        if (interruptKey != _POSIX_VDISABLE && byte == static_cast<char>(interruptKey)) {
-            raise(SIGINT);
-            return -1;
-        }
-        length = std::mbrtowc(character, &byte, 1, &state);
-    } while (length == static_cast<std::size_t>(-2)); // the character goes on
-    if (length == static_cast<std::size_t>(-1))
-        *character = L'\uFFFD';
-    Get(line).TakeWindow();
-    return 1;
+        if (interruptKey == _POSIX_VDISABLE || byte != static_cast<char>(interruptKey))
+            return 1;
+        raise(SIGINT); // an abort, unless the shell was started to ignore it
+    }
+    return -1;
 }
 
 /// A window that has changed its size since the last key is drawn anew.
@@ -192,28 +208,39 @@ unsigned char LineEditor::BringOlder()
     return TryBring(H_NEXT) ? CC_REFRESH : CC_ERROR;
 }
 
-/// Behind the newest line comes what was typed.
+/// Behind the newest line comes the one that was left, with the cursor at its place.
 unsigned char LineEditor::BringNewer()
 {
-    if (brought.IsEmpty())
+    if (!IsBrought())
         return CC_ERROR;
-    BeginSearch();
     if (!TryBring(H_PREV)) {
-        Replace(typed);
+        Replace(left);
+        el_cursor(line.get(), static_cast<int>(typed.Length()) - static_cast<int>(left.Length()));
         brought.Clear();
     }
     return CC_REFRESH;
 }
 
-/// Begins a search for the text in front of the cursor, unless the line is one that the last search has brought.
+static std::wstring_view GetText(const LineInfoW& info)
+{
+    return {info.buffer, static_cast<std::size_t>(info.lastchar - info.buffer)};
+}
+
+/// Whether the line is still the one that the last search has brought.
+bool LineEditor::IsBrought() const
+{
+    return !brought.IsEmpty() && brought.View() == GetText(*el_wline(line.get()));
+}
+
+/// Begins a search for the text in front of the cursor, unless one is under way.
 void LineEditor::BeginSearch()
 {
-    const LineInfoW* const info = el_wline(line.get());
-    const std::wstring_view text(info->buffer, static_cast<std::size_t>(info->lastchar - info->buffer));
-    if (!brought.IsEmpty() && brought.View() == text)
+    if (IsBrought())
         return;
+    const LineInfoW* const info = el_wline(line.get());
     brought.Clear();
-    typed = WString(text.substr(0, static_cast<std::size_t>(info->cursor - info->buffer)));
+    left = WString(GetText(*info));
+    typed = left.Left(static_cast<unsigned int>(info->cursor - info->buffer));
 }
 
 /// Goes on from the line that was brought, or begins at the newest.

@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <optional>
 
 #include <histedit.h>
 #include <termios.h>
@@ -34,8 +35,10 @@ private:
     Window window;
     cc_t interruptKey = _POSIX_VDISABLE; // where it is a key of the editor
     WString begun;
-    WString typed;   // what is looked for among the former lines
-    WString brought; // the former line that was found
+    std::optional<char> unread; // read already, for the next character
+    WString left;               // the line that the search among the former ones began at
+    WString typed;              // the part of it that they are to begin with
+    WString brought;            // the former line that was found
 
     static LineEditor& Get(EditLine* line);
     static wchar_t* GetPrompt(EditLine* line);
@@ -43,9 +46,12 @@ private:
     template <auto action>
     static unsigned char Do(EditLine* line, wint_t) noexcept;
 
+    int ReadByte(char& byte);
+
     unsigned char Complete();
     unsigned char BringOlder();
     unsigned char BringNewer();
+    bool IsBrought() const;
     void BeginSearch();
     bool TryBring(int direction);
     void Replace(const WString& text);

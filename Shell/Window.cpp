@@ -8,10 +8,12 @@
 Window::Window(int descriptor)
 {
     winsize size = {};
-    if (ioctl(descriptor, TIOCGWINSZ, &size) != 0 || size.ws_row == 0 || size.ws_col == 0)
+    if (ioctl(descriptor, TIOCGWINSZ, &size) != 0)
         return;
-    rows = size.ws_row;
-    columns = size.ws_col;
+    if (size.ws_row != 0)
+        rows = size.ws_row;
+    if (size.ws_col != 0)
+        columns = size.ws_col;
 }
 
 WString WithoutControls(const WString& text)
