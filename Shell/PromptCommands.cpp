@@ -10,17 +10,6 @@
 namespace {
 using View = std::wstring_view;
 
-bool IsDigit(wchar_t ch)
-{
-    return ch >= L'0' && ch <= L'9';
-}
-
-bool IsNameCharacter(wchar_t ch)
-{
-    const wchar_t lower = ToLower(ch);
-    return (lower >= L'a' && lower <= L'z') || IsDigit(ch) || ch == L'_' || ch == L'.';
-}
-
 View SkipName(View text)
 {
     return {std::ranges::find_if_not(text, IsNameCharacter), text.end()};
@@ -34,7 +23,7 @@ View SkipBlanks(View text)
 /// assignment: name "=" ..., where the name begins with a letter: "1=1" is a comparison
 bool IsAssignment(View text)
 {
-    const View rest = IsDigit(text.front()) ? text : SkipName(text);
+    const View rest = IsDecimalDigit(text.front()) ? text : SkipName(text);
     return rest.size() < text.size() && SkipBlanks(rest).starts_with(L'=');
 }
 

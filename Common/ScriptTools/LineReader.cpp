@@ -11,15 +11,9 @@ namespace {
 using View = std::wstring_view;
 using Kind = Place::Kind;
 
-bool IsNameCharacter(wchar_t ch)
-{
-    const wchar_t lower = ToLower(ch);
-    return (lower >= L'a' && lower <= L'z') || (ch >= L'0' && ch <= L'9') || ch == L'_' || ch == L'.';
-}
-
 bool IsNumber(View word)
 {
-    return !word.empty() && ((word[0] >= L'0' && word[0] <= L'9') || word[0] == L'.');
+    return !word.empty() && (IsDecimalDigit(word[0]) || word[0] == L'.');
 }
 
 bool IsOperatorWord(View word)

@@ -32,6 +32,17 @@ inline bool IsWhiteSpace(wchar_t ch) noexcept
     return IsOtherWhiteSpace(ch);
 }
 
+constexpr bool IsDecimalDigit(wchar_t ch) noexcept
+{
+    return ch >= L'0' && ch <= L'9';
+}
+
+/// True for what the names of variables and functions consist of.
+constexpr bool IsNameCharacter(wchar_t ch) noexcept
+{
+    return (ch >= L'a' && ch <= L'z') || (ch >= L'A' && ch <= L'Z') || IsDecimalDigit(ch) || ch == L'_' || ch == L'.';
+}
+
 /// Below, equal to or above 0 as `left` sorts before, with or after `right`, both in lower case.
 HOST_API int CompareIgnoreCase(std::wstring_view left, std::wstring_view right) noexcept;
 

@@ -17,11 +17,6 @@ static const wchar_t* ReadAnyDouble(const wchar_t* text, double& value) noexcept
     return end;
 }
 
-static bool IsDigit(wchar_t ch) noexcept
-{
-    return ch >= L'0' && ch <= L'9';
-}
-
 static bool IsExponentMark(wchar_t ch) noexcept
 {
     return ch == L'e' || ch == L'E';
@@ -31,7 +26,7 @@ static bool IsExponentMark(wchar_t ch) noexcept
 static bool StartsDecimal(const wchar_t* at) noexcept
 {
     const bool isHexadecimal = *at == L'0' && (at[1] == L'x' || at[1] == L'X');
-    return (IsDigit(*at) || *at == L'.') && !isHexadecimal;
+    return (IsDecimalDigit(*at) || *at == L'.') && !isHexadecimal;
 }
 
 /// Whether a decimal number may go on at `at`. A sign belongs to it directly behind the "e" only: "1+2" is read to the
@@ -40,7 +35,7 @@ static bool ContinuesDecimal(const wchar_t* at) noexcept
 {
     if (*at == L'+' || *at == L'-')
         return IsExponentMark(at[-1]);
-    return IsDigit(*at) || *at == L'.' || IsExponentMark(*at);
+    return IsDecimalDigit(*at) || *at == L'.' || IsExponentMark(*at);
 }
 
 const wchar_t* ReadExponent(const wchar_t* at, int& power) noexcept
@@ -50,11 +45,11 @@ const wchar_t* ReadExponent(const wchar_t* at, int& power) noexcept
         ++at;
     const wchar_t* const first = at;
     int exponent = 0;
-    for (; IsDigit(*at) && at - first < 3; ++at)
+    for (; IsDecimalDigit(*at) && at - first < 3; ++at)
         exponent = exponent * 10 + (*at - L'0');
     power += isNegative ? -exponent : exponent;
     const bool isExact = power >= -maxExactPower && power <= maxExactPower;
-    return at == first || IsDigit(*at) || !isExact ? nullptr : at;
+    return at == first || IsDecimalDigit(*at) || !isExact ? nullptr : at;
 }
 
 const wchar_t* ReadOtherDouble(const wchar_t* text, double& value) noexcept
@@ -95,7 +90,7 @@ bool TryReadDecimal(const wchar_t* text, const wchar_t* end, double& value, doub
 
 static unsigned int DigitValue(wchar_t ch) noexcept
 {
-    if (IsDigit(ch))
+    if (IsDecimalDigit(ch))
         return static_cast<unsigned int>(ch - L'0');
     const wchar_t letter = static_cast<wchar_t>(ch | 0x20);
     return letter >= L'a' && letter <= L'f' ? static_cast<unsigned int>(letter - L'a') + 10 : 16;
