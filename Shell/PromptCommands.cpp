@@ -2,7 +2,7 @@
 
 #include "Commands/CommandLine.h"
 #include "Commands/CommandRunner.h"
-#include "Commands/RunObserver.h"
+#include "Commands/ScriptAssistant.h"
 #include "Text/CharacterCase.h"
 
 #include <algorithm>
@@ -68,13 +68,32 @@ WString PromptCommands::MakeCommand() const
     const View text = SkipBlanks(typed.View());
     if (IsAssignment(text))
         return L"Set " + typed;
-    return BeginsLikeExpression(text) || CanBeEvaluated() ? MakeCalc(typed) : typed;
+    return BeginsLikeExpression(text) || BeginsWithValue(name, rest) ? MakeCalc(typed) : typed;
 }
 
-/// Tries it out, unseen.
-bool PromptCommands::CanBeEvaluated() const
+/// name [ operator ... ], where the name has a value: that of a variable, or one of its own, such as pi
+bool PromptCommands::BeginsWithValue(const WString& name, const WString& rest) const
 {
-    const RunObserver::Pause pause;
-    ArrayPipe unseen;
-    return !CommandRunner::Run(L"Calc -q " + typed, unseen, environment, CommandFlags::noFailureLog).code.IsError();
+    constexpr View operators = L"+-*/^&<>=";
+    if (!environment.ContainsKey(name) && !IsPartOfExpression(name))
+        return false;
+    if (rest.IsEmpty() || operators.find(rest[0]) != View::npos)
+        return true;
+    WString word;
+    WString behind;
+    CommandLine::SplitName(rest, word, behind);
+    return IsPartOfExpression(name + L" " + word);
+}
+
+/// Whether an expression that begins like that may have its last word there, as the completion knows.
+bool PromptCommands::IsPartOfExpression(const WString& text) const
+{
+    const ScriptAssistant* const assistant = ScriptAssistant::GetOrNull();
+    if (!assistant)
+        return false;
+    const WString line = L"Calc " + text;
+    const Completion completion = assistant->Complete(line.View(), line.Length(), environment);
+    const View word = line.View().substr(completion.start);
+    return std::ranges::any_of(completion.candidates,
+        [&](const Completion::Candidate& candidate) { return EqualsIgnoreCase(candidate.text.Trim().View(), word); });
 }

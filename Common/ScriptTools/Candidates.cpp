@@ -1,5 +1,6 @@
 #include "Candidates.h"
 
+#include "Commands/EmbeddedResource.h"
 #include "Commands/Reference.h"
 #include "ExpressionEvaluator.h"
 #include "FunctionForms.h"
@@ -236,6 +237,19 @@ void Candidates::AddTopics()
         if (!isCommand && BeginsWith(name.View(), piece))
             Offer(name, name, GetFunctionForm(name).meaning);
     }
+    for (EmbeddedResource texts("/proc/self/exe", L"TOPICS.TXT"); !texts.EndOfFile();)
+        OfferTopic(texts.ReadLine());
+}
+
+/// Offers the topic whose heading the line is: "name - meaning", at the left margin.
+void Candidates::OfferTopic(const WString& line)
+{
+    constexpr View separator = L" - ";
+    const std::size_t end = line.View().find(separator);
+    if (end == View::npos || IsWhiteSpace(line[0]))
+        return;
+    const WString name(line.View().substr(0, end));
+    Offer(name, name, WString(line.View().substr(end + separator.size())));
 }
 
 void Candidates::AddArguments()

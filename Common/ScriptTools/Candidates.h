@@ -35,5 +35,6 @@ private:
     void AddSettings();
     void AddFiles();
     void AddTopics();
+    void OfferTopic(const WString& line);
     void AddArguments();
 };

@@ -45,7 +45,7 @@ constexpr UsageLine usage_lc[] = {
 constexpr NumberOption wait_lc(L"w", badOptionValue, 0, 86400, L"Take a reading every so many seconds");
 constexpr WholeNumberOption count_lc(
     L"c", badOptionValue, 1, std::numeric_limits<int>::max(), L"End after so many readings");
-constexpr TextOption file_lc(L"o", badOptionValue, 1, 4096, L"Keep the readings in this file");
+constexpr FileOption file_lc(L"o", badOptionValue, 1, 4096, L"Keep the readings in this file");
 constexpr FlagOption histogram_lc(L"hist", badOptionValue, L"Show how often the readings lie in which range");
 constexpr OptionRecord options_lc[] = {wait_lc, count_lc, file_lc, histogram_lc};
 

@@ -85,6 +85,7 @@ TEST_F(CompletionTest, ProposesWhatMayStandAtTheCursor)
         {"Echo Ro|", ""},
         {"Echo -|", "[-f]"},
         {"Echo -f" SOURCE_DIR "/READ|", "[" SOURCE_DIR "/README.md ]"},
+        {"Watch -o" SOURCE_DIR "/READ|", "[" SOURCE_DIR "/README.md ]"},
         {"Run " SOURCE_DIR "/Exam|", "[" SOURCE_DIR "/Examples/]"},
         {"Run \"" SOURCE_DIR "/READ|", "[" SOURCE_DIR "/README.md\" ]"},
         {"Set tar|", "[target]"},

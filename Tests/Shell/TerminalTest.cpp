@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
+
 namespace {
 constexpr const char* continuation = "  ...> ";
 } // namespace
@@ -11,6 +13,7 @@ TEST(TerminalTest, FailuresAndInterruptsEndTheCommandAlone)
     const TemporaryFolder folder;
     AtPrompt session(folder.GetPath());
     EXPECT_NE(session.Type("Echo h\u00E9\u20ACllo\r").find("\nh\u00E9\u20ACllo\r\n"), std::string::npos);
+    EXPECT_EQ(session.Run("Echo \"a\xC3\" b"), "a\uFFFD b\n"); // which is no UTF-8
     EXPECT_NE(session.Type("Nope\r").find("\nNope: 0:1:2 Unknown command: Nope\r\n"), std::string::npos);
     EXPECT_NE(session.Type("While 1=1 DO Echo %C{[Detection]Filter}; Wait 86400\r", "Green 530\r\n"), "");
     EXPECT_NE(session.Type("\x03").find(":1:4 Aborted\r\n"), std::string::npos);
@@ -38,6 +41,19 @@ TEST(TerminalTest, OutputThatLeadsElsewhereIsARecord)
     EXPECT_NE(session.Type("\x04", "\n"), "");
     EXPECT_EQ(session.Wait(), 0);
     EXPECT_EQ(folder.Read("output"), "Echo h\u00E9\u20ACllo\nh\u00E9\u20ACllo\nNope\nCalc 1+\\\n2\n3\n");
+}
+
+TEST(TerminalTest, AnInterruptThatIsIgnoredLeavesTheLine)
+{
+    const TemporaryFolder folder;
+    const std::string output = folder.Path("output");
+    const auto former = std::signal(SIGINT, SIG_IGN); // as the shell inherits it
+    AtPrompt session(folder.GetPath(), {.output = output.c_str()});
+    std::signal(SIGINT, former);
+    EXPECT_NE(session.Type("Echo no\x03 more\r"), "");
+    EXPECT_NE(session.Type("\x04", "\n"), "");
+    EXPECT_EQ(session.Wait(), 0);
+    EXPECT_EQ(folder.Read("output"), "Echo no more\nno more\n");
 }
 
 TEST(TerminalTest, TeachesOncePerLine)
@@ -96,11 +112,19 @@ TEST(TerminalTest, TakesExpressionsForCommands)
         {"Log -x", "Log: 2007:0:2 Unknown option: -x\n"},
         {"?Max", "Max(n1, n2, ...) - The largest number.\n    Calc Max(102, 55, \"0xFF\", 33)\n    # 255\n"},
         {"# x", ""},
+        {"pi", "3.14159265358979\n"},
+        {"True and x=8", "TRUE\n"},
+        {"x x", "x: 0:1:2 Unknown command: x\n"},
+        {"Round", "Round: 0:1:2 Unknown command: Round\n"},
+        {"Log -e EELog", ""},
+        {"x * x", "64\n"},
     };
     const TemporaryFolder folder;
     AtPrompt session(folder.GetPath());
     for (const auto& [line, shown] : cases)
         EXPECT_EQ(session.Run(line), shown) << line;
+    const std::string log = folder.Read("EELog.txt");
+    EXPECT_EQ(log.find("Expression: x * x"), log.rfind("Expression: ")); // evaluated once
     EXPECT_NE(session.Type("quit 3\r", "\n"), "");
     EXPECT_EQ(WEXITSTATUS(session.Wait()), 3);
 }
@@ -115,26 +139,40 @@ TEST(TerminalTest, CompletesAtTab)
     EXPECT_NE(session.Type("Calc Ro\t", "> Calc Round(").find("\r\nRound(number, decimals)  The number as"),
         std::string::npos);
     EXPECT_NE(session.Type("2.5,2) El\t", "LSE "), "");
+    EXPECT_NE(session.Type("\x03"), "");
+    EXPECT_NE(session.Type("Help oper\t", "ators"), "");
 }
 
 TEST(TerminalTest, FitsIntoTheWindow)
 {
     const TemporaryFolder folder;
     AtPrompt session(folder.GetPath(), {.environment = {{"NO_COLOR", ""}}});
-    session.SetWindow(9, 30);
+    session.SetWindow(0, 30); // of a height that is not known
     EXPECT_EQ(session.Run("Calc -q 1111111111111111111111111111+1/0+22222222222"),
         "\x1b[31mCalc: 1043:505:133 Divide by zero\x1b[0m\n"
         "  \u2026111111111111111+1/0+22222\u2026\n"
         "\x1b[31m                     ^\x1b[0m\n");
+    session.SetWindow(9, 30);
     const std::string help = session.Run("Help");
     EXPECT_EQ(help.find("paged: Commands:\n"), 0u) << help;
     EXPECT_EQ(session.Run("?Max").find("Max(n1"), 0u);                    // which has room
     EXPECT_EQ(session.Run("While i<9 Do Echo %E{i}").find("1\n2\n"), 0u); // which may take its time
 }
 
+TEST(TerminalTest, AFormerInterruptLeavesThePager)
+{
+    const TemporaryFolder folder;
+    AtPrompt session(folder.GetPath(), {.environment = {{"PAGER", "cat; sleep 1.3; echo over"}}});
+    session.SetWindow(9, 80);
+    session.Type("\x03");
+    EXPECT_TRUE(session.Run("Help").ends_with("\nover\n"));
+}
+
 TEST(TerminalTest, ShellsShareTheHistoryHoweverTheyEnd)
 {
-    constexpr const char* up = "\x1b[A";
+    const std::string up = "\x1b[A";
+    const std::string down = "\x1b[B";
+    const std::string left = "\x1b[D";
     const TemporaryFolder folder;
     AtPrompt other(folder.GetPath());
     other.Run("Echo h\u00E9llo 100%s");
@@ -150,11 +188,25 @@ TEST(TerminalTest, ShellsShareTheHistoryHoweverTheyEnd)
         "Echo h\u00E9llo 100%s\n"
         "Echo by 9\nWhile 1=1 Do Echo x; Wait 86400\nEcho by 1\nWhile 1=1 Do Echo x; Wait 86400\n"
         "Echo by 15\nWhile 1=1 Do Echo x; Wait 86400\nCalc 1+1\n");
-    EXPECT_EQ(other.Run(std::string("Echo by") + up + up), "by 1\n");
-    EXPECT_EQ(other.Run(std::string("Echo h") + up), "h\u00E9llo 100%s\n");
+    EXPECT_EQ(other.Run("Echo by" + up + up), "by 1\n");
+    EXPECT_EQ(other.Run("Echo h" + up), "h\u00E9llo 100%s\n");
     EXPECT_TRUE(other.Run("\x12llo 100\r").ends_with("\nh\u00E9llo 100%s\n"));
     AtPrompt session(folder.GetPath());
-    EXPECT_EQ(session.Run(std::string("Calc") + up), "2\n");
+    EXPECT_EQ(session.Run("Calc" + up), "2\n");
+    EXPECT_EQ(session.Run("Calc 7+3" + left + left + left + up + down + "1"), "20\n"); // back to what was left
+    EXPECT_EQ(session.Run("Calc 17" + up + left + "4" + down), "60\n");                // which is a line of its own
+}
+
+TEST(TerminalTest, HistoryThatIsCutShortHasWholeLines)
+{
+    const TemporaryFolder folder;
+    const std::string longLine = "x=\"" + std::string(0x50000, 'y');
+    folder.Write("History.txt", longLine + longLine + "\nEcho a\n");
+    AtPrompt session(folder.GetPath());
+    folder.Write("History.txt", longLine + "\nEcho b\n");
+    session.Run("Echo c");
+    EXPECT_EQ(session.Run("Echo" + std::string("\x1b[A\x1b[A")), "b\n");
+    EXPECT_EQ(session.Run("y\x1b[A"), "y: 0:1:2 Unknown command: y\n");
 }
 
 TEST(TerminalTest, DelayedValuesAreSavedWhileItWaits)

@@ -11,7 +11,7 @@ enum class ArgumentKind
     Setting, // "[section]key"
     Counter,
     File,
-    Topic // a command or a function
+    Topic // of Help: a command, a function or one that it tells about
 };
 
 /// A part of what a command takes behind its options, for those who only look at command lines (completion, a check of
