@@ -18,7 +18,7 @@ static off_t GetSize(int descriptor)
 
 void HistoryFile::TakeNew(const Taker& take)
 {
-    const FileDescriptor descriptor(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
+    const FileDescriptor descriptor(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
     if (descriptor.IsOpen())
         Read(descriptor.Get(), take);
 }

@@ -1,6 +1,7 @@
 #include "LineEditor.h"
 
 #include "CandidateList.h"
+#include "Screen.h"
 #include "Text/HostError.h"
 #include "WaitForInput.h"
 
@@ -160,6 +161,10 @@ void LineEditor::TakeWindow()
     if (const Window present(STDIN_FILENO); present != window) {
         window = present;
         el_resize(line.get());
+        if (!Screen::CanDrawOver(fileno(terminal.get())))
+            return;
+        std::fputs("\r\x1b[J", terminal.get()); // from where the cursor is, as the terminal has wrapped the line
+        el_wset(line.get(), EL_REFRESH);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "PagedOutput.h"
 
 #include "Commands/RunObserver.h"
+#include "Screen.h"
 #include "Services/FileDescriptor.h"
 #include "Signals.h"
 #include "Text/CharacterCase.h"
@@ -95,7 +96,7 @@ bool TryPage(const WStringArray& lines)
 
 void PagedOutput::DoWriteLine(const WString& line)
 {
-    static const bool isAtTerminal = isatty(STDIN_FILENO) == 1 && isatty(STDOUT_FILENO) == 1;
+    static const bool isAtTerminal = isatty(STDIN_FILENO) == 1 && Screen::CanDrawOver(STDOUT_FILENO);
     if (isAtTerminal && IsListing(CommandRunner::GetRunning()))
         held.Add(line);
     else

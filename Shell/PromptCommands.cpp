@@ -6,6 +6,7 @@
 #include "Text/CharacterCase.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 using View = std::wstring_view;
@@ -35,6 +36,12 @@ bool BeginsLikeExpression(View text)
         return true;
     const View rest = SkipName(text);
     return rest.size() < text.size() && !rest.empty() && behindName.find(rest.front()) != View::npos;
+}
+
+bool IsOperator(View word)
+{
+    constexpr View operators[] = {L"+", L"-", L"*", L"/", L"^", L"&", L"<", L">", L"=", L"<=", L">=", L"<>"};
+    return std::ranges::find(operators, word) != std::end(operators);
 }
 
 /// A sign in front is not to be taken for an option.
@@ -68,32 +75,34 @@ WString PromptCommands::MakeCommand() const
     const View text = SkipBlanks(typed.View());
     if (IsAssignment(text))
         return L"Set " + typed;
-    return BeginsLikeExpression(text) || BeginsWithValue(name, rest) ? MakeCalc(typed) : typed;
+    return BeginsLikeExpression(text) || BeginsWithName(name, rest) ? MakeCalc(typed) : typed;
 }
 
-/// name [ operator ... ], where the name has a value: that of a variable, or one of its own, such as pi
-bool PromptCommands::BeginsWithValue(const WString& name, const WString& rest) const
+/// name [ operator ... ], where the name has a value, that of a variable or one of its own, such as pi; or where blanks
+/// around the operator tell it from the beginning of an option
+bool PromptCommands::BeginsWithName(const WString& name, const WString& rest) const
 {
     constexpr View operators = L"+-*/^&<>=";
-    if (!environment.ContainsKey(name) && !IsPartOfExpression(name))
-        return false;
-    if (rest.IsEmpty() || operators.find(rest[0]) != View::npos)
-        return true;
     WString word;
     WString behind;
     CommandLine::SplitName(rest, word, behind);
-    return IsPartOfExpression(name + L" " + word);
+    if (IsOperator(word.View()) && !behind.IsEmpty() && SkipName(name.View()).empty())
+        return true;
+    if (rest.StartsWith(L"(", false))
+        return IsPartOfExpression(name, name + L"(");
+    if (!environment.ContainsKey(name) && !IsPartOfExpression(name, name))
+        return false;
+    return rest.IsEmpty() || operators.find(rest[0]) != View::npos || IsPartOfExpression(name + L" " + word, word);
 }
 
-/// Whether an expression that begins like that may have its last word there, as the completion knows.
-bool PromptCommands::IsPartOfExpression(const WString& text) const
+/// Whether an expression that begins like that may end in the word, as the completion knows.
+bool PromptCommands::IsPartOfExpression(const WString& beginning, const WString& word) const
 {
     const ScriptAssistant* const assistant = ScriptAssistant::GetOrNull();
     if (!assistant)
         return false;
-    const WString line = L"Calc " + text;
-    const Completion completion = assistant->Complete(line.View(), line.Length(), environment);
-    const View word = line.View().substr(completion.start);
-    return std::ranges::any_of(completion.candidates,
-        [&](const Completion::Candidate& candidate) { return EqualsIgnoreCase(candidate.text.Trim().View(), word); });
+    const WString line = L"Calc " + beginning;
+    const auto candidates = assistant->Complete(line.View(), line.Length(), environment).candidates;
+    return std::ranges::any_of(candidates,
+        [&](const Completion::Candidate& candidate) { return candidate.text.Trim().Equals(word.View(), true); });
 }

@@ -12,7 +12,8 @@
 ///     x=5               is Set x=5,
 ///     1+2  Round(x, 1)  is Calc 1+2: a line that begins with what only an expression begins with (a digit, a quote,
 ///     x+1  x + 1        a parenthesis, a sign, a reference, or a name that an operator or parenthesis touches), or
-///     x  pi             with the name of a value, behind which stands an operator or nothing,
+///     x  pi             with the name of a value, behind which stands an operator or nothing; an operator between
+///                       blanks is enough where the name is not known,
 ///
 /// and all else stays for the report that there is no such command.
 class PromptCommands : public LineSource
@@ -31,6 +32,6 @@ private:
     WString typed;
 
     WString MakeCommand() const;
-    bool BeginsWithValue(const WString& name, const WString& rest) const;
-    bool IsPartOfExpression(const WString& text) const;
+    bool BeginsWithName(const WString& name, const WString& rest) const;
+    bool IsPartOfExpression(const WString& beginning, const WString& word) const;
 };

@@ -106,6 +106,12 @@ public:
     static constexpr const char* prompt = "labsh> ";
 
     std::string Type(const std::string& keys, const std::string& mark = prompt) { return AtTerminal::Type(keys, mark); }
+    /// The next key draws the line anew.
+    void Resize(unsigned short rows, unsigned short columns)
+    {
+        SetWindow(rows, columns);
+        Type("\x15");
+    }
     /// What the terminal shows below the line that is typed, up to the next prompt.
     std::string Run(const std::string& line)
     {

@@ -109,6 +109,11 @@ TEST(TerminalTest, TakesExpressionsForCommands)
         {"x/0", "Error:\n  Divide by zero\n  x/0\n    ^\nCalc: 1043:505:133\n"},
         {"Cacl 1", "Cacl: 0:1:2 Unknown command: Cacl (did you mean Calc?)\n"},
         {"y", "y: 0:1:2 Unknown command: y\n"},
+        {"x / 0", "Error:\n  Divide by zero\n  x / 0\n      ^\nCalc: 1043:505:133\n"},
+        {"y <= 1", "Error:\n  Missing variable: y\n  y <= 1\n  ^\nCalc: 1043:505:48\n"},
+        {"sqrt (9)",
+            "Error:\n  Operator Expected\n  sqrt (9)\n       ^\nCalc: 1043:505:18\n"
+            "note: sqrt is a function; what it is given stands in parentheses: sqrt(...)\n"},
         {"Log -x", "Log: 2007:0:2 Unknown option: -x\n"},
         {"?Max", "Max(n1, n2, ...) - The largest number.\n    Calc Max(102, 55, \"0xFF\", 33)\n    # 255\n"},
         {"# x", ""},
@@ -147,12 +152,12 @@ TEST(TerminalTest, FitsIntoTheWindow)
 {
     const TemporaryFolder folder;
     AtPrompt session(folder.GetPath(), {.environment = {{"NO_COLOR", ""}}});
-    session.SetWindow(0, 30); // of a height that is not known
+    session.Resize(0, 30); // of a height that is not known
     EXPECT_EQ(session.Run("Calc -q 1111111111111111111111111111+1/0+22222222222"),
         "\x1b[31mCalc: 1043:505:133 Divide by zero\x1b[0m\n"
         "  \u2026111111111111111+1/0+22222\u2026\n"
         "\x1b[31m                     ^\x1b[0m\n");
-    session.SetWindow(9, 30);
+    session.Resize(9, 30);
     const std::string help = session.Run("Help");
     EXPECT_EQ(help.find("paged: Commands:\n"), 0u) << help;
     EXPECT_EQ(session.Run("?Max").find("Max(n1"), 0u);                    // which has room
@@ -163,7 +168,7 @@ TEST(TerminalTest, AFormerInterruptLeavesThePager)
 {
     const TemporaryFolder folder;
     AtPrompt session(folder.GetPath(), {.environment = {{"PAGER", "cat; sleep 1.3; echo over"}}});
-    session.SetWindow(9, 80);
+    session.Resize(9, 80);
     session.Type("\x03");
     EXPECT_TRUE(session.Run("Help").ends_with("\nover\n"));
 }
