@@ -194,14 +194,14 @@ void Candidates::AddSettings()
     for (const WString& section : sections) {
         WStringArray keys;
         System::config.GetKeys(section, keys);
-        const bool isSection = BeginsWith(section.View(), piece);
         for (const WString& key : keys) {
             const WString name = L"[" + section + L"]" + key;
             WString value;
             System::config.TryGetString(section, key, value);
             const std::size_t count = found.size();
             OfferName(name, value);
-            if (found.size() == count && (isSection || BeginsWith(key.View(), piece)))
+            if (found.size() == count &&
+                (BeginsWith((section + L" " + key).View(), piece) || BeginsWith(key.View(), piece)))
                 found.push_back({name + (place.kind == Kind::Reference ? L"}" : L""), name, L"= " + value});
         }
     }

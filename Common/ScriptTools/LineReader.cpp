@@ -216,8 +216,10 @@ void LineReader::ReadPart(std::size_t start, ArgumentKind kind, wchar_t listSepa
 /// expression: operands and operators, of which the last word or reference is what is being written
 void LineReader::ReadExpression(std::size_t start)
 {
+    constexpr View punctuation = L"+-*/^&<>=(),";
     QuoteTracker quotes;
     bool isOperandEnded = false;
+    bool isSpoilt = false; // by what cannot stand there
     std::size_t position = start;
     while (position < line.size()) {
         const wchar_t ch = line[position];
@@ -238,19 +240,22 @@ void LineReader::ReadExpression(std::size_t start)
                     line.begin()));
             const View word = line.substr(wordStart, position - wordStart);
             if (position == line.size())
-                return Expect(IsNumber(word) ? Kind::Nothing
-                        : isOperandEnded     ? Kind::Operator
-                                             : Kind::Operand,
+                return Expect(isSpoilt || IsNumber(word) ? Kind::Nothing
+                        : isOperandEnded                 ? Kind::Operator
+                                                         : Kind::Operand,
                     wordStart);
             isOperandEnded = !IsOperatorWord(word);
         } else {
             if (!IsWhiteSpace(ch))
                 isOperandEnded = ch == L')';
+            isSpoilt = !IsWhiteSpace(ch) && punctuation.find(ch) == View::npos;
             ++position;
         }
     }
-    const bool isWithinText = quotes.IsInside();
-    Expect(isWithinText ? Kind::Nothing : isOperandEnded ? Kind::Operator : Kind::Operand, line.size());
+    Expect(isSpoilt || quotes.IsInside() ? Kind::Nothing
+            : isOperandEnded             ? Kind::Operator
+                                         : Kind::Operand,
+        line.size());
 }
 
 /// Reads the reference at the place of a "%". True when it is being written; otherwise the place becomes that of its

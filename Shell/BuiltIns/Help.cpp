@@ -48,13 +48,19 @@ private:
     bool TryExplainByOptions(const CommandRecord& record, unsigned int number);
 };
 
+/// An exit code whatever the command, as AssertFail takes it: "*:505:20" is 0:505:20.
+WString WithoutWildcard(const WString& code)
+{
+    return code.StartsWith(L"*:", false) ? L"0" + code.Substring(1) : code;
+}
+
 ExitCode Help::Main(ArgumentList& arguments, Options& options)
 {
     Accept(arguments, options, 0, 1);
     ExitCode code;
     if (arguments.Count() == 0)
         ListCommands();
-    else if (ExitCode::TryParse(arguments.At(0), code))
+    else if (ExitCode::TryParse(WithoutWildcard(arguments.At(0)), code))
         Explain(code);
     else if (arguments.At(0).View().find_first_of(L"*?") != std::wstring_view::npos)
         Search(arguments.At(0));
@@ -104,8 +110,8 @@ void Help::ListCommands()
     GetPipe().DoWriteLine(L"Topics:");
     for (const HelpEntry& topic : ReadHelpTexts(L"TOPICS.TXT"))
         GetPipe().DoWriteLine(L" " + topic.lines[0]);
-    GetPipe().DoWriteLine(
-        L"Help <command> shows its usage, Help <function> describes a function, Help <topic> tells about it.");
+    GetPipe().DoWriteLine(L"Help <command> shows its usage, Help <function> describes a function,");
+    GetPipe().DoWriteLine(L"Help <topic> tells about it.");
 }
 
 /// A name may be one of several: "If" is a command and a function.
