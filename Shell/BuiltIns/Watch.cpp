@@ -1,5 +1,6 @@
 #include "BuiltIns/BuiltIn.h"
 #include "Chart.h"
+#include "Commands/CommandLine.h"
 #include "Commands/RunObserver.h"
 #include "Commands/StandardOutput.h"
 #include "LocalTime.h"
@@ -45,7 +46,7 @@ constexpr UsageLine usage_lc[] = {
 constexpr NumberOption wait_lc(L"w", badOptionValue, 0, 86400, L"Take a reading every so many seconds");
 constexpr WholeNumberOption count_lc(
     L"c", badOptionValue, 1, std::numeric_limits<int>::max(), L"End after so many readings");
-constexpr FileOption file_lc(L"o", badOptionValue, 1, 4096, L"Keep the readings in this file");
+constexpr FileOption file_lc(L"o", badOptionValue, 0, 4096, L"Keep the readings in this file");
 constexpr FlagOption histogram_lc(L"hist", badOptionValue, L"Show how often the readings lie in which range");
 constexpr OptionRecord options_lc[] = {wait_lc, count_lc, file_lc, histogram_lc};
 
@@ -73,7 +74,8 @@ private:
     Statistics statistics;
     unsigned int gapCount = 0;
 
-    void ReadOptions(Options& options);
+    bool ReadOptions(Options& options);
+    void TakeFileName();
     void TakeReadings();
     double Evaluate(WString& fault);
     double FailOrMakeGap(const ExitCode& code, const WString& message, WString& fault);
@@ -86,9 +88,11 @@ private:
 
 ExitCode Watch::Main(ArgumentList& arguments, Options& options)
 {
-    ReadOptions(options);
+    const bool hasFile = ReadOptions(options);
     Accept(arguments, options, 1, 1);
     expression = arguments.At(0);
+    if (hasFile && fileName.IsEmpty())
+        TakeFileName();
     const RunObserver::Pause unobserved; // nobody wants to follow each reading
     const StatusLine::Pause withoutStatusLine;
     if (Screen::CanDrawOver(STDOUT_FILENO))
@@ -104,14 +108,24 @@ ExitCode Watch::Main(ArgumentList& arguments, Options& options)
     return ExitCode(0);
 }
 
-void Watch::ReadOptions(Options& options)
+/// Reads the options; whether there is to be a file.
+bool Watch::ReadOptions(Options& options)
 {
     isHistogram = options.TryGetFlag(histogram_lc);
     if (isHistogram)
         seconds = 0;
     options.TryGetDouble(wait_lc, seconds);
     options.TryGetInt(count_lc, maxCount);
-    options.TryGetString(file_lc, fileName);
+    return options.TryGetString(file_lc, fileName);
+}
+
+/// People write a blank before the name of the file, as other tools have it.
+void Watch::TakeFileName()
+{
+    const WString text = expression;
+    CommandLine::SplitName(text, fileName, expression);
+    if (expression.IsEmpty())
+        Fail(CommonExit::wrongCount, L"There is no expression behind the file");
 }
 
 void Watch::TakeReadings()

@@ -11,6 +11,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <set>
 #include <sstream>
@@ -115,9 +116,10 @@ std::string Join(const std::vector<std::string>& lines)
 std::vector<std::string> RunSession(CommandLine& commandLine, const std::vector<std::string>& typed)
 {
     const std::string mark = "--next--\n";
+    const std::string echo = "\nEcho " + mark;
     std::string script;
     for (const std::string& line : typed)
-        script += line + "\nEcho " + mark;
+        script.append(line).append(echo);
     commandLine.folder.Write("session", script);
     std::string output = commandLine.Run("labsh -k < session 2>&1 | sed 's/^stdin:[0-9]*: //'");
     std::vector<std::string> printed;
@@ -131,17 +133,15 @@ std::vector<std::string> RunSession(CommandLine& commandLine, const std::vector<
 std::vector<std::string> RunAtPrompt(CommandLine& commandLine, const std::vector<std::string>& typed)
 {
     AtPrompt shell(commandLine.folder.Path("data"));
-    std::vector<std::string> shown;
-    for (const std::string& line : typed)
-        shown.push_back(shell.Run(line));
+    std::vector<std::string> shown(typed.size());
+    std::ranges::transform(typed, shown.begin(), [&](const std::string& line) { return shell.Run(line); });
     return shown;
 }
 
 std::vector<std::string> RunCommands(CommandLine& commandLine, const std::vector<std::string>& commands)
 {
-    std::vector<std::string> printed;
-    for (const std::string& command : commands)
-        printed.push_back(commandLine.Run(command));
+    std::vector<std::string> printed(commands.size());
+    std::ranges::transform(commands, printed.begin(), [&](const std::string& each) { return commandLine.Run(each); });
     return printed;
 }
 
@@ -173,9 +173,9 @@ void AddOptions(const std::string& text, std::set<std::string>& options)
 std::vector<std::string> RunExpressions(
     CommandLine& commandLine, const std::string& command, const std::vector<Example>& examples)
 {
-    std::vector<std::string> commands;
-    for (const Example& example : examples)
-        commands.push_back(command + " " + example.expression);
+    std::vector<std::string> commands(examples.size());
+    std::ranges::transform(
+        examples, commands.begin(), [&](const Example& example) { return command + " " + example.expression; });
     return RunSession(commandLine, commands);
 }
 
