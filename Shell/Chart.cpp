@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <string_view>
 #include <utility>
 
@@ -56,8 +57,9 @@ Ranges::Ranges(double least, double greatest, bool isWhole) : isOneNumberEach(is
 {
     constexpr double parts = maxBars / 2;
     const double part = greatest / parts - least / parts; // their difference may be too large for a double
-    if (!isOneNumberEach)
-        width = RoundUpToStep(part);
+    const double finest = std::max(std::fabs(least), std::fabs(greatest)) * std::numeric_limits<double>::epsilon();
+    if (!isOneNumberEach) // wide enough to be counted in, and to be told apart
+        width = RoundUpToStep(std::max({part, finest, std::numeric_limits<double>::min()}));
     first = std::floor(least / width);
     count = static_cast<std::size_t>(std::min(std::floor(greatest / width) - first + 1, static_cast<double>(maxBars)));
 }

@@ -12,21 +12,27 @@ void Statistics::Add(double number) noexcept
     least = count == 0 ? number : std::min(least, number);
     greatest = count == 0 ? number : std::max(greatest, number);
     ++count;
-    const double distance = number - mean;
+    constexpr double large = 0x1p500; // beyond it squares, and even distances, may be too large for a double
+    if (unit == 1 && std::fabs(number) > large) {
+        unit = 0x1p600; // dividing by which loses no digit
+        mean /= unit;
+        squares = squares / unit / unit;
+    }
+    const double distance = number / unit - mean;
     mean += distance / static_cast<double>(count);
-    squares += distance * (number - mean);
+    squares += distance * (number / unit - mean);
 }
 
 double Statistics::GetDeviation() const noexcept
 {
-    return count < 2 ? 0 : std::sqrt(squares / static_cast<double>(count - 1));
+    return count < 2 ? 0 : std::sqrt(squares / static_cast<double>(count - 1)) * unit;
 }
 
 WString Statistics::Describe() const
 {
     const double deviation = GetDeviation();
     WString text =
-        WString::Format(L"n %s  mean %s", FormatNumber(static_cast<double>(count)), FormatWithin(mean, deviation));
+        WString::Format(L"n %s  mean %s", FormatNumber(static_cast<double>(count)), FormatWithin(GetMean(), deviation));
     if (count > 1)
         text += L"  sd " + FormatWithin(deviation, deviation);
     return text + L"  min " + FormatNumber(least) + L"  max " + FormatNumber(greatest);

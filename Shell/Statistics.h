@@ -9,7 +9,7 @@ public:
     void Add(double number) noexcept;
 
     unsigned long long GetCount() const noexcept { return count; }
-    double GetMean() const noexcept { return mean; }
+    double GetMean() const noexcept { return mean * unit; }
     /// That of a sample (divisor n - 1); 0 for fewer than two numbers.
     double GetDeviation() const noexcept;
     double GetLeast() const noexcept { return least; }
@@ -20,8 +20,9 @@ public:
 
 private:
     unsigned long long count = 0;
+    double unit = 1; // of the mean
     double mean = 0;
-    double squares = 0; // of the distances from the mean, summed
+    double squares = 0; // of the distances from the mean, summed; in the unit's square
     double least = 0;
     double greatest = 0;
 };

@@ -64,6 +64,8 @@ TEST(ChartTest, HistogramCountsRanges)
 10 to 12  0
 12 to 14  1 █
 )"},
+        {{4.9e-324, 1.5e-323}, "0 to 5e-308  2 █\n"},
+        {{1e300, std::nextafter(1e300, 2e300)}, "1e+300 to 1e+300  2 █\n"},
         {{0.25, 0.25}, "0.25  2 ██\n"},
         {{}, ""},
     };
