@@ -2,6 +2,7 @@
 
 #include "Commands/StandardOutput.h"
 #include "Commands/StandardStream.h"
+#include "Instrument/System.h"
 #include "RunningScript.h"
 #include "SessionLog.h"
 #include "StatusLine.h"
@@ -66,6 +67,14 @@ try {
 void ReportFailure(const HostException& failure)
 try {
     WriteReport(L"labsh: ", failure, failure.GetMessage());
+} catch (const std::bad_alloc&) {
+    ReportShortage();
+}
+
+void ReportCounters() noexcept
+try {
+    if (const WString report = System::usage.TakeReport(); !report.IsEmpty())
+        WriteErrorLine(L"labsh: warning: " + report);
 } catch (const std::bad_alloc&) {
     ReportShortage();
 }

@@ -18,5 +18,8 @@ void ReportFailure(const WString& scriptName, const ScriptFailure& failure);
 /// The same for a failure of the shell itself.
 void ReportFailure(const HostException& failure);
 
+/// Writes what was found wrong with the counters' file while it was in use, as a line on standard error.
+void ReportCounters() noexcept;
+
 /// Writes the one line on standard error that needs no memory.
 void ReportShortage() noexcept;

@@ -3,6 +3,7 @@
 #include "Commands/StandardOutput.h"
 #include "Instrument/System.h"
 #include "LineNotes.h"
+#include "Report.h"
 #include "RunningScript.h"
 #include "Text/HostError.h"
 
@@ -123,6 +124,7 @@ bool RunScript(LineSource& source, const WString& name, Pipe& output, const Envi
         StandardOutput::Get().ForgetShown();
         ScriptFailure run = {RunCommand(command, output, environment), script.line};
         CountCommand(run.outcome.command);
+        ReportCounters();
         if (script.innerFailure) {
             ScriptFailure inner = {*std::move(script.innerFailure), script.line};
             if (!run.outcome.code.IsError())

@@ -150,6 +150,12 @@ TEST_F(UsageCounters, ADamagedFileIsKeptAsideAndCountingGoesOn)
         EXPECT_EQ(usage.Open(path), L"") << "it is said once";
         EXPECT_EQ(Get(L"System.OnTime"), isSound ? 8 : 1) << what;
     }
+    fs::remove(real + ".damaged1");
+    folder.Write("next", "This is no database, however long the text of this file may be.\n");
+    fs::rename(folder.Path("next"), real); // while the counters are open
+    EXPECT_TRUE(usage.Increment(L"System.OnTime"));
+    EXPECT_EQ(usage.TakeReport().ToUtf8(), real + ": damaged; it is kept as real.db.damaged1, and a new one is begun");
+    EXPECT_EQ(usage.TakeReport(), L"");
     EXPECT_TRUE(fs::is_symlink(path));
     EXPECT_FALSE(fs::exists(real + ".new"));
 }

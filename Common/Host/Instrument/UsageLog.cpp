@@ -12,6 +12,7 @@
 #include <limits>
 #include <map>
 #include <mutex>
+#include <utility>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -78,9 +79,9 @@ public:
 
     /// Opens the file, or begins a new one in place of one that is not there or does not serve; reports what is wrong
     /// with it. Throws HostException(FileError).
-    Counters(const std::string& path, WString& report) : path(WholeFile::Resolve(path))
+    Counters(const std::string& path, WString& report) : path(WholeFile::Resolve(path)), lastReport(Open())
     {
-        report = Open();
+        report = lastReport;
     }
     ~Counters();
 
@@ -105,6 +106,10 @@ public:
         return hasLasting && change(database);
     }
 
+    WString TakeReport()
+    {
+        return std::exchange(report, WString());
+    }
     WString GetFault() const
     {
         return fault.IsEmpty() ? WString::FromUtf8(database.GetError()) : fault;
@@ -130,6 +135,8 @@ private:
     bool hasLasting = false;
     std::map<WString, long long> gathered;
     unsigned int gatheredSince = 0; // ticks of the clock
+    WString lastReport;
+    WString report; // the last one, until it is taken
 
     WString Open();
     WString OpenForReading(const WString& reason);
@@ -238,8 +245,11 @@ UsageLog::Counters::Sight UsageLog::Counters::Look(bool forReading) const
 /// fails: what was read before can be read still.
 bool UsageLog::Counters::TryFollow()
 try {
-    if (Look(isForReading) != seen)
-        Open();
+    if (Look(isForReading) == seen)
+        return true;
+    const WString news = Open();
+    if (!news.IsEmpty() && news != lastReport)
+        report = lastReport = news;
     return true;
 } catch (const HostException& failure) {
     fault = failure.GetMessage();
@@ -368,6 +378,14 @@ WString UsageLog::GetFault() const
         return L"there is no usable file";
     const std::lock_guard guard(counters->lock);
     return counters->GetFault();
+}
+
+WString UsageLog::TakeReport()
+{
+    if (!counters)
+        return WString();
+    const std::lock_guard guard(counters->lock);
+    return counters->TakeReport();
 }
 
 void UsageLog::WriteCounts() noexcept

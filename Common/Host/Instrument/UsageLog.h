@@ -36,6 +36,8 @@ public:
     ///
     /// A file that takes its place while it is open is opened instead by the next operation.
     WString Open(const std::string& path);
+    /// Such a report of a file that was opened instead, once; empty when there is no new one.
+    WString TakeReport();
     /// The counter, saturated to the signed 32-bit range.
     bool TryGetUsageValue(const wchar_t* name, int& value) const;
     /// Adds to the counter, which starts at 0; false when the file cannot be written. A sum beyond 64 bits leaves the
