@@ -1,8 +1,11 @@
 #include "Arguments.h"
 
+#include "Text/SimilarName.h"
+
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
+#include <algorithm>
 #include <cstdlib>
 #include <utility>
 
@@ -45,6 +48,18 @@ static std::vector<Variable> ReadVariables(const std::vector<std::string>& words
     return variables;
 }
 
+/// " (did you mean --strict?)" for an option that is nearly one of the shell's, else empty.
+static std::string AskForOption(const CLI::App& app, const std::string& option)
+{
+    const std::size_t start = std::min(option.find_first_not_of('-'), option.size());
+    SimilarName similar(WString::FromUtf8(option.substr(start, option.find('=', start) - start)));
+    for (const CLI::Option* const known : app.get_options()) {
+        for (const std::string& name : known->get_lnames())
+            similar.Offer(WString::FromUtf8(name));
+    }
+    return similar.Get().IsEmpty() ? "" : DidYouMean(L"--" + similar.Get()).ToUtf8();
+}
+
 std::optional<int> ReadArguments(int count, char** texts, Arguments& arguments)
 {
     constexpr int wrongOptions = 2;
@@ -84,7 +99,7 @@ std::optional<int> ReadArguments(int count, char** texts, Arguments& arguments)
         if (!words.empty() && words[0] == "--")
             words.erase(words.begin());
         else if (!words.empty() && words[0].starts_with('-'))
-            throw CLI::ExtrasError(std::vector<std::string>{words[0]});
+            throw CLI::ExtrasError(std::vector<std::string>{words[0] + AskForOption(app, words[0])});
         if (arguments.script)
             arguments.variables = ReadVariables(std::exchange(words, {}));
     } catch (const CLI::ParseError& error) {

@@ -19,14 +19,16 @@ struct CommandList
     WStringArray commands;
 };
 
-/// Where the text has " #" or " //" outside double quotes, from that mark on; else empty.
-View FindComment(View text)
+/// Where the text has " #" or " // " outside double quotes, from that mark on; else empty. A "#" without a blank
+/// behind it may well be meant, where nothing has failed.
+View FindComment(View text, bool hasFailed)
 {
+    const View mark = hasFailed ? L"#" : L"# ";
     QuoteTracker quotes;
     bool isBehindBlank = false;
     for (; !text.empty(); text.remove_prefix(1)) {
         const bool isOutside = quotes.Next(text) == QuoteTracker::Role::Outside;
-        if (isOutside && isBehindBlank && (text.starts_with(L"# ") || text.starts_with(L"// ")))
+        if (isOutside && isBehindBlank && (text.starts_with(mark) || text.starts_with(L"// ")))
             return text;
         isBehindBlank = isOutside && IsWhiteSpace(text.front());
     }
@@ -110,9 +112,9 @@ void AddOnce(const WString& note, WStringArray& notes)
 }
 } // namespace
 
-void AddLineNotes(const WString& line, WStringArray& notes)
+void AddLineNotes(const WString& line, bool hasFailed, WStringArray& notes)
 {
-    if (const View comment = FindComment(line.View()); !comment.empty())
+    if (const View comment = FindComment(line.View(), hasFailed); !comment.empty())
         AddOnce(L"\"" + WString(comment).Trim() +
                 L"\" was read as part of the command; a comment stands on a line of its own, behind #",
             notes);

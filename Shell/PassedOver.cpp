@@ -44,8 +44,8 @@ void PassedOver::Report(const CommandRun& caller)
     const WString warning = GetRunningPlace() + L"warning: " + callerName + L" " + what + L": ";
     if (!warnings.insert(warning).second)
         return;
-    AddLineNotes(failure.line, notes);
-    AddLineNotes(caller.line, notes);
+    AddLineNotes(failure.line, true, notes);
+    AddLineNotes(caller.line, true, notes);
     RunningScript* const script = RunningScript::GetInnermost();
     if (isFailure && script && !script->innerFailure) {
         script->innerFailure = {code, callerName, what + (message.IsEmpty() ? L"" : L": ") + message, {}, notes};

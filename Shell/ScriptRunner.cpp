@@ -100,7 +100,7 @@ void AddHint(CommandRunner::Outcome& outcome, const WString& name, const Command
 
 void AddNotes(const std::string& command, WStringArray& notes)
 try {
-    AddLineNotes(WString::FromUtf8(command), notes);
+    AddLineNotes(WString::FromUtf8(command), true, notes);
 } catch (const std::bad_alloc&) { // the failure is told without
 }
 

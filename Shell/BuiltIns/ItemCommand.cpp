@@ -27,7 +27,7 @@ ExitCode ItemCommand::Main(ArgumentList& arguments, Options& options)
     const bool isZapped = options.TryGetFlag(zap);
     const bool isJson = options.TryGetFlag(json);
     Accept(arguments, options, isZapped ? 1 : 0, 1);
-    const WString argument = arguments.Count() == 0 ? L"*" : arguments.At(0);
+    const WString argument = arguments.Count() == 0 ? L"*" : arguments.At(0).Trim();
     const auto equals = argument.View().find(L'=');
     if (isZapped && !TryDelete(argument))
         FailAsUnknown(argument);

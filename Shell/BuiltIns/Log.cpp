@@ -3,6 +3,7 @@
 #include "Instrument/System.h"
 #include "Services/File.h"
 #include "Text/CharacterCase.h"
+#include "Text/SimilarName.h"
 
 #include <algorithm>
 #include <deque>
@@ -35,6 +36,7 @@ public:
     ExitCode Main(ArgumentList& arguments, Options& options) override;
 
 private:
+    WString FindLog(const WString& name);
     void ShowEnd(const std::string& file, int lineCount);
     void Clear(const std::string& file);
     void Enable(const WString& name, bool enabled);
@@ -58,10 +60,7 @@ ExitCode Log::Main(ArgumentList& arguments, Options& options)
     Accept(arguments, options, 0, 1);
     if (counts + clears + enables + disables > 1)
         Fail(CommonExit::badOption, L"Only one of the options -n, -c, -e and -d can be given");
-    const WString name = arguments.Count() == 0 ? L"ErrorLog" : arguments.At(0);
-    if (!IsLogName(name))
-        Fail(badValue, name + L" is no name of a log");
-
+    const WString name = FindLog(arguments.Count() == 0 ? L"ErrorLog" : arguments.At(0));
     const std::string file = System::GetDataFolder() + "/" + name.ToUtf8();
     if (clears)
         Clear(file);
@@ -70,6 +69,25 @@ ExitCode Log::Main(ArgumentList& arguments, Options& options)
     if (!clears && !enables && !disables)
         ShowEnd(file + ".txt", lineCount);
     return ExitCode(0);
+}
+
+/// The name of a log of the process, or of one that has left a file: its plug-in need not be loaded.
+WString Log::FindLog(const WString& name)
+{
+    if (!IsLogName(name))
+        Fail(badValue, name + L" is no name of a log");
+    WStringArray names;
+    LogFile::GetNames(names);
+    const auto known = std::ranges::find_if(names, [&](const WString& log) { return log.Equals(name.View(), true); });
+    if (known != names.end())
+        return *known;
+    if (!File::Exists(WString::FromUtf8(System::GetDataFolder()) + L"/" + name + L".txt")) {
+        names.Sort();
+        SimilarName similar(name);
+        similar.Offer(names);
+        Fail(notFound, L"There is no log " + name + similar.GetQuestion());
+    }
+    return name;
 }
 
 void Log::ShowEnd(const std::string& file, int lineCount)

@@ -1,5 +1,6 @@
 #include "BuiltIns/ItemCommand.h"
 #include "DelayedStatus.h"
+#include "Instrument/StatusItemType.h"
 #include "Instrument/System.h"
 
 #include <optional>
@@ -31,6 +32,8 @@ constexpr NumberOption delay_lc(L"d", badOptionValue, 0, 86400, L"Set the item a
 constexpr NumberOption travel_lc(L"t", badOptionValue, 0, 86400, L"Let a number go there evenly in so many seconds");
 constexpr OptionRecord options_lc[] = {make_lc, delay_lc, travel_lc, ItemCommand::zap, ItemCommand::json};
 
+constexpr const wchar_t* live_lc = L"its value is always that of the moment";
+
 class Status : public ItemCommand
 {
 public:
@@ -48,6 +51,8 @@ protected:
     bool IsText(const WString& name) override;
 
 private:
+    [[noreturn]] void FailToSet(const WString& name, const WString& value);
+
     bool makes = false;
     std::optional<double> delay; // seconds
     std::optional<double> travel;
@@ -77,9 +82,19 @@ void Status::Set(const WString& name, const WString& value)
     const bool isSet = isLater ? DelayedStatus::TrySet(name, value, toMilliseconds(delay), toMilliseconds(travel))
                                : System::status.TrySet(name, value);
     if (!isSet)
-        Fail(badValue, WString::Format(L"%s cannot %s %s", name, travel ? L"go evenly to" : L"be set to", value));
+        FailToSet(name, value);
     if (!isLater)
         System::status.Save();
+}
+
+void Status::FailToSet(const WString& name, const WString& value)
+{
+    if (System::status.IsLive(name))
+        Fail(badValue, name + L" cannot be set: " + live_lc);
+    const StatusItemType* const type = FindStatusItemType(static_cast<StatusType>(System::status.GetItemType(name)));
+    if (type && !type->fits(value))
+        Fail(badValue, WString::Format(L"\"%s\" is no %s, as %s is", value, type->name, name));
+    Fail(badValue, WString::Format(L"%s cannot %s %s", name, travel ? L"go evenly to" : L"be set to", value));
 }
 
 bool Status::TryDelete(const WString& name)
@@ -88,8 +103,8 @@ bool Status::TryDelete(const WString& name)
         System::status.Save();
         return true;
     }
-    if (System::status.ContainsItem(name))
-        FailToDelete(name, L"its value is always that of the moment");
+    if (System::status.IsLive(name))
+        FailToDelete(name, live_lc);
     return false;
 }
 

@@ -202,11 +202,13 @@ TEST(SimilarName, FindsWhatWasMeant)
         {L"Nope", L""},
         {L"Ruond2", L"Round"},
         {L"kaka", L""},
+        {L"Stauts", L"Status"},
         {L"", L""},
     };
     for (const auto& test : cases) {
         SimilarName similar(test.typed);
-        for (const wchar_t* name : {L"Calc", L"Set", L"If", L"i", L"Round", L"Rows", L"target", L"FrontDoorOpen"})
+        for (const wchar_t* name :
+            {L"Calc", L"Set", L"If", L"i", L"Round", L"Rows", L"target", L"Stats", L"Status", L"FrontDoorOpen"})
             similar.Offer(name);
         EXPECT_EQ(similar.Get(), test.meant) << Utf8(test.typed);
     }

@@ -13,7 +13,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <utility>
 
 namespace {
 using View = std::wstring_view;
@@ -118,34 +117,48 @@ WString AskForFunction(View message)
     return similar.GetQuestion();
 }
 
-/// The texts in double quotes.
-WStringArray FindTexts(View expression)
+/// What a call is given, which `rest` begins with behind its name: texts in double quotes alone, else nothing.
+WStringArray ReadTexts(View rest)
 {
     WStringArray texts;
-    WString text;
-    QuoteTracker quotes;
-    for (; !expression.empty(); expression.remove_prefix(1)) {
-        const QuoteTracker::Role role = quotes.Next(expression);
-        if (role == QuoteTracker::Role::Inside)
-            text += expression.front();
-        else if (role == QuoteTracker::Role::Quote && !quotes.IsInside())
-            texts.Add(std::exchange(text, WString()));
+    const auto skipBlanks = [&] { rest.remove_prefix(std::min(rest.find_first_not_of(L" \t"), rest.size())); };
+    for (wchar_t opening = L'('; rest.starts_with(opening); opening = L',') {
+        rest.remove_prefix(1);
+        skipBlanks();
+        WString text;
+        QuoteTracker quotes;
+        do {
+            if (rest.empty() || (!quotes.IsInside() && rest.front() != L'"'))
+                return {};
+            if (quotes.Next(rest) == QuoteTracker::Role::Inside)
+                text += rest.front();
+            rest.remove_prefix(1);
+        } while (quotes.IsInside());
+        texts.Add(text);
+        skipBlanks();
     }
-    return texts;
+    return rest.starts_with(L')') ? texts : WStringArray();
 }
 
-/// Asks for the reference to what was meant by the first name given to a function for which there is nothing.
-WString AskForItem(const wchar_t* opening, const WString& expression, const Environment& environment)
+/// Names what a call of a function of that name, a pattern, asks for in vain, and gives nothing for otherwise.
+Hints::Explanation ExplainItem(
+    const wchar_t* opening, const wchar_t* function, const WString& expression, const Environment& environment)
 {
-    const WStringArray texts = FindTexts(expression.View());
     const bool isSetting = opening[1] == L'C';
-    for (std::size_t i = 0; i + isSetting < texts.Count(); ++i) {
-        const WString name = isSetting ? L"[" + texts[i] + L"]" + texts[i + 1] : texts[i];
-        const WString meant = Reference::FindSimilar(opening + name + L"}", environment);
-        if (!meant.IsEmpty())
-            return DidYouMean(meant);
-    }
-    return WString();
+    Hints::Explanation explanation;
+    VisitNames(expression.View(), [&](View name, View rest) {
+        const WStringArray texts = WString(name).IsWildcardMatch(function, true) ? ReadTexts(rest) : WStringArray();
+        if (texts.Count() != (isSetting ? 2 : 1))
+            return true;
+        const WString reference = opening + (isSetting ? L"[" + texts[0] + L"]" + texts[1] : texts[0]) + L"}";
+        if (Reference::Exists(reference, environment))
+            return true;
+        explanation.question = Hints::AskForName(reference, environment);
+        if (explanation.question.IsEmpty())
+            explanation.notes.Add(NoteMissing(reference, environment));
+        return false;
+    });
+    return explanation;
 }
 
 /// The message names what is missing, or is no more than that name.
@@ -166,9 +179,10 @@ Hints::Explanation Hints::Explain(const EvaluationError& error, const Environmen
     switch (number) {
     case MissingVariable.number: return ExplainMissing(error, environment);
     case UnknownFunction.number: return {AskForFunction(error.message.View()), {}};
-    case StatusNotFound.number: return {AskForItem(L"%S{", error.expression, environment), {}};
-    case ConfigNotFound.number: return {AskForItem(L"%C{", error.expression, environment), {}};
-    case UsageNotFound.number: return {AskForItem(L"%U{", error.expression, environment), {}};
+    case StatusNotFound.number: return ExplainItem(L"%S{", L"GetStatus", error.expression, environment);
+    case ConfigNotFound.number: return ExplainItem(L"%C{", L"*Config*", error.expression, environment);
+    case UsageNotFound.number: return ExplainItem(L"%U{", L"GetUsage", error.expression, environment);
+    case MissingParameter.number: return ExplainItem(L"%E{", L"GetEnv", error.expression, environment);
     case OperandAfterOperand.number:
     case OperatorExpected.number:
     case CallAfterOperand.number: return ExplainSuperfluous(error.expression, environment);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "HostApi.h"
 #include "Instrument/StatusTable.h"
 
 /// A type of status item: its name in the status file, and the test that a value's text passes.
@@ -11,7 +12,7 @@ struct StatusItemType
 };
 
 /// The row of a type, or null.
-const StatusItemType* FindStatusItemType(StatusType type) noexcept;
+HOST_API const StatusItemType* FindStatusItemType(StatusType type) noexcept;
 
 /// Splits "type:value", the type's name in any case; false, with the reason, when there is no such type or the value
 /// does not fit.

@@ -352,6 +352,13 @@ bool StatusTable::ContainsItem(const WString& name) const
     return data->Look()->contains(name);
 }
 
+bool StatusTable::IsLive(const WString& name) const
+{
+    const auto items = data->Look();
+    const auto item = items->find(name);
+    return item != items->end() && item->second.IsLive();
+}
+
 int StatusTable::GetItemType(const WString& name) const
 {
     const std::shared_ptr<const Items> items = data->Look();

@@ -40,6 +40,8 @@ public:
     /// them. False when there is no such item.
     bool TryGet(const WString& name, StatusValue& item) const;
     bool ContainsItem(const WString& name) const;
+    /// Whether it is a live item, see AddLive.
+    bool IsLive(const WString& name) const;
     /// The item's type, ST_None when there is no such item.
     int GetItemType(const WString& name) const;
     bool TryGetBool(const WString& name, bool& value) const;

@@ -81,6 +81,15 @@ void LogFile::ConfigureAll()
         log->SetEnabled(registry.isToBeEnabled(log->name, log->IsEnabled()));
 }
 
+void LogFile::GetNames(WStringArray& names)
+{
+    Registry& registry = Registry::Get();
+    const std::lock_guard guard(registry.lock);
+    names.Clear();
+    for (const LogFile* log : registry.logs)
+        names.Add(log->name);
+}
+
 std::string LogFile::GetPath() const
 {
     const std::string& folder = Registry::Get().folder;

@@ -2,6 +2,7 @@
 
 #include "HostApi.h"
 #include "Text/WString.h"
+#include "Text/WStringArray.h"
 
 #include <atomic>
 #include <string>
@@ -35,6 +36,9 @@ public:
 
     /// Makes what stands before each line from now on. Called before other threads write to the log.
     void SetPrefix(WString (*makePrefix)()) noexcept { prefix = makePrefix; }
+
+    /// The logs of the process, in no order.
+    static void GetNames(WStringArray& names);
 
     /// The file's path; empty while the logs have no folder.
     std::string GetPath() const;

@@ -56,10 +56,14 @@ unsigned int CountMistakes(std::wstring_view left, std::wstring_view right)
 void SimilarName::Offer(const WString& name)
 {
     const bool areLong = typed.Length() > longestName || name.Length() > longestName;
-    if (areLong || !AreAlikeEnough(typed.View(), name.View()))
+    const std::size_t longer = std::max(typed.Length(), name.Length());
+    const std::size_t limit = GetLimit(typed.Length());
+    if (areLong || longer - std::min(typed.Length(), name.Length()) > limit ||
+        !AreAlikeEnough(typed.View(), name.View()))
         return;
     const unsigned int mistakes = CountMistakes(typed.View(), name.View());
-    if (mistakes >= distance || mistakes > GetLimit(typed.Length()))
+    const bool fitsBetter = name.Length() == typed.Length() && nearest.Length() != typed.Length();
+    if (mistakes > limit || mistakes > distance || (mistakes == distance && !fitsBetter))
         return;
     distance = mistakes;
     nearest = name;

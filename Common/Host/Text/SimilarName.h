@@ -19,7 +19,8 @@ public:
 
     void Offer(const WString& name);
     void Offer(const WStringArray& names);
-    /// The nearest of the names offered, of several the first; empty when none is near.
+    /// The nearest of the names offered, of several the first, or the first as long as the typed one; empty when none
+    /// is near.
     const WString& Get() const noexcept { return nearest; }
     /// " (did you mean <name>?)" to be put behind a message; empty when no name is near.
     WString GetQuestion() const { return DidYouMean(nearest); }
