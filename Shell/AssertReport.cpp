@@ -73,7 +73,10 @@ void AssertReport::Add(const CommandRun& run, JUnitCase& test)
         report.Add(test);
         return;
     }
-    test.problems.push_back({message, code.ToString(), trace});
+    WString details = trace;
+    for (const WString& note : notes)
+        details.AppendWithSeparator(L"note: " + note, L"\n");
+    test.problems.push_back({message, code.ToString(), details});
     pending = {test, DescribePlace(), nullptr, false};
     HandUp(run);
 }

@@ -33,6 +33,8 @@ public:
     void AddBreak(const HostException& failure);
     /// Writes the file. Throws HostException(FileError).
     void Write() { report.Write(file); }
+    /// Whether an assert has failed that nothing tolerates; If may have gone on after it.
+    bool HasFailures() const noexcept { return failedCount != 0; }
     /// The line that closes the run: how many asserts there were, and where they failed.
     WString FormatSummary() const;
 

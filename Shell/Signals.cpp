@@ -40,6 +40,7 @@ static void Take(int signal, void (*handler)(int))
 void Signals::Catch()
 {
     Take(SIGALRM, Remind);
+    Take(SIGXFSZ, [](int) {}); // a file beyond its limit is one that cannot be written
     for (const int signal : signals_lc) {
         struct sigaction former = {};
         sigaction(signal, nullptr, &former);

@@ -8,6 +8,8 @@
 #include "Text/Abort.h"
 
 #include <csignal>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 struct Terminal::Editor
@@ -33,6 +35,20 @@ static void Record(const WString& typed)
     StandardOutput::Get().Flush();
 }
 
+/// Where output goes to a pipe, its reader may show it on this terminal too, as tee does: what it has been given is to
+/// be seen before the next prompt. A reader that is busy otherwise holds nobody up.
+static void LetReaderShow()
+{
+    constexpr unsigned int millisecond = 1000; // for usleep
+    struct stat output = {};
+    if (fstat(STDOUT_FILENO, &output) != 0 || !S_ISFIFO(output.st_mode))
+        return;
+    int unread = 0;
+    for (int tries = 20; tries > 0 && ioctl(STDOUT_FILENO, FIONREAD, &unread) == 0 && unread > 0; --tries)
+        usleep(millisecond);
+    usleep(2 * millisecond); // it has read; now it writes
+}
+
 Terminal::Terminal(const std::string& historyFile, const Environment& environment)
     : editor(new Editor{LineEditor(environment), HistoryFile(historyFile)})
 {}
@@ -49,6 +65,7 @@ bool Terminal::TryReadLine(std::string& line)
             return false;
         if (command.IsEmpty())
             editor->history.TakeNew(editor->toLines);
+        LetReaderShow();
         int count = 0;
         const wchar_t* const text = editor->lines.Read(command, count);
         if (!text && !Abort::IsRequested()) {

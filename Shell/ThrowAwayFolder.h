@@ -1,29 +1,17 @@
 #pragma once
 
-#include "Text/HostError.h"
+#include "Services/FileDescriptor.h"
 
-#include <cerrno>
-#include <cstdlib>
-#include <filesystem>
+#include <optional>
 #include <string>
-#include <system_error>
 
-/// A new folder that goes away with all in it.
+/// A new folder that goes away with all in it. Those that processes left behind which were killed go away with it.
 class ThrowAwayFolder
 {
 public:
     /// Throws HostException(FileError).
-    ThrowAwayFolder() : path((std::filesystem::temp_directory_path() / "labsh-XXXXXX").string())
-    {
-        if (!mkdtemp(path.data()))
-            throw HostException(
-                HostError::FileError, WString::FromUtf8(path + ": " + std::generic_category().message(errno)));
-    }
-    ~ThrowAwayFolder()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(path, ignored);
-    }
+    ThrowAwayFolder();
+    ~ThrowAwayFolder();
     ThrowAwayFolder(const ThrowAwayFolder&) = delete;
     ThrowAwayFolder& operator=(const ThrowAwayFolder&) = delete;
 
@@ -31,4 +19,5 @@ public:
 
 private:
     std::string path;
+    std::optional<FileDescriptor> mark; // locked, so that the folder is known to be in use
 };

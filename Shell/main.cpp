@@ -103,10 +103,27 @@ struct Ending
     bool isReadToEnd = false; // neither a failure nor Exit stopped it before
 };
 
+static bool HasReaderGone()
+{
+    return Signals::GetPending() == SIGPIPE;
+}
+
 /// Whether an abort is a matter of its own, and not the consequence of output that nobody takes.
 static bool IsAbortToBeReported()
 {
-    return Signals::GetPending() != SIGPIPE && StandardOutput::Get().GetFault() == 0;
+    return !HasReaderGone() && StandardOutput::Get().GetFault() == 0;
+}
+
+/// The word as a user types it at a shell.
+static std::string QuoteForShell(const std::string& word)
+{
+    constexpr const char* plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789._-/";
+    if (word.find_first_not_of(plain) == std::string::npos)
+        return word;
+    std::string quoted = "'";
+    for (const char ch : word)
+        quoted += ch == '\'' ? std::string("'\\''") : std::string(1, ch);
+    return quoted + "'";
 }
 
 /// Says how a script is run, where its file was given for a command.
@@ -115,7 +132,7 @@ static void AddHint(const Arguments& arguments, CommandRunner::Outcome& outcome)
     std::error_code error;
     if (IsHostError(outcome.code, HostError::UnknownCommand) && outcome.code.GetCommandId() == 0 &&
         std::filesystem::is_regular_file(arguments.firstWord, error))
-        outcome.message += WString::FromUtf8("; a script is run by: labsh -f " + arguments.firstWord);
+        outcome.message += WString::FromUtf8("; a script is run by: labsh -f " + QuoteForShell(arguments.firstWord));
 }
 
 /// Runs the commands of a source and reports each failure; `goesOn` says whether the source is read on after one.
@@ -176,7 +193,7 @@ static bool RunScriptFile(
     for (const Variable& variable : arguments.variables)
         environment.SetString(WString::FromUtf8(variable.name), WString::FromUtf8(variable.value));
     const auto goesOn = [&](const ScriptFailure& failure) {
-        if (asserts)
+        if (asserts && !(HasReaderGone() && IsHostError(failure.outcome.code, HostError::Aborted)))
             asserts->AddFailure(WString::FromUtf8(name), failure);
         return arguments.keepsGoing && !IsHostError(failure.outcome.code, HostError::Aborted);
     };
@@ -208,7 +225,7 @@ static void CheckOutput()
 {
     StandardOutput::Get().Flush();
     const int fault = StandardOutput::Get().GetFault();
-    if (fault == 0 || Signals::GetPending() == SIGPIPE)
+    if (fault == 0 || HasReaderGone())
         return;
     const std::string reason = fault == ETIMEDOUT ? "its reader takes nothing" : std::generic_category().message(fault);
     throw HostException(HostError::FileError, WString::FromUtf8("standard output cannot be written: " + reason));
@@ -222,7 +239,7 @@ try {
 } catch (const HostException& failure) {
     if (!IsHostError(failure, HostError::Aborted) || IsAbortToBeReported())
         ReportFailure(failure);
-    if (watchers && *watchers && (*watchers)->asserts)
+    if (watchers && *watchers && (*watchers)->asserts && !HasReaderGone())
         (*watchers)->asserts->AddBreak(failure);
     return false;
 } catch (const std::bad_alloc&) {
@@ -256,11 +273,13 @@ static bool FinishRun(unsigned int start, Watchers& watchers)
     CountOnTime(start);
     succeeded &=
         TryToWrite([] { System::usage.WriteCounts(); }); // now, since a signal ends the process without destructors
+    ReportCounters();
     if (Signals::GetPending() != 0)
         succeeded &= TryToWrite(DelayedStatus::FinishAtOnce);
     if (watchers.asserts) {
         succeeded &= TryToWrite([&] { watchers.asserts->Write(); });
-        finish([&] { WriteErrorLine(watchers.asserts->FormatSummary()); });
+        if (!HasReaderGone())
+            finish([&] { WriteErrorLine(watchers.asserts->FormatSummary()); });
     }
     finish(CheckOutput);
     if (watchers.log)
@@ -293,7 +312,8 @@ static int RunShell(Arguments& arguments)
     const bool succeeded = TryTo([&] { return Run(arguments, asserts); }, &watchers);
     if (!FinishRun(start, *watchers))
         return 1;
-    return GetExitStatus().value_or(succeeded ? 0 : 1);
+    const bool areAssertsGood = !asserts || !asserts->HasFailures();
+    return GetExitStatus().value_or(succeeded && areAssertsGood ? 0 : 1);
 }
 
 static std::terminate_handler otherEnd_lc; // for faults of the program

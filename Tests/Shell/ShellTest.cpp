@@ -8,6 +8,7 @@
 #include <memory>
 #include <sstream>
 #include <sys/ioctl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 namespace {
@@ -40,12 +41,19 @@ TEST(ShellTest, WrongStartsAreReported)
 {
     EXPECT_EQ(RunLabsh({"-y", "Echo"}),
         "The following argument was not expected: -y\nRun with --help for more information.\nexit 2");
+    EXPECT_EQ(RunLabsh({"--junitt=x", "Echo"}),
+        "The following argument was not expected: --junitt=x (did you mean --junit?)\n"
+        "Run with --help for more information.\nexit 2");
     for (const std::string word : {"Echo", "=1", "a-b=1"})
         EXPECT_EQ(RunLabsh({"-f", "input", word}),
             word +
                 ": behind a script stand its variables, as name=value\nRun with --help for more information.\nexit 2");
     EXPECT_EQ(RunLabsh({"./input", "x=1"}),
         "./input: 0:1:2 Unknown command: ./input; a script is run by: labsh -f ./input\nexit 1");
+    Labsh bare;
+    bare.folder.Write("my 'cal.txt", "");
+    EXPECT_EQ(bare.Describe(bare.Run({"my 'cal.txt"})),
+        "my: 0:1:2 Unknown command: my; a script is run by: labsh -f 'my '\\''cal.txt'\nexit 1");
     EXPECT_EQ(RunLabsh({"-f", "no%s.txt"}), "labsh: 0:1:10 File error: no%s.txt: No such file or directory\nexit 1");
     EXPECT_EQ(RunLabsh({"-f", "."}), "labsh: 0:1:10 File error: .: Is a directory\nexit 1");
     EXPECT_EQ(
@@ -71,6 +79,11 @@ TEST(ShellTest, AMistypedNameIsRefused)
             "Status: 2010:0:5 There is no TempOptic; did you mean TempOptics? Status -n makes a new one"},
         {"Status Nothing=1", "Status: 2010:0:5 There is no Nothing; Status -n makes a new one"},
         {"Status TempOptic", "Status: 2010:0:5 There is no TempOptic; did you mean TempOptics?"},
+        {"Status FrontDoorOpen=maybe", "Status: 2010:0:4 \"maybe\" is no bool, as FrontDoorOpen is"},
+        {"Status TempOptics=", "Status: 2010:0:4 \"\" is no double, as TempOptics is"},
+        {"Status UpTime=x", "Status: 2010:0:4 UpTime cannot be set: its value is always that of the moment"},
+        {"Status -n [x=1", "Status: 2010:0:4 [x cannot be set to 1"},
+        {"Log ErorLog", "Log: 2007:0:5 There is no log ErorLog (did you mean ErrorLog?)"},
         {"Config detection MaxLigth=1", "Config: 2002:0:1 Wrong number of arguments"},
         {"Config \"detection MaxLigth=1\"",
             "Config: 2002:0:5 There is no [detection]MaxLigth; did you mean [Detection]MaxLight? Config -n makes a new "
@@ -86,12 +99,22 @@ TEST(ShellTest, AMistypedNameIsRefused)
 TEST(ShellTest, AFreshBenchIsThrownAway)
 {
     Labsh labsh;
-    std::filesystem::create_directory(labsh.folder.Path("tmp"));
-    setenv("TMPDIR", labsh.folder.Path("tmp").c_str(), 1);
+    Labsh other;
+    const std::string temporary = labsh.folder.Path("tmp");
+    std::filesystem::create_directories(temporary + "/labsh-backup"); // not one of its own
+    const auto countFolders = [&] { return std::distance(std::filesystem::directory_iterator(temporary), {}); };
+    setenv("TMPDIR", temporary.c_str(), 1);
+    other.StartAlone({"--fresh"}, "Echo -fstarted x\nWait 86400");
+    WaitForFile(other, "started");
     labsh.StartAlone({"--fresh"}, "Status TempOptics=1\nCalc %S{TempOptics}\nCalc %C{Log EELog}\n");
-    unsetenv("TMPDIR");
     EXPECT_EQ(labsh.Finish(), "1\nFALSE\nexit 0");
-    EXPECT_TRUE(std::filesystem::is_empty(labsh.folder.Path("tmp")));
+    EXPECT_EQ(countFolders(), 2);
+    other.Send(SIGKILL);
+    other.Wait();
+    labsh.StartAlone({"--fresh", "Echo"});
+    unsetenv("TMPDIR");
+    EXPECT_EQ(labsh.Finish(), "\nexit 0");
+    EXPECT_EQ(countFolders(), 1);
     EXPECT_FALSE(std::filesystem::exists(labsh.folder.Path("data")));
 }
 
@@ -148,6 +171,14 @@ TEST(ShellTest, OutputThatCannotBeWrittenIsAnError)
     labsh.Run({"--junit", "out.xml"}, "Assert 1=1\nEcho x\n");
     EXPECT_THAT(labsh.GetErrors(), testing::StartsWith("1 assert, 1 passed, 0 failed\n"));
     EXPECT_THAT(labsh.folder.Read("out.xml"), testing::EndsWith("</testsuite>\n"));
+    Labsh limited; // by what a file may hold
+    const rlimit small = {4096, RLIM_INFINITY};
+    rlimit former = {};
+    ASSERT_EQ(prlimit(0, RLIMIT_FSIZE, &small, &former), 0);
+    limited.Start({"Calc 1"});
+    ASSERT_EQ(prlimit(0, RLIMIT_FSIZE, &former, nullptr), 0);
+    EXPECT_EQ(limited.Wait(), 0);
+    EXPECT_EQ(limited.GetOutput(), "1\n");
     for (const char* option : {"--log", "--junit"})
         EXPECT_THAT(RunLabsh({option, "/dev/full", "Assert 1=1"}),
             testing::AllOf(testing::HasSubstr("labsh: 0:1:10 File error: /dev/full: No space left on device\n"),
@@ -179,8 +210,10 @@ TEST(ShellTest, AReaderThatGoesAwayEndsTheRunQuietly)
     WaitForFile(labsh, "started");
     reader.reset();
     EXPECT_EQ(labsh.Wait(), 128 + SIGPIPE);
-    EXPECT_EQ(labsh.GetErrors(), "1 assert, 1 passed, 0 failed\n");
-    EXPECT_THAT(labsh.folder.Read("out.xml"), testing::EndsWith("</testsuite>\n"));
+    EXPECT_EQ(labsh.GetErrors(), "");
+    EXPECT_THAT(labsh.folder.Read("out.xml"),
+        testing::AllOf(
+            testing::HasSubstr("tests=\"1\" failures=\"0\" errors=\"0\""), testing::EndsWith("</testsuite>\n")));
     EXPECT_THAT(labsh.folder.Read("data/Status.ini"), testing::HasSubstr("ShellTest=int:7"));
 }
 
@@ -301,6 +334,9 @@ TEST(ShellTest, AssertsAreReported)
 )");
     EXPECT_EQ(labsh.Run({"--junit", "out.xml", "Echo"}), 0);
     EXPECT_EQ(labsh.GetErrors(), "0 asserts, 0 passed, 0 failed\n");
+    EXPECT_EQ(labsh.Run({"--junit", "out.xml", "If 1=1 Then Assert -q kaka=1"}), 1);
+    EXPECT_THAT(labsh.folder.Read("out.xml"), testing::HasSubstr(">note: kaka does not exist</failure>"));
+    EXPECT_EQ(labsh.Run({"--junit", "out.xml"}, "If 1=1 Then Assert 1=2\nExit 0\n"), 0);
     for (const char* option : {"-f", "--plugin"}) {
         EXPECT_EQ(labsh.Run({"--junit", "out.xml", option, "none"}), 1);
         EXPECT_THAT(labsh.folder.Read("out.xml"), testing::HasSubstr("errors=\"1\""));
