@@ -1,5 +1,6 @@
 #include "Arguments.h"
 
+#include "Text/CharacterCase.h"
 #include "Text/SimilarName.h"
 
 #include <CLI/App.hpp>
@@ -37,11 +38,12 @@ static std::string GetDefaultDataFolder()
 /// Words of the form name=value, with names that Set accepts.
 static std::vector<Variable> ReadVariables(const std::vector<std::string>& words)
 {
-    static constexpr const char* nameCharacters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_0123456789.";
     std::vector<Variable> variables;
     for (const std::string& word : words) {
-        const std::size_t nameEnd = word.find_first_not_of(nameCharacters);
-        if (nameEnd == 0 || nameEnd == std::string::npos || word[nameEnd] != '=')
+        const std::size_t nameEnd = word.find('=');
+        const bool isName =
+            std::ranges::all_of(word.substr(0, nameEnd), [](unsigned char ch) { return IsNameCharacter(ch); });
+        if (nameEnd == 0 || nameEnd == std::string::npos || !isName)
             throw CLI::ValidationError(word, "behind a script stand its variables, as name=value");
         variables.push_back({word.substr(0, nameEnd), word.substr(nameEnd + 1)});
     }

@@ -55,7 +55,7 @@ private:
 
 Ranges::Ranges(double least, double greatest, bool isWhole) : isOneNumberEach(isWhole && greatest - least < maxBars)
 {
-    constexpr double parts = maxBars / 2;
+    constexpr double parts = maxBars / 2.0;
     const double part = greatest / parts - least / parts; // their difference may be too large for a double
     const double finest = std::max(std::fabs(least), std::fabs(greatest)) * std::numeric_limits<double>::epsilon();
     if (!isOneNumberEach) // wide enough to be counted in, and to be told apart
@@ -93,15 +93,15 @@ std::vector<Bar> CountNumbers(const std::vector<double>& numbers)
 WString Chart::DrawTrend(const std::vector<double>& numbers, bool isUnicode)
 {
     const std::wstring_view heights = isUnicode ? blocks_lc : plain_lc;
-    double least = INFINITY;
-    double greatest = -INFINITY;
+    double least = std::numeric_limits<double>::infinity();
+    double greatest = -least;
     for (const double number : numbers) {
         least = std::fmin(least, number); // which passes over NaN
         greatest = std::fmax(greatest, number);
     }
     const auto getHeight = [&](double number) {
         const double part = greatest > least ? (number / 2 - least / 2) / (greatest / 2 - least / 2) : 0.5;
-        return heights[static_cast<std::size_t>(part * static_cast<double>(heights.size() - 1) + 0.5)];
+        return heights[static_cast<std::size_t>(std::lround(part * static_cast<double>(heights.size() - 1)))];
     };
     WString trend;
     for (const double number : numbers)

@@ -249,13 +249,20 @@ try {
     return false;
 }
 
+static bool TryToFinish(const std::function<void()>& action)
+{
+    return TryTo([&] {
+        action();
+        return true;
+    });
+}
+
 /// Writes a file, which no signal interrupts.
 static bool TryToWrite(const std::function<void()>& action)
 {
-    return TryTo([&] {
+    return TryToFinish([&] {
         const Signals::Shelter shelter;
         action();
-        return true;
     });
 }
 
@@ -264,12 +271,6 @@ static bool TryToWrite(const std::function<void()>& action)
 static bool FinishRun(unsigned int start, Watchers& watchers)
 {
     bool succeeded = true;
-    const auto finish = [&](const auto& action) {
-        succeeded &= TryTo([&] {
-            action();
-            return true;
-        });
-    };
     CountOnTime(start);
     succeeded &=
         TryToWrite([] { System::usage.WriteCounts(); }); // now, since a signal ends the process without destructors
@@ -279,11 +280,11 @@ static bool FinishRun(unsigned int start, Watchers& watchers)
     if (watchers.asserts) {
         succeeded &= TryToWrite([&] { watchers.asserts->Write(); });
         if (!HasReaderGone())
-            finish([&] { WriteErrorLine(watchers.asserts->FormatSummary()); });
+            succeeded &= TryToFinish([&] { WriteErrorLine(watchers.asserts->FormatSummary()); });
     }
-    finish(CheckOutput);
+    succeeded &= TryToFinish(CheckOutput);
     if (watchers.log)
-        finish([&] { watchers.log->Check(); });
+        succeeded &= TryToFinish([&] { watchers.log->Check(); });
     return succeeded;
 }
 

@@ -219,7 +219,8 @@ TEST(TerminalTest, DelayedValuesAreSavedWhileItWaits)
     const TemporaryFolder folder;
     AtPrompt session(folder.GetPath());
     session.Run("Status -d0.1 LampHours=7.25");
-    EXPECT_TRUE(WaitUntil([&] { return folder.Read("Status.ini").find("LampHours=double:7.25") != std::string::npos; }));
+    EXPECT_TRUE(
+        WaitUntil([&] { return folder.Read("Status.ini").find("LampHours=double:7.25") != std::string::npos; }));
 }
 
 TEST(TerminalTest, SignalsEndTheShellInOrder)

@@ -22,11 +22,6 @@ bool IsReference(const WString& name)
     return name.StartsWith(L"%", false);
 }
 
-bool IsDigit(wchar_t ch)
-{
-    return ch >= L'0' && ch <= L'9';
-}
-
 /// The length of the word or reference at the start of the text, or 0.
 std::size_t MeasureName(View text)
 {
@@ -74,8 +69,8 @@ WStringArray FindMissing(const WString& expression, const Environment& environme
     WStringArray missing;
     VisitNames(expression.View(), [&](View text, View rest) {
         const WString name(text);
-        if (!IsDigit(text.front()) && !rest.starts_with(L'(') && !IsKeyword(text) && !Exists(name, environment) &&
-            std::ranges::find(missing, name) == missing.end())
+        if (!IsDecimalDigit(text.front()) && !rest.starts_with(L'(') && !IsKeyword(text) &&
+            !Exists(name, environment) && std::ranges::find(missing, name) == missing.end())
             missing.Add(name);
         return missing.Count() < few;
     });

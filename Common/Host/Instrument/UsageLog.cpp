@@ -38,13 +38,13 @@ bool MayWrite(const std::string& path)
 std::string GetNameAside(const std::string& path)
 {
     for (int i = 1;; ++i)
-        if (const std::string name = path + ".damaged" + std::to_string(i); !std::filesystem::exists(name))
+        if (std::string name = path + ".damaged" + std::to_string(i); !std::filesystem::exists(name))
             return name;
 }
 
 std::string MoveAside(const std::string& path)
 {
-    const std::string aside = GetNameAside(path);
+    std::string aside = GetNameAside(path);
     if (std::rename(path.c_str(), aside.c_str()) != 0)
         WholeFile::Fail(path, errno);
     std::rename((path + "-wal").c_str(), (aside + "-wal").c_str());
