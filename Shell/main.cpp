@@ -1,25 +1,22 @@
 #include "Arguments.h"
 #include "AssertReport.h"
-#include "BuiltIns/BuiltIns.h"
 #include "BuiltIns/Exit.h"
 #include "Caret.h"
-#include "Commands/PluginLoader.h"
 #include "Commands/StandardOutput.h"
 #include "DelayedStatus.h"
 #include "FileLines.h"
 #include "Instrument/System.h"
 #include "LastAnswer.h"
-#include "LocalTime.h"
 #include "PagedOutput.h"
 #include "PassedOver.h"
 #include "PromptCommands.h"
 #include "PromptNotes.h"
 #include "Report.h"
-#include "RunningScript.h"
 #include "ScriptRunner.h"
 #include "Services/Clock.h"
 #include "SessionLog.h"
 #include "Signals.h"
+#include "Start.h"
 #include "StatusLine.h"
 #include "Terminal.h"
 #include "Text/Abort.h"
@@ -46,33 +43,6 @@ static void OccupyStandardStreams()
     while (file >= 0 && file <= STDERR_FILENO)
         file = open("/dev/null", O_RDONLY); // writing to it fails, as it should
     close(file);
-}
-
-/// What stands before a line of the error log: the time and the place.
-static WString MakeErrorLogPrefix()
-{
-    const CommandRun* const run = CommandRunner::GetRunning();
-    const WString command = run ? run->outcome.command + L": " : WString();
-    return FormatDateAndTime() + L" " + GetRunningPlace() + command;
-}
-
-static std::string GetShellFolder()
-{
-    return std::filesystem::read_symlink("/proc/self/exe").parent_path();
-}
-
-static void Start(const Arguments& arguments)
-{
-    const std::string shellFolder = GetShellFolder();
-    if (arguments.dataFolder.empty())
-        throw HostException(HostError::FileError, L"no data folder: give --data, or set LABSH_HOME or HOME");
-    for (const WString& report : System::Start(arguments.dataFolder, shellFolder + "/Profile"))
-        WriteErrorLine(L"labsh: warning: " + report);
-    System::errorLog.SetPrefix(MakeErrorLogPrefix);
-    AddBuiltIns();
-    PluginLoader::Load(shellFolder + "/ExpressionEvaluator.dll");
-    for (const std::string& plugin : arguments.plugins)
-        PluginLoader::Load(plugin);
 }
 
 /// What a run is watched by, as its options ask for.
@@ -154,16 +124,6 @@ static Ending RunCommands(const Arguments& arguments, LineSource& lines, const s
     };
     ending.isReadToEnd = RunScript(lines, sourceName, output, environment, reportFailure);
     return ending;
-}
-
-/// Brings completion, without which the prompt works as well.
-static void LoadAssistant()
-try {
-    const std::string file = GetShellFolder() + "/ScriptTools.dll";
-    if (std::filesystem::exists(file))
-        PluginLoader::Load(file);
-} catch (const HostException& failure) {
-    WriteErrorLine(L"labsh: warning: " + failure.GetMessage());
 }
 
 /// Whatever fails at the terminal is no failure of the shell, and an abort ends the command alone.

@@ -1,0 +1,48 @@
+#include "Start.h"
+
+#include "BuiltIns/BuiltIns.h"
+#include "Commands/PluginLoader.h"
+#include "Commands/RunObserver.h"
+#include "Instrument/System.h"
+#include "LocalTime.h"
+#include "Report.h"
+#include "RunningScript.h"
+#include "Text/HostError.h"
+
+#include <filesystem>
+
+/// What stands before a line of the error log: the time and the place.
+static WString MakeErrorLogPrefix()
+{
+    const CommandRun* const run = CommandRunner::GetRunning();
+    const WString command = run ? run->outcome.command + L": " : WString();
+    return FormatDateAndTime() + L" " + GetRunningPlace() + command;
+}
+
+static std::string GetShellFolder()
+{
+    return std::filesystem::read_symlink("/proc/self/exe").parent_path();
+}
+
+void Start(const Arguments& arguments)
+{
+    const std::string shellFolder = GetShellFolder();
+    if (arguments.dataFolder.empty())
+        throw HostException(HostError::FileError, L"no data folder: give --data, or set LABSH_HOME or HOME");
+    for (const WString& report : System::Start(arguments.dataFolder, shellFolder + "/Profile"))
+        WriteErrorLine(L"labsh: warning: " + report);
+    System::errorLog.SetPrefix(MakeErrorLogPrefix);
+    AddBuiltIns();
+    PluginLoader::Load(shellFolder + "/ExpressionEvaluator.dll");
+    for (const std::string& plugin : arguments.plugins)
+        PluginLoader::Load(plugin);
+}
+
+void LoadAssistant()
+try {
+    const std::string file = GetShellFolder() + "/ScriptTools.dll";
+    if (std::filesystem::exists(file))
+        PluginLoader::Load(file);
+} catch (const HostException& failure) {
+    WriteErrorLine(L"labsh: warning: " + failure.GetMessage());
+}
