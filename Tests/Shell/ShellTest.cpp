@@ -227,7 +227,11 @@ TEST(ShellTest, NobodyWhoIsStuckKeepsItFromEnding)
         const int size = fcntl(reader.Get(), F_SETPIPE_SZ, 4096);
         labsh.Start({"-x", "--junit", "out.xml"}, "Assert 1=1\nWhile 1=1 DO Echo " + std::string(50, 'x'));
         int filled = 0;
-        EXPECT_TRUE(WaitUntil([&] { return ioctl(reader.Get(), FIONREAD, &filled) == 0 && filled > size - 150; }));
+        EXPECT_TRUE(WaitUntil([&] {
+            const int former = filled;
+            usleep(20'000); // long enough to write more, where there is room
+            return ioctl(reader.Get(), FIONREAD, &filled) == 0 && filled > size - 150 && filled == former;
+        }));
         labsh.Send(SIGTERM);
         usleep(100'000); // into the second that it gives the reader
         labsh.Send(SIGTERM);
