@@ -1,12 +1,16 @@
 #include "DelayedStatus.h"
 
 #include "Instrument/System.h"
+#include "Report.h"
 #include "Services/Clock.h"
 #include "Text/Abort.h"
+#include "Text/HostError.h"
 
 #include <algorithm>
+#include <utility>
 
 static std::optional<unsigned int> lastDue_lc; // ticks of the clock
+static bool hasFailed_lc = false;              // to save a value while the shell went on
 
 bool DelayedStatus::TrySet(const WString& name, const WString& value, unsigned int delay, unsigned int travel)
 {
@@ -28,14 +32,16 @@ std::optional<unsigned int> DelayedStatus::GetTimeLeft()
 
 void DelayedStatus::KeepDue() noexcept
 try {
-    constexpr unsigned int retryInterval = 1000;
     if (GetTimeLeft() != 0u)
         return;
-    lastDue_lc = GetTickCount() + retryInterval;
+    lastDue_lc.reset();
     System::status.Refresh();
     System::status.Save();
-    lastDue_lc.reset();
-} catch (...) { // the end of the shell tells why
+} catch (const HostException& failure) {
+    hasFailed_lc = true;
+    WriteErrorLine(L"labsh: warning: a delayed value is lost: " + failure.GetMessage());
+} catch (...) { // no memory to tell
+    hasFailed_lc = true;
 }
 
 void DelayedStatus::FinishAtOnce()
@@ -49,12 +55,14 @@ void DelayedStatus::FinishAtOnce()
 
 void DelayedStatus::Finish()
 {
-    if (!lastDue_lc)
-        return;
-    System::usage.WriteCounts();
-    Clock::Get().Sleep(*GetTimeLeft());
-    Abort::ThrowIfRequested();
-    System::status.Refresh();
-    System::status.Save();
-    lastDue_lc.reset();
+    if (lastDue_lc) {
+        System::usage.WriteCounts();
+        Clock::Get().Sleep(*GetTimeLeft());
+        Abort::ThrowIfRequested();
+        System::status.Refresh();
+        System::status.Save();
+        lastDue_lc.reset();
+    }
+    if (std::exchange(hasFailed_lc, false))
+        throw HostException(HostError::FileError, L"a delayed value could not be saved");
 }

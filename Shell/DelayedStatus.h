@@ -15,7 +15,7 @@ std::optional<unsigned int> GetTimeLeft();
 /// be saved now is tried again.
 void KeepDue() noexcept;
 /// Waits until every delayed change has been made, and saves the status items. Returns at once when there was none.
-/// Throws HostException (Aborted, or FileError when they cannot be saved).
+/// Throws HostException (Aborted, or FileError when they cannot be saved, or could not be by KeepDue).
 void Finish();
 /// Makes every delayed change at once and saves the status items. Throws HostException(FileError).
 void FinishAtOnce();

@@ -45,7 +45,8 @@ std::string GetPager()
         return "command -v less >/dev/null || exit 127; exec less -FRX"; // one that is missing does so in silence
     const std::string text = pager;
     const bool isPlain = !text.empty() && text.find_first_of("=;&|<>(){}$`\\\"'\n") == text.npos;
-    return isPlain ? "exec " + text : text;
+    const bool isBuiltIn = text.starts_with("exec ") || text.starts_with("command ");
+    return isPlain && !isBuiltIn ? "exec " + text : text;
 }
 
 /// A file in memory that holds the text, and is read from its start.

@@ -46,7 +46,11 @@ static void RemoveLeftOver(const fs::path& temporary)
 
 ThrowAwayFolder::ThrowAwayFolder()
 {
-    const fs::path temporary = fs::temp_directory_path();
+    std::error_code error;
+    const fs::path temporary = fs::temp_directory_path(error);
+    if (error)
+        throw HostException(
+            HostError::FileError, WString::FromUtf8("the folder for temporary files: " + error.message()));
     RemoveLeftOver(temporary);
     for (int tries = 3; tries > 0; --tries) { // another process may take it for one left behind, before it is locked
         path = (temporary / prefix_lc).string() + "XXXXXX";
@@ -55,6 +59,9 @@ ThrowAwayFolder::ThrowAwayFolder()
         mark.emplace(open((path + mark_lc).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
         if (TryLock(*mark))
             return;
+        const int reason = errno;
+        RemoveAll(path);
+        errno = reason;
     }
     throw HostException(HostError::FileError, WString::FromUtf8(path + ": " + std::generic_category().message(errno)));
 }

@@ -7,23 +7,31 @@
 
 #include <cerrno>
 #include <ctime>
+#include <optional>
 #include <poll.h>
+
+/// Waits for so many milliseconds at most. Signals are let in during the wait alone: between the question and the wait
+/// they would be lost.
+static int Poll(pollfd& input, std::optional<unsigned int> patience)
+{
+    const Signals::Block block;
+    if (Abort::IsRequested())
+        return 0;
+    const unsigned int left = patience.value_or(0);
+    const timespec timeout = {static_cast<time_t>(left / 1000), static_cast<long>(left % 1000) * 1'000'000};
+    return ppoll(&input, 1, patience ? &timeout : nullptr, &block.GetFormerMask());
+}
 
 bool WaitForInput(int descriptor)
 {
     pollfd input = {descriptor, POLLIN, 0};
     if (poll(&input, 1, 0) == 0) // nothing there yet
         System::usage.WriteCounts();
-    // Signals are let in during the wait alone: between the question and the wait they would be lost.
-    const Signals::Block block;
-    for (int result = 0; result == 0 || (result < 0 && errno == EINTR);) {
-        if (Abort::IsRequested())
-            return false;
+    while (!Abort::IsRequested()) {
+        const int result = Poll(input, DelayedStatus::GetTimeLeft());
+        if (result > 0 || (result < 0 && errno != EINTR))
+            break;
         DelayedStatus::KeepDue();
-        const auto left = DelayedStatus::GetTimeLeft();
-        const timespec timeout = {
-            static_cast<time_t>(left.value_or(0) / 1000), static_cast<long>(left.value_or(0) % 1000) * 1000000};
-        result = ppoll(&input, 1, left ? &timeout : nullptr, &block.GetFormerMask());
     }
     return !Abort::IsRequested();
 }

@@ -36,7 +36,7 @@ public:
     ExitCode Main(ArgumentList& arguments, Options& options) override;
 
 private:
-    WString FindLog(const WString& name);
+    WString FindLog(const WString& name, bool mayCome);
     void ShowEnd(const std::string& file, int lineCount);
     void Clear(const std::string& file);
     void Enable(const WString& name, bool enabled);
@@ -60,7 +60,7 @@ ExitCode Log::Main(ArgumentList& arguments, Options& options)
     Accept(arguments, options, 0, 1);
     if (counts + clears + enables + disables > 1)
         Fail(CommonExit::badOption, L"Only one of the options -n, -c, -e and -d can be given");
-    const WString name = FindLog(arguments.Count() == 0 ? L"ErrorLog" : arguments.At(0));
+    const WString name = FindLog(arguments.Count() == 0 ? L"ErrorLog" : arguments.At(0), enables || disables);
     const std::string file = System::GetDataFolder() + "/" + name.ToUtf8();
     if (clears)
         Clear(file);
@@ -71,8 +71,8 @@ ExitCode Log::Main(ArgumentList& arguments, Options& options)
     return ExitCode(0);
 }
 
-/// The name of a log of the process, or of one that has left a file: its plug-in need not be loaded.
-WString Log::FindLog(const WString& name)
+/// The name of a log of the process, or of one that has left a file, or may come with a plug-in that is not loaded.
+WString Log::FindLog(const WString& name, bool mayCome)
 {
     if (!IsLogName(name))
         Fail(badValue, name + L" is no name of a log");
@@ -85,7 +85,8 @@ WString Log::FindLog(const WString& name)
         names.Sort();
         SimilarName similar(name);
         similar.Offer(names);
-        Fail(notFound, L"There is no log " + name + similar.GetQuestion());
+        if (!mayCome || !similar.Get().IsEmpty())
+            Fail(notFound, L"There is no log " + name + similar.GetQuestion());
     }
     return name;
 }

@@ -123,9 +123,15 @@ bool Watch::ReadOptions(Options& options)
 void Watch::TakeFileName()
 {
     const WString text = expression;
-    CommandLine::SplitName(text, fileName, expression);
-    if (expression.IsEmpty())
-        Fail(CommonExit::wrongCount, L"There is no expression behind the file");
+    const std::size_t quote = text.StartsWith(L"\"", false) ? text.View().find(L'"', 1) : std::wstring_view::npos;
+    if (quote == std::wstring_view::npos) {
+        CommandLine::SplitName(text, fileName, expression);
+    } else {
+        fileName = WString(text.View().substr(1, quote - 1));
+        expression = WString(text.View().substr(quote + 1)).Trim();
+    }
+    if (fileName.IsEmpty() || expression.IsEmpty())
+        Fail(CommonExit::wrongCount, L"Behind -o stand the name of a file and the expression");
 }
 
 void Watch::TakeReadings()

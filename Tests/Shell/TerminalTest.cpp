@@ -221,6 +221,10 @@ TEST(TerminalTest, DelayedValuesAreSavedWhileItWaits)
     session.Run("Status -d0.1 LampHours=7.25");
     EXPECT_TRUE(
         WaitUntil([&] { return folder.Read("Status.ini").find("LampHours=double:7.25") != std::string::npos; }));
+    session.Run("Status -d0.5 LampHours=8");
+    std::filesystem::remove(folder.Path("Status.ini"));
+    std::filesystem::create_directory(folder.Path("Status.ini"));
+    EXPECT_NE(session.Type("", "a delayed value is lost"), "");
 }
 
 TEST(TerminalTest, SignalsEndTheShellInOrder)
