@@ -2,6 +2,7 @@
 
 #include "CandidateList.h"
 #include "Screen.h"
+#include "Signals.h"
 #include "Text/HostError.h"
 #include "WaitForInput.h"
 
@@ -59,6 +60,7 @@ LineEditor::LineEditor(const Environment& environment)
     el_wset(line.get(), EL_GETCFN, ReadCharacter);
     if (!isatty(STDOUT_FILENO))
         TakeInterruptKey();
+    Signals::WakeAtWindowChanges();
 
     static constexpr struct
     {
@@ -133,7 +135,6 @@ int LineEditor::ReadCharacter(EditLine* line, wchar_t* character)
             if (!isFirst)
                 editor.unread = byte; // which begins another one
         }
-        editor.TakeWindow();
         return 1;
     }
 }
@@ -145,7 +146,7 @@ int LineEditor::ReadByte(char& byte)
         byte = *std::exchange(unread, std::nullopt);
         return 1;
     }
-    while (WaitForInput(STDIN_FILENO)) {
+    while (WaitForInput(STDIN_FILENO, [this] { TakeWindow(); })) {
         if (read(STDIN_FILENO, &byte, 1) != 1)
             return 0;
         if (interruptKey == _POSIX_VDISABLE || byte != static_cast<char>(interruptKey))
@@ -155,7 +156,7 @@ int LineEditor::ReadByte(char& byte)
     return -1;
 }
 
-/// A window that has changed its size since the last key is drawn anew.
+/// A window that has changed its size is drawn anew.
 void LineEditor::TakeWindow()
 {
     if (const Window present(STDIN_FILENO); present != window) {
@@ -165,6 +166,7 @@ void LineEditor::TakeWindow()
             return;
         std::fputs("\r\x1b[J", terminal.get()); // from where the cursor is, as the terminal has wrapped the line
         el_wset(line.get(), EL_REFRESH);
+        std::fflush(terminal.get());
     }
 }
 

@@ -49,6 +49,11 @@ void Signals::Catch()
     }
 }
 
+void Signals::WakeAtWindowChanges()
+{
+    Take(SIGWINCH, [](int) {});
+}
+
 int Signals::GetPending() noexcept
 {
     return pending_lc;
@@ -75,6 +80,7 @@ Signals::Block::Block()
     sigemptyset(&blocked);
     for (const int signal : signals_lc)
         sigaddset(&blocked, signal);
+    sigaddset(&blocked, SIGWINCH);
     pthread_sigmask(SIG_BLOCK, &blocked, &former);
 }
 

@@ -8,6 +8,8 @@ namespace Signals {
 /// Takes them from now on: the interrupt (Ctrl-C), SIGTERM, SIGHUP, and SIGPIPE, which says that a reader went away.
 /// Those that the caller has set to be ignored, as nohup does, stay ignored.
 void Catch();
+/// Lets a change of the window's size interrupt what waits.
+void WakeAtWindowChanges();
 /// The signal that is to end the shell; 0 when there was none.
 int GetPending() noexcept;
 /// The interrupt has ended a command, and is not to end the shell.
@@ -15,7 +17,7 @@ void ForgetInterrupt() noexcept;
 /// Ends the process by the signal that is pending; returns when there is none.
 void EndByPending();
 
-/// Keeps the signals off while it lives.
+/// Keeps the signals, and that of a window of another size, off while it lives.
 class Block
 {
 public:

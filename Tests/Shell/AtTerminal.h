@@ -11,6 +11,7 @@
 #include <string>
 #include <sys/ioctl.h>
 #include <termios.h>
+#include <utility>
 #include <vector>
 
 /// labsh at a terminal, whose other end is ours.
@@ -34,7 +35,8 @@ public:
     }
     ~AtTerminal()
     {
-        kill(id, SIGKILL);
+        if (id > 0)
+            kill(id, SIGKILL);
         Wait();
         close(terminal);
     }
@@ -63,7 +65,8 @@ public:
         const winsize size = {rows, columns, 0, 0};
         ioctl(terminal, TIOCSWINSZ, &size);
     }
-    int Wait() const { return WaitForExit(id); }
+    /// What ended has left its number to others, which nobody may signal or wait for.
+    int Wait() { return id > 0 ? WaitForExit(std::exchange(id, 0)) : 0; }
     void Send(int signal) const { kill(id, signal); }
     /// Whether the terminal treats lines and echoes them, as a shell leaves it.
     bool IsCooked() const
@@ -106,11 +109,11 @@ public:
     static constexpr const char* prompt = "labsh> ";
 
     std::string Type(const std::string& keys, const std::string& mark = prompt) { return AtTerminal::Type(keys, mark); }
-    /// The next key draws the line anew.
+    /// Which draws the line anew.
     void Resize(unsigned short rows, unsigned short columns)
     {
         SetWindow(rows, columns);
-        Type("\x15");
+        Type("");
     }
     /// What the terminal shows below the line that is typed, up to the next prompt.
     std::string Run(const std::string& line)

@@ -69,7 +69,10 @@ TEST(TerminalTest, TeachesOncePerLine)
         {"Calc \"\u65E5\u672C\"+/",
             "Error:\n  Expecting operand\n  \"\u65E5\u672C\"+/\n       ^\nCalc: 1043:505:20\n"
             "  Calc \"\u65E5\u672C\"+/\n              ^\n"},
-        {"If 1=1 Then Set x=x/0; Echo x", "warning: If went on after \"Set x=x/0\": 1045:505:133 Divide by zero\nx\n"},
+        {"If 1=1 Then Set x=x/0; Echo x",
+            "warning: If went on after \"Set x=x/0\": 1045:505:133 Divide by zero\n"
+            "  If 1=1 Then Set x=x/0; Echo x\n                      ^\nx\n"},
+        {"Watch 1+/", "Watch: 2015:505:20 Expecting operand\n  Watch 1+/\n          ^\n"},
         {"AssertFail 2:* Set y=i/0",
             "AssertFail: 2001:0:6 The command failed with 1045:505:133 Divide by zero\n"
             "  AssertFail 2:* Set y=i/0\n                         ^\n"},
@@ -157,7 +160,10 @@ TEST(TerminalTest, FitsIntoTheWindow)
         "\x1b[31mCalc: 1043:505:133 Divide by zero\x1b[0m\n"
         "  \u2026111111111111111+1/0+22222\u2026\n"
         "\x1b[31m                     ^\x1b[0m\n");
-    session.Resize(9, 30);
+    EXPECT_NE(session.Type("Echo a", "Echo a"), "");
+    session.SetWindow(9, 30); // which draws the line anew, without a key
+    EXPECT_NE(session.Type("", "Echo a"), "");
+    EXPECT_EQ(session.Run(""), "a\n");
     const std::string help = session.Run("Help");
     EXPECT_EQ(help.find("paged: Commands:\n"), 0u) << help;
     EXPECT_EQ(session.Run("?Max").find("Max(n1"), 0u);                    // which has room
