@@ -71,33 +71,51 @@ bool IsShown(View expression, std::size_t place, std::size_t room)
 }
 } // namespace
 
-void Caret::OnBegin(const CommandRun&) noexcept
+static Caret* caret_lc = nullptr;
+
+Caret::Caret(const PromptCommands& commands) : commands(commands)
 {
-    expression.Clear();
+    caret_lc = this;
 }
 
-void Caret::OnBadExpression(const CommandRun& run, const WString& badExpression, std::size_t badPlace) noexcept
+Caret::~Caret()
+{
+    caret_lc = nullptr;
+}
+
+Caret* Caret::GetOrNull() noexcept
+{
+    return caret_lc;
+}
+
+void Caret::OnBegin(const CommandRun& run) noexcept
+{
+    last.reset();
+    if (!run.caller)
+        kept.reset();
+}
+
+void Caret::OnBadExpression(const CommandRun& run, const WString& expression, std::size_t index) noexcept
 try {
-    std::size_t position = FindExpression(run, badExpression.View());
+    std::size_t position = FindExpression(run, expression.View());
     const CommandRun* outermost = &run;
     for (; outermost->caller && position != View::npos; outermost = outermost->caller) {
         const std::size_t command = FindWords(outermost->caller->line.View(), outermost->line.Trim().View(), 0);
         position = command == View::npos ? command : command + position;
     }
-    if (position == View::npos || position + badPlace > outermost->line.Length())
+    if (position == View::npos || position + index > outermost->line.Length())
         return;
-    expression = badExpression;
-    place = badPlace;
-    fromEnd = outermost->line.Length() - position - badPlace;
+    last = {expression, index, outermost->line.Length() - position - index};
 } catch (const std::bad_alloc&) { // the failure is told without
 }
 
-void Caret::Show(const WString& typed) const
+void Caret::Show(const std::optional<Place>& place) const
 {
+    const WString& typed = commands.GetTyped();
     const std::size_t room = GetRoom();
-    if (expression.IsEmpty() || fromEnd > typed.Length() || IsShown(expression.View(), place, room))
+    if (!place || place->fromEnd > typed.Length() || IsShown(place->expression.View(), place->index, room))
         return;
-    const Part part = TakePart(typed.View(), typed.Length() - fromEnd, std::max(room, indent + 3) - indent);
+    const Part part = TakePart(typed.View(), typed.Length() - place->fromEnd, std::max(room, indent + 3) - indent);
     const WString blanks(indent, L' ');
     WriteErrorLine(blanks + part.text);
     WriteErrorLine(blanks + WString(part.cells, L' ') + L"^", Colour::Failure);

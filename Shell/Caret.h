@@ -1,21 +1,45 @@
 #pragma once
 
 #include "Commands/RunObserver.h"
+#include "PromptCommands.h"
+
+#include <optional>
 
 /// Points, under the line as it was typed, at the place where an expression could not be evaluated: for one who types,
 /// on standard error. What a command shows itself counts characters, and its expression alone.
 class Caret : public RunObserver
 {
 public:
+    /// Where an expression has its fault.
+    struct Place
+    {
+        WString expression;
+        std::size_t index;   // in the expression
+        std::size_t fromEnd; // of the line as it was typed
+    };
+
+    explicit Caret(const PromptCommands& commands);
+    ~Caret() override;
+    /// Null where nobody types.
+    static Caret* GetOrNull() noexcept;
+
     void OnBegin(const CommandRun& run) noexcept override;
     void OnBadExpression(const CommandRun& run, const WString& expression, std::size_t place) noexcept override;
 
-    /// Shows the line with the caret when the command that was begun last could not evaluate its expression; but not
-    /// when it has just shown the place itself at the same terminal, rightly and in one piece.
-    void Show(const WString& typed) const;
+    /// Of the command that was begun last; none when it has evaluated its expression, or that does not stand in the
+    /// line.
+    const std::optional<Place>& GetLast() const noexcept { return last; }
+    /// Takes the place of a failure that others have passed over for that of the whole line.
+    void Keep(const std::optional<Place>& place) { kept = place; }
+    /// Where the line has failed.
+    const std::optional<Place>& GetOfLine() const noexcept { return kept ? kept : last; }
+
+    /// Shows the line with the caret at the place, if there is one; but not when a command has just shown the place
+    /// itself at the same terminal, rightly and in one piece.
+    void Show(const std::optional<Place>& place) const;
 
 private:
-    WString expression;      // empty when there was none, or it does not stand in the line
-    std::size_t place = 0;   // in the expression
-    std::size_t fromEnd = 0; // the place in the line, counted from its end
+    const PromptCommands& commands;
+    std::optional<Place> last;
+    std::optional<Place> kept;
 };

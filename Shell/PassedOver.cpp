@@ -16,6 +16,12 @@ try {
 } catch (const std::bad_alloc&) { // the commands run all the same
 }
 
+static std::optional<Caret::Place> GetPlace()
+{
+    const Caret* const caret = Caret::GetOrNull();
+    return caret ? caret->GetLast() : std::nullopt;
+}
+
 void PassedOver::OnEnd(const CommandRun& run) noexcept
 try {
     if (IsPendingIn(&run)) {
@@ -25,7 +31,7 @@ try {
             Report(run);
     }
     if (run.caller && run.outcome.code.IsError() && (run.flags & CommandFlags::toleratesFailure) == 0)
-        pending.push_back({run.caller, run.line.Trim(), run.outcome});
+        pending.push_back({run.caller, run.line.Trim(), run.outcome, GetPlace()});
 } catch (const std::bad_alloc&) { // the commands run all the same
 }
 
@@ -47,10 +53,15 @@ void PassedOver::Report(const CommandRun& caller)
     AddLineNotes(failure.line, true, notes);
     AddLineNotes(caller.line, true, notes);
     RunningScript* const script = RunningScript::GetInnermost();
+    Caret* const caret = Caret::GetOrNull();
     if (isFailure && script && !script->innerFailure) {
+        if (caret)
+            caret->Keep(failure.place);
         script->innerFailure = {code, callerName, what + (message.IsEmpty() ? L"" : L": ") + message, {}, notes};
     } else {
         WriteReport(warning, code, message, Colour::Warning);
         WriteNotes(GetRunningPlace(), notes);
+        if (caret)
+            caret->Show(failure.place);
     }
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Caret.h"
 #include "Commands/RunObserver.h"
 
 #include <set>
@@ -23,6 +24,7 @@ private:
         const CommandRun* caller;
         WString line;
         CommandRunner::Outcome outcome;
+        std::optional<Caret::Place> place; // of what was typed
     };
 
     const bool isFailure;

@@ -84,6 +84,14 @@ static bool IsAbortToBeReported()
     return !HasReaderGone() && StandardOutput::Get().GetFault() == 0;
 }
 
+/// Whether the command has ended as the people want who have typed it.
+static bool IsUsualEnd(const CommandRunner::Outcome& outcome)
+{
+    const CommandRegistry::Entry* const entry = CommandRegistry::FindOrNull(outcome.command);
+    return Signals::GetPending() == SIGINT && entry && entry->record &&
+        (entry->record->flags & CommandFlags::endsByInterrupt) != 0;
+}
+
 /// The word as a user types it at a shell.
 static std::string QuoteForShell(const std::string& word)
 {
@@ -117,7 +125,9 @@ static Ending RunCommands(const Arguments& arguments, LineSource& lines, const s
         if (IsHostError(outcome.code, HostError::ExitRequested))
             return false;
         AddHint(arguments, outcome);
-        if (!IsHostError(outcome.code, HostError::Aborted) || IsAbortToBeReported())
+        const bool isAborted = IsHostError(outcome.code, HostError::Aborted);
+        const bool isTyped = sourceName.IsEmpty();
+        if (!isAborted || (IsAbortToBeReported() && !(isTyped && IsUsualEnd(outcome))))
             ReportFailure(sourceName, failure);
         ending.succeeded = false;
         return goesOn(failure);
@@ -136,10 +146,10 @@ static bool RunTerminal(const Arguments& arguments)
     PromptCommands commands(typed, environment);
     PagedOutput output(StandardOutput::Get());
     const LastAnswer lastAnswer;
-    const Caret caret;
+    const Caret caret(commands);
     const PromptNotes promptNotes;
     RunCommands(arguments, commands, "", output, environment, [&](const ScriptFailure&) {
-        caret.Show(commands.GetTyped());
+        caret.Show(caret.GetOfLine());
         return true;
     });
     return true;

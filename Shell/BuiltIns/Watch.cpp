@@ -62,7 +62,7 @@ public:
 
 private:
     WString expression;
-    double seconds = 0.5; // from one reading to the next
+    std::optional<double> seconds; // from one reading to the next
     int maxCount = std::numeric_limits<int>::max();
     bool isHistogram = false;
     WString fileName;
@@ -75,8 +75,10 @@ private:
     unsigned int gapCount = 0;
 
     bool ReadOptions(Options& options);
+    void ReadFurtherOptions();
     void TakeFileName();
     void TakeReadings();
+    CommandRunner::Outcome Calculate(std::optional<std::size_t>& place);
     double Evaluate(WString& fault);
     double FailOrMakeGap(const ExitCode& code, const WString& message, WString& fault);
     void Keep(double number);
@@ -91,9 +93,10 @@ ExitCode Watch::Main(ArgumentList& arguments, Options& options)
     const bool hasFile = ReadOptions(options);
     Accept(arguments, options, 1, 1);
     expression = arguments.At(0);
-    if (hasFile && fileName.IsEmpty())
+    if (hasFile && fileName.IsEmpty()) {
         TakeFileName();
-    const RunObserver::Pause unobserved; // nobody wants to follow each reading
+        ReadFurtherOptions();
+    }
     const StatusLine::Pause withoutStatusLine;
     if (Screen::CanDrawOver(STDOUT_FILENO))
         line.emplace(STDOUT_FILENO);
@@ -111,10 +114,9 @@ ExitCode Watch::Main(ArgumentList& arguments, Options& options)
 /// Reads the options; whether there is to be a file.
 bool Watch::ReadOptions(Options& options)
 {
-    isHistogram = options.TryGetFlag(histogram_lc);
-    if (isHistogram)
-        seconds = 0;
-    options.TryGetDouble(wait_lc, seconds);
+    isHistogram = options.TryGetFlag(histogram_lc) || isHistogram;
+    if (double value = 0; options.TryGetDouble(wait_lc, value))
+        seconds = value;
     options.TryGetInt(count_lc, maxCount);
     return options.TryGetString(file_lc, fileName);
 }
@@ -134,9 +136,20 @@ void Watch::TakeFileName()
         Fail(CommonExit::wrongCount, L"Behind -o stand the name of a file and the expression");
 }
 
+/// Options behind the name of the file.
+void Watch::ReadFurtherOptions()
+{
+    ArgumentList arguments;
+    Options options;
+    CommandLine::Parse(expression, CommandFlags::restAsItStands, arguments, options);
+    ReadOptions(options);
+    Accept(arguments, options, 1, 1);
+    expression = arguments.At(0);
+}
+
 void Watch::TakeReadings()
 {
-    const auto interval = static_cast<unsigned int>(seconds * 1000);
+    const auto interval = static_cast<unsigned int>(seconds.value_or(isHistogram ? 0 : 0.5) * 1000);
     unsigned int due = GetTickCount();
     for (int count = 1;; ++count) {
         WString fault;
@@ -154,13 +167,38 @@ void Watch::TakeReadings()
     }
 }
 
+/// Keeps the place where an expression could not be evaluated.
+class PlaceOfFault : public RunObserver
+{
+public:
+    void OnBadExpression(const CommandRun&, const WString&, std::size_t faultPlace) noexcept override
+    {
+        place = faultPlace;
+    }
+
+    std::optional<std::size_t> place;
+};
+
+/// Evaluates the expression unobserved, for nobody wants to follow each reading; of a fault `place` receives the place.
+CommandRunner::Outcome Watch::Calculate(std::optional<std::size_t>& place)
+{
+    const RunObserver::Pause unobserved;
+    const PlaceOfFault fault;
+    CommandRunner::Outcome outcome = CommandRunner::Run(L"Calc -q -- " + expression, GetPipe(), GetEnvironment(),
+        CommandFlags::toleratesFailure | CommandFlags::noFailureLog);
+    place = fault.place;
+    return outcome;
+}
+
 /// The value of the expression; NaN and a fault for a gap.
 double Watch::Evaluate(WString& fault)
 {
-    const CommandRunner::Outcome outcome = CommandRunner::Run(L"Calc -q -- " + expression, GetPipe(), GetEnvironment(),
-        CommandFlags::toleratesFailure | CommandFlags::noFailureLog);
+    std::optional<std::size_t> place;
+    const CommandRunner::Outcome outcome = Calculate(place);
     if (CommandRunner::EndsCallers(outcome.code))
         throw outcome.code;
+    if (place && readings.empty())
+        CommandRunner::NoteBadExpression(expression, *place);
     if (outcome.code.IsError() && readings.empty()) {
         for (const WString& note : outcome.notes)
             AddNote(note);
@@ -262,5 +300,5 @@ void Watch::Summarize()
 constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Expression}};
 } // namespace
 
-constexpr CommandRecord watch_gb = {
-    L"Watch", 2015, Create<Watch>, usage_lc, options_lc, CommandFlags::restAsItStands, arguments_lc};
+constexpr CommandRecord watch_gb = {L"Watch", 2015, Create<Watch>, usage_lc, options_lc,
+    CommandFlags::restAsItStands | CommandFlags::endsByInterrupt, arguments_lc};

@@ -126,7 +126,8 @@ TEST(WatchTest, FollowsTheWindowAndEndsWithASummary)
     EXPECT_NE(terminal.ReadTo("\r5  ▅▅\x1b[K"), "");
     const std::string rest = terminal.Type("\x03", "");
     EXPECT_THAT(rest, HasSubstr("\r\nn "));
-    EXPECT_THAT(rest, HasSubstr("  mean 5  sd 0  min 5  max 5\r\nWatch: 2015:1:4 Aborted\r\n"));
+    EXPECT_THAT(rest, HasSubstr("  mean 5  sd 0  min 5  max 5\r\n"));
+    EXPECT_EQ(rest.find("Aborted"), std::string::npos);
 }
 
 TEST(WatchTest, FileHoldsEachReadingAtOnce)
