@@ -4,7 +4,9 @@
 #include "Commands/Reference.h"
 #include "ExpressionEvaluator.h"
 #include "FunctionForms.h"
+#include "Instrument/OS9EventManager.h"
 #include "Instrument/System.h"
+#include "Services/LogFile.h"
 #include "Text/CharacterCase.h"
 
 #include <algorithm>
@@ -207,6 +209,33 @@ void Candidates::AddSettings()
     }
 }
 
+void Candidates::AddEvents()
+{
+    WStringArray names;
+    OS9EventManager::GetNames(names);
+    for (const WString& name : names) {
+        OS9EventData* const event = OS9EventManager::GetOS9Event(name);
+        if (!event)
+            continue;
+        OfferName(name, WString::Format(L"%d", event->Read()));
+        event->ReleaseReference();
+    }
+}
+
+void Candidates::AddLogs()
+{
+    WStringArray names;
+    LogFile::GetNames(names);
+    for (const WString& name : names)
+        Offer(name, name, L"");
+}
+
+void Candidates::AddTests()
+{
+    for (const AutomaticTestEntry& entry : CommandRegistry::GetTests())
+        Offer(entry.name, entry.name, entry.title);
+}
+
 /// What is in the folder that the piece names, but not what is hidden there.
 void Candidates::AddFiles()
 {
@@ -259,6 +288,9 @@ void Candidates::AddArguments()
     case ArgumentKind::StatusItem: AddReferences(L'S'); break;
     case ArgumentKind::Setting: AddSettings(); break;
     case ArgumentKind::Counter: AddReferences(L'U'); break;
+    case ArgumentKind::Event: AddEvents(); break;
+    case ArgumentKind::Log: AddLogs(); break;
+    case ArgumentKind::Test: AddTests(); break;
     case ArgumentKind::File: AddFiles(); break;
     case ArgumentKind::Topic: AddTopics(); break;
     default: break;

@@ -33,6 +33,9 @@ private:
     void AddStatusReferences();
     void AddVariables(const wchar_t* ending);
     void AddSettings();
+    void AddEvents();
+    void AddLogs();
+    void AddTests();
     void AddFiles();
     void AddTopics();
     void OfferTopic(const WString& line);

@@ -6,6 +6,7 @@
 #include "Text/ReferenceText.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 using View = std::wstring_view;
@@ -133,13 +134,28 @@ void LineReader::ReadCommand(std::size_t start)
         ReadArguments(end, *entry->record);
 }
 
+/// Whether the name of a file may follow the option behind a blank: where its value may be empty.
+bool TakesFileBehindBlank(View written, const CommandRecord& command)
+{
+    return std::ranges::any_of(command.options, [&](const OptionRecord& option) {
+        return option.kind == OptionKind::File && option.least == 0 && EqualsIgnoreCase(written, option.name);
+    });
+}
+
 /// arguments: { option } [ "--" ] ( parts | { word } )
 void LineReader::ReadArguments(std::size_t position, const CommandRecord& command)
 {
     wchar_t listSeparator = L';';
     bool areOptionsEnded = false;
+    bool isFileNext = false;
     for (unsigned int words = 0;;) {
         position = SkipBlanks(position);
+        if (std::exchange(isFileNext, false)) {
+            const std::size_t end = FindWordEnd(position);
+            if (end == View::npos)
+                return ReadPart(position, ArgumentKind::File, listSeparator);
+            position = SkipBlanks(end);
+        }
         const std::size_t end = FindWordEnd(position);
         const View word = line.substr(position, end - position);
         const bool isOption = !areOptionsEnded && word.starts_with(L'-') &&
@@ -151,6 +167,7 @@ void LineReader::ReadArguments(std::size_t position, const CommandRecord& comman
         } else if (isOption) {
             if (word.size() == 3 && ToLower(word[1]) == L'l')
                 listSeparator = word[2];
+            isFileNext = TakesFileBehindBlank(word.substr(1), command);
         } else if (command.flags & CommandFlags::singleArgument) {
             return ReadParts(position, command.arguments, listSeparator);
         } else if (end == View::npos) {
@@ -248,7 +265,7 @@ void LineReader::ReadExpression(std::size_t start)
         } else {
             if (!IsWhiteSpace(ch))
                 isOperandEnded = ch == L')';
-            isSpoilt = !IsWhiteSpace(ch) && punctuation.find(ch) == View::npos;
+            isSpoilt = isSpoilt || (!IsWhiteSpace(ch) && punctuation.find(ch) == View::npos);
             ++position;
         }
     }

@@ -51,6 +51,8 @@ void Event::Set(const WString& name, const WString& value)
     else if (!OS9EventManager::TryCreate(name, number))
         Fail(failed, L"The event cannot be made");
 }
+
+constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Event}, {ArgumentKind::Text, L"="}};
 } // namespace
 
-constexpr CommandRecord event_gb = {L"Event", 2004, Create<Event>, usage_lc, options_lc};
+constexpr CommandRecord event_gb = {L"Event", 2004, Create<Event>, usage_lc, options_lc, 0, arguments_lc};

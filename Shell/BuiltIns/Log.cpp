@@ -28,6 +28,7 @@ constexpr FlagOption clear_lc(L"c", badOptionValue, L"Clear the log");
 constexpr FlagOption enable_lc(L"e", badOptionValue, L"Enable the log");
 constexpr FlagOption disable_lc(L"d", badOptionValue, L"Disable the log");
 constexpr OptionRecord options_lc[] = {lineCount_lc, clear_lc, enable_lc, disable_lc};
+constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Log}};
 
 class Log : public BuiltIn
 {
@@ -125,4 +126,4 @@ void Log::Enable(const WString& name, bool enabled)
 }
 } // namespace
 
-constexpr CommandRecord log_gb = {L"Log", 2007, Create<Log>, usage_lc, options_lc};
+constexpr CommandRecord log_gb = {L"Log", 2007, Create<Log>, usage_lc, options_lc, 0, arguments_lc};

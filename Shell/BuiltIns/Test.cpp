@@ -16,6 +16,7 @@ constexpr UsageLine usage_lc[] = {
 
 constexpr FileOption report_lc(L"junit", badOptionValue, 1, 4096, L"Write a JUnit report to this file");
 constexpr OptionRecord options_lc[] = {report_lc};
+constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Test}};
 
 class Test : public BuiltIn
 {
@@ -93,4 +94,4 @@ void Test::Show(const AutomaticTestEntry& entry, const TestCommand& test)
 }
 } // namespace
 
-constexpr CommandRecord test_gb = {L"Test", 2011, Create<Test>, usage_lc, options_lc};
+constexpr CommandRecord test_gb = {L"Test", 2011, Create<Test>, usage_lc, options_lc, 0, arguments_lc};

@@ -10,6 +10,9 @@ enum class ArgumentKind
     StatusItem,
     Setting, // "[section]key"
     Counter,
+    Event,
+    Log,
+    Test,
     File,
     Topic // of Help: a command, a function or one that it tells about
 };
