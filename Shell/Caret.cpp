@@ -6,6 +6,7 @@
 #include "Window.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <unistd.h>
 
@@ -24,6 +25,15 @@ std::size_t FindWords(View line, View text, std::size_t start)
             return found;
     }
     return line.find(text, start);
+}
+
+/// Where the command stands in the line that has run it; npos when it stands there twice, for one of the two was not
+/// run.
+std::size_t FindCommand(View line, View command)
+{
+    const std::size_t found = FindWords(line, command, 0);
+    const bool isTwice = found != View::npos && line.find(command, found + 1) != View::npos;
+    return isTwice ? View::npos : found;
 }
 
 /// Where the command has its expression: at the end of its line, or in front of a keyword.
@@ -100,13 +110,26 @@ try {
     std::size_t position = FindExpression(run, expression.View());
     const CommandRun* outermost = &run;
     for (; outermost->caller && position != View::npos; outermost = outermost->caller) {
-        const std::size_t command = FindWords(outermost->caller->line.View(), outermost->line.Trim().View(), 0);
+        const std::size_t command = FindCommand(outermost->caller->line.View(), outermost->line.Trim().View());
         position = command == View::npos ? command : command + position;
     }
     if (position == View::npos || position + index > outermost->line.Length())
         return;
     last = {expression, index, outermost->line.Length() - position - index};
 } catch (const std::bad_alloc&) { // the failure is told without
+}
+
+/// What ends well has no fault to show, whatever it has passed over.
+void Caret::OnEnd(const CommandRun& run) noexcept
+{
+    if (!run.outcome.code.IsError())
+        last.reset();
+}
+
+std::optional<Caret::Place> Caret::TakeOfLine()
+{
+    const auto ofInner = std::exchange(kept, std::nullopt);
+    return ofInner ? *ofInner : last;
 }
 
 void Caret::Show(const std::optional<Place>& place) const

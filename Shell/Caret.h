@@ -25,14 +25,14 @@ public:
 
     void OnBegin(const CommandRun& run) noexcept override;
     void OnBadExpression(const CommandRun& run, const WString& expression, std::size_t place) noexcept override;
+    void OnEnd(const CommandRun& run) noexcept override;
 
-    /// Of the command that was begun last; none when it has evaluated its expression, or that does not stand in the
-    /// line.
+    /// Of the command that was begun last; none when it has not failed by its expression, or the place cannot be told.
     const std::optional<Place>& GetLast() const noexcept { return last; }
-    /// Takes the place of a failure that others have passed over for that of the whole line.
-    void Keep(const std::optional<Place>& place) { kept = place; }
-    /// Where the line has failed.
-    const std::optional<Place>& GetOfLine() const noexcept { return kept ? kept : last; }
+    /// Keeps the place, if there was one, of a failure that is to be told when the line has ended.
+    void Keep(const std::optional<Place>& place) { kept.emplace(place); }
+    /// The place of the failure of the line that is told next: of the one that was kept first.
+    std::optional<Place> TakeOfLine();
 
     /// Shows the line with the caret at the place, if there is one; but not when a command has just shown the place
     /// itself at the same terminal, rightly and in one piece.
@@ -41,5 +41,5 @@ public:
 private:
     const PromptCommands& commands;
     std::optional<Place> last;
-    std::optional<Place> kept;
+    std::optional<std::optional<Place>> kept;
 };

@@ -6,6 +6,7 @@
 #include "Text/HostError.h"
 #include "WaitForInput.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <clocale>
 #include <csignal>
@@ -156,15 +157,28 @@ int LineEditor::ReadByte(char& byte)
     return -1;
 }
 
+/// How many rows of the line stand above that of the cursor. Some terminals wrap a line anew when their window changes,
+/// others leave it: what is wiped must not be more than the line.
+std::size_t LineEditor::CountRowsAbove(const Window& present) const
+{
+    const LineInfoW* const info = el_wline(line.get());
+    const std::wstring_view before(info->buffer, static_cast<std::size_t>(info->cursor - info->buffer));
+    const std::size_t cells = CountCells(GetPrompt(line.get())) + CountCells(before);
+    return cells / std::max(window.columns, present.columns);
+}
+
 /// A window that has changed its size is drawn anew.
 void LineEditor::TakeWindow()
 {
     if (const Window present(STDIN_FILENO); present != window) {
+        const std::size_t rowsAbove = CountRowsAbove(present);
         window = present;
         el_resize(line.get());
         if (!Screen::CanDrawOver(fileno(terminal.get())))
             return;
-        std::fputs("\r\x1b[J", terminal.get()); // from where the cursor is, as the terminal has wrapped the line
+        if (rowsAbove > 0)
+            std::fprintf(terminal.get(), "\x1b[%zuA", rowsAbove);
+        std::fputs("\r\x1b[J", terminal.get());
         el_wset(line.get(), EL_REFRESH);
         std::fflush(terminal.get());
     }

@@ -55,6 +55,7 @@ private:
     void BeginSearch();
     bool TryBring(int direction);
     void Replace(const WString& text);
+    std::size_t CountRowsAbove(const Window& present) const;
     void TakeWindow();
     void TakeInterruptKey();
 };

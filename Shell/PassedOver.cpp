@@ -1,5 +1,6 @@
 #include "PassedOver.h"
 
+#include "Commands/StandardOutput.h"
 #include "LineNotes.h"
 #include "Report.h"
 #include "RunningScript.h"
@@ -63,5 +64,6 @@ void PassedOver::Report(const CommandRun& caller)
         WriteNotes(GetRunningPlace(), notes);
         if (caret)
             caret->Show(failure.place);
+        StandardOutput::Get().ForgetShown(); // it belongs to a failure that has been told
     }
 }

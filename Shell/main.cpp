@@ -146,10 +146,10 @@ static bool RunTerminal(const Arguments& arguments)
     PromptCommands commands(typed, environment);
     PagedOutput output(StandardOutput::Get());
     const LastAnswer lastAnswer;
-    const Caret caret(commands);
+    Caret caret(commands);
     const PromptNotes promptNotes;
     RunCommands(arguments, commands, "", output, environment, [&](const ScriptFailure&) {
-        caret.Show(caret.GetOfLine());
+        caret.Show(caret.TakeOfLine());
         return true;
     });
     return true;

@@ -75,7 +75,7 @@ private:
     unsigned int gapCount = 0;
 
     bool ReadOptions(Options& options);
-    void ReadFurtherOptions();
+    void ReadFurtherOptions(ArgumentList& arguments, Options& options);
     void TakeFileName();
     void TakeReadings();
     CommandRunner::Outcome Calculate(std::optional<std::size_t>& place);
@@ -95,7 +95,7 @@ ExitCode Watch::Main(ArgumentList& arguments, Options& options)
     expression = arguments.At(0);
     if (hasFile && fileName.IsEmpty()) {
         TakeFileName();
-        ReadFurtherOptions();
+        ReadFurtherOptions(arguments, options);
     }
     const StatusLine::Pause withoutStatusLine;
     if (Screen::CanDrawOver(STDOUT_FILENO))
@@ -136,13 +136,12 @@ void Watch::TakeFileName()
         Fail(CommonExit::wrongCount, L"Behind -o stand the name of a file and the expression");
 }
 
-/// Options behind the name of the file.
-void Watch::ReadFurtherOptions()
+/// Takes what stands behind the name of the file for the command's options and argument.
+void Watch::ReadFurtherOptions(ArgumentList& arguments, Options& options)
 {
-    ArgumentList arguments;
-    Options options;
     CommandLine::Parse(expression, CommandFlags::restAsItStands, arguments, options);
-    ReadOptions(options);
+    if (ReadOptions(options))
+        Fail(CommonExit::badOption, L"The option -o is given twice");
     Accept(arguments, options, 1, 1);
     expression = arguments.At(0);
 }
@@ -183,7 +182,7 @@ public:
 CommandRunner::Outcome Watch::Calculate(std::optional<std::size_t>& place)
 {
     const RunObserver::Pause unobserved;
-    const PlaceOfFault fault;
+    PlaceOfFault fault;
     CommandRunner::Outcome outcome = CommandRunner::Run(L"Calc -q -- " + expression, GetPipe(), GetEnvironment(),
         CommandFlags::toleratesFailure | CommandFlags::noFailureLog);
     place = fault.place;

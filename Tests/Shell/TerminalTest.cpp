@@ -72,6 +72,12 @@ TEST(TerminalTest, TeachesOncePerLine)
         {"If 1=1 Then Set x=x/0; Echo x",
             "warning: If went on after \"Set x=x/0\": 1045:505:133 Divide by zero\n"
             "  If 1=1 Then Set x=x/0; Echo x\n                      ^\nx\n"},
+        {"If 1=2 Then Set x=1/0 Else Set x=1/0",
+            "warning: If went on after \"Set x=1/0\": 1045:505:133 Divide by zero\n"},
+        {"AssertFail 2:* If 1=1 Then Set x=1/0",
+            "warning: If went on after \"Set x=1/0\": 1045:505:133 Divide by zero\n"
+            "  AssertFail 2:* If 1=1 Then Set x=1/0\n                                     ^\n"
+            "AssertFail: 2001:0:6 The command succeeded\n"},
         {"Watch 1+/", "Watch: 2015:505:20 Expecting operand\n  Watch 1+/\n          ^\n"},
         {"AssertFail 2:* Set y=i/0",
             "AssertFail: 2001:0:6 The command failed with 1045:505:133 Divide by zero\n"
