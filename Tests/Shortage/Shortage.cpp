@@ -58,7 +58,7 @@ bool Shortage::HasStruck()
     return hasStruck_lc;
 }
 
-#ifdef __SANITIZE_ADDRESS__
+#ifdef HAS_OTHER_ALLOCATOR // that of the sanitizers
 static void* Take(std::size_t size)
 {
     return std::malloc(size);
