@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
-#include <string_view>
 #include <system_error>
 #include <unistd.h>
 #include <utility>
@@ -68,14 +67,6 @@ bool FileLines::TryFillBlock()
     return !block.empty();
 }
 
-/// Whether a text begins so that is neither UTF-8 nor UTF-16 with a byte order mark.
-static bool IsForeign(std::string_view start)
-{
-    const bool isMarked = start.starts_with("\xFE\xFF") || start.starts_with("\xFF\xFE");
-    return isMarked ? start.substr(2, 2) == std::string_view("\0\0", 2)
-                    : start.substr(0, 4).find('\0') != std::string_view::npos;
-}
-
 bool FileLines::TryReadBlock()
 {
     constexpr std::size_t blockSize = 0x10000;
@@ -89,10 +80,7 @@ void FileLines::RecogniseEncoding()
     char byte = 0;
     if ((block == "\xFE" || block == "\xFF") && Read(&byte, 1) == 1) // a byte order mark that comes in pieces
         block += byte;
-    if (IsForeign(block))
-        throw HostException(HostError::FileError,
-            WString::FromUtf8(name + ": UTF-32, or UTF-16 without a byte order mark; save it as UTF-8"));
-    decoder = Utf16Decoder::TryRecognise(block);
+    decoder = Utf16Decoder::TryRecognise(block, name);
 }
 
 std::size_t FileLines::Read(char* bytes, std::size_t size)

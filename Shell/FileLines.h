@@ -1,8 +1,8 @@
 #pragma once
 
-#include "LineSource.h"
+#include "Commands/LineSource.h"
 #include "Services/FileDescriptor.h"
-#include "Utf16.h"
+#include "Text/Utf16.h"
 
 #include <cstddef>
 #include <optional>

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Commands/LineSource.h"
 #include "Instrument/Environment.h"
-#include "LineSource.h"
 #include "Text/WString.h"
 
 /// Makes commands of what people type at the prompt. A line whose first word is the name of a command stays as it is.

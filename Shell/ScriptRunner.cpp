@@ -1,5 +1,6 @@
 #include "ScriptRunner.h"
 
+#include "Commands/ScriptReader.h"
 #include "Commands/StandardOutput.h"
 #include "Instrument/System.h"
 #include "LineNotes.h"
@@ -12,69 +13,6 @@
 #include <utility>
 
 namespace {
-bool IsBlankOrComment(const std::string& line)
-{
-    const auto first = line.find_first_not_of(" \t");
-    return first == std::string::npos || line[first] == '#';
-}
-
-bool IsSpoilt(const std::string& line)
-{
-    const auto last = line.find_last_not_of(" \t");
-    return last < line.size() - 1 && line[last] == '\\';
-}
-
-/// The commands of a source, with their continuation lines joined.
-class CommandReader
-{
-public:
-    explicit CommandReader(LineSource& source) : source(source) {}
-
-    bool TryRead(std::string& command);
-    unsigned int GetLine() const noexcept { return commandLine; }
-    /// The last line, of this command or the one before it, in which a blank behind a final backslash keeps the line
-    /// from being continued; 0 when there is none.
-    unsigned int GetSpoiltLine() const noexcept { return spoiltLine != 0 ? spoiltLine : formerSpoiltLine; }
-
-private:
-    LineSource& source;
-    unsigned int linesRead = 0;
-    unsigned int commandLine = 0;
-    unsigned int spoiltLine = 0;
-    unsigned int formerSpoiltLine = 0;
-
-    bool TryReadLine(std::string& line)
-    {
-        const bool isRead = source.TryReadLine(line);
-        linesRead += isRead;
-        return isRead;
-    }
-};
-
-bool CommandReader::TryRead(std::string& command)
-{
-    constexpr std::size_t limit = CommandRunner::maxLineLength;
-    std::string line;
-    do {
-        if (!TryReadLine(line))
-            return false;
-    } while (IsBlankOrComment(line));
-    commandLine = linesRead;
-    formerSpoiltLine = std::exchange(spoiltLine, 0);
-    command.clear();
-    bool isContinued = false;
-    do {
-        command += line;
-        isContinued = line.ends_with('\\') && line.size() <= limit && TryReadLine(line); // a longer line comes cut
-        if (isContinued)
-            command.pop_back();
-        command.resize(std::min(command.size(), limit + 1)); // one too many is enough to be refused
-    } while (isContinued);
-    if (IsSpoilt(line))
-        spoiltLine = linesRead;
-    return true;
-}
-
 CommandRunner::Outcome RunCommand(std::string& command, Pipe& output, const Environment& environment)
 try {
     if (command.size() > CommandRunner::maxLineLength)
@@ -90,7 +28,7 @@ try {
 }
 
 /// Adds to a failure what may be its cause.
-void AddHint(CommandRunner::Outcome& outcome, const WString& name, const CommandReader& reader)
+void AddHint(CommandRunner::Outcome& outcome, const WString& name, const ScriptReader& reader)
 {
     const unsigned int line = reader.GetSpoiltLine();
     if (line != 0 && !CommandRunner::EndsCallers(outcome.code))
@@ -115,7 +53,7 @@ try {
 bool RunScript(LineSource& source, const WString& name, Pipe& output, const Environment& environment,
     const std::function<bool(ScriptFailure&)>& goesOn)
 {
-    CommandReader reader(source);
+    ScriptReader reader(source);
     RunningScript script(name);
     std::string command;
     while (reader.TryRead(command)) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Commands/CommandRunner.h"
-#include "LineSource.h"
+#include "Commands/LineSource.h"
 
 #include <functional>
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Commands/LineSource.h"
 #include "Commands/Pipe.h"
-#include "LineSource.h"
 #include "Services/FileDescriptor.h"
 
 #include <string>

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Commands/LineSource.h"
 #include "Instrument/Environment.h"
-#include "LineSource.h"
 
 #include <memory>
 #include <string>

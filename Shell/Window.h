@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Text/Cells.h"
 #include "Text/WString.h"
 
 #include <string_view>
@@ -16,8 +17,6 @@ struct Window
 
 /// The text with blanks for control characters, for the terminal.
 WString WithoutControls(const WString& text);
-/// How many cells a terminal gives the text, in whatever locale the process is.
-std::size_t CountCells(std::wstring_view text);
 /// As much of the beginning of the text as fits into so many cells.
 std::wstring_view FitIntoCells(std::wstring_view text, std::size_t cells);
 /// The text, or as much of it as leaves room for the "…" behind it.

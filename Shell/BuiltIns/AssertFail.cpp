@@ -20,7 +20,7 @@ public:
 
 ExitCode AssertFail::Main(ArgumentList& arguments, Options& options)
 {
-    Accept(arguments, options, 1, 1);
+    Accept(arguments, options);
     WString expected;
     WString command;
     CommandLine::SplitName(arguments.At(0), expected, command);
@@ -39,8 +39,8 @@ ExitCode AssertFail::Main(ArgumentList& arguments, Options& options)
     Fail(failed,
         L"The command failed with " + code.ToString() + (GetRunMessage().IsEmpty() ? L"" : L" ") + GetRunMessage());
 }
-constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Text}, {ArgumentKind::Command, L" "}};
+constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::ExitCodePattern}, {ArgumentKind::Command, L" "}};
 } // namespace
 
 constexpr CommandRecord assertFail_gb = {
-    L"AssertFail", 2001, Create<AssertFail>, usage_lc, {}, CommandFlags::restAsItStands, arguments_lc};
+    L"AssertFail", 2001, Create<AssertFail>, usage_lc, {}, CommandFlags::restAsItStands, arguments_lc, {1, 1}};

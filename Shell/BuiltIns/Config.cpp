@@ -129,7 +129,7 @@ bool Config::TryDelete(const WString& name)
     System::config.Save();
     return true;
 }
-constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Setting}, {ArgumentKind::Text, L"="}};
+constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Setting}, {ArgumentKind::Text, L"=", true, true}};
 } // namespace
 
-constexpr CommandRecord config_gb = {L"Config", 2002, Create<Config>, usage_lc, options_lc, 0, arguments_lc};
+constexpr CommandRecord config_gb = {L"Config", 2002, Create<Config>, usage_lc, options_lc, 0, arguments_lc, {0, 1}};

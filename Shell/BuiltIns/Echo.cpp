@@ -24,7 +24,7 @@ ExitCode Echo::Main(ArgumentList& arguments, Options& options)
 {
     WString file;
     const bool toFile = options.TryGetString(file_lc, file);
-    Accept(arguments, options, 0, anyCount);
+    Accept(arguments, options);
 
     WString text;
     for (unsigned int index = 0; index < arguments.Count(); ++index) {

@@ -52,7 +52,7 @@ void Event::Set(const WString& name, const WString& value)
         Fail(failed, L"The event cannot be made");
 }
 
-constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Event}, {ArgumentKind::Text, L"="}};
+constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Event}, {ArgumentKind::Text, L"=", true, true}};
 } // namespace
 
-constexpr CommandRecord event_gb = {L"Event", 2004, Create<Event>, usage_lc, options_lc, 0, arguments_lc};
+constexpr CommandRecord event_gb = {L"Event", 2004, Create<Event>, usage_lc, options_lc, 0, arguments_lc, {0, 1}};

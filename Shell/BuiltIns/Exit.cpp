@@ -13,6 +13,9 @@ constexpr UsageLine usage_lc[] = {
     L" Without one it is 0, or 1 when a command of the script has failed.",
 };
 
+constexpr WholeNumberArgument exitStatus_lc(0, 255, L"exit status from 0 to 255");
+constexpr ArgumentRecord arguments_lc[] = {exitStatus_lc};
+
 class Exit : public BuiltIn
 {
 public:
@@ -22,10 +25,12 @@ public:
 
 ExitCode Exit::Main(ArgumentList& arguments, Options& options)
 {
-    Accept(arguments, options, 0, 1);
+    Accept(arguments, options);
     int status = 0;
-    if (arguments.Count() == 1 && !TryParseWhole(arguments.At(0).View(), status, 0, 255))
-        Fail(badValue, arguments.At(0) + L" is no exit status from 0 to 255");
+    if (arguments.Count() == 1 &&
+        !TryParseWhole(arguments.At(0).View(), status, static_cast<int>(exitStatus_lc.least),
+            static_cast<int>(exitStatus_lc.greatest)))
+        Fail(badValue, arguments.At(0) + L" is no " + exitStatus_lc.noun);
     if (arguments.Count() == 1)
         status_lc = status;
     throw HostException(HostError::ExitRequested);
@@ -37,4 +42,4 @@ std::optional<int> GetExitStatus()
     return status_lc;
 }
 
-constexpr CommandRecord exit_gb = {L"Exit", 2005, Create<Exit>, usage_lc};
+constexpr CommandRecord exit_gb = {L"Exit", 2005, Create<Exit>, usage_lc, {}, 0, arguments_lc, {0, 1}};

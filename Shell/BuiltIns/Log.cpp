@@ -58,7 +58,7 @@ ExitCode Log::Main(ArgumentList& arguments, Options& options)
     const bool clears = options.TryGetFlag(clear_lc);
     const bool enables = options.TryGetFlag(enable_lc);
     const bool disables = options.TryGetFlag(disable_lc);
-    Accept(arguments, options, 0, 1);
+    Accept(arguments, options);
     if (counts + clears + enables + disables > 1)
         Fail(CommonExit::badOption, L"Only one of the options -n, -c, -e and -d can be given");
     const WString name = FindLog(arguments.Count() == 0 ? L"ErrorLog" : arguments.At(0), enables || disables);
@@ -126,4 +126,4 @@ void Log::Enable(const WString& name, bool enabled)
 }
 } // namespace
 
-constexpr CommandRecord log_gb = {L"Log", 2007, Create<Log>, usage_lc, options_lc, 0, arguments_lc};
+constexpr CommandRecord log_gb = {L"Log", 2007, Create<Log>, usage_lc, options_lc, 0, arguments_lc, {0, 1}};

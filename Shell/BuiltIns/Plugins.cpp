@@ -21,7 +21,8 @@ private:
 
 ExitCode Plugins::Main(ArgumentList& arguments, Options& options)
 {
-    Accept(arguments, options, 0, 0);
+    Accept(arguments, options);
+    CommandRegistry::GetEntries(); // which brings those that are loaded only when they are needed
     for (const std::string& file : PluginLoader::GetFiles())
         Show(file);
     return ExitCode(0);
@@ -38,4 +39,4 @@ void Plugins::Show(const std::string& file)
 }
 } // namespace
 
-constexpr CommandRecord plugins_gb = {L"Plugins", 2008, Create<Plugins>, usage_lc};
+constexpr CommandRecord plugins_gb = {L"Plugins", 2008, Create<Plugins>, usage_lc, {}, 0, {}, {0, 0}};

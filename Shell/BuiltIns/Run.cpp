@@ -36,7 +36,7 @@ WString FindScript(const WString& name)
 
 ExitCode Run::Main(ArgumentList& arguments, Options& options)
 {
-    Accept(arguments, options, 1, 1);
+    Accept(arguments, options);
     const WString file = FindScript(arguments.At(0));
     FileLines script(file.ToUtf8());
     RecordedLines lines(script);
@@ -60,4 +60,4 @@ ExitCode Run::Main(ArgumentList& arguments, Options& options)
 constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::File}};
 } // namespace
 
-constexpr CommandRecord run_gb = {L"Run", 2009, Create<Run>, usage_lc, {}, 0, arguments_lc};
+constexpr CommandRecord run_gb = {L"Run", 2009, Create<Run>, usage_lc, {}, 0, arguments_lc, {1, 1}};

@@ -20,7 +20,7 @@ public:
 
 ExitCode Stats::Main(ArgumentList& arguments, Options& options)
 {
-    Accept(arguments, options, 1, anyCount);
+    Accept(arguments, options);
     Statistics statistics;
     for (unsigned int index = 0; index < arguments.Count(); ++index) {
         const WString& list = arguments.At(index);
@@ -39,4 +39,5 @@ ExitCode Stats::Main(ArgumentList& arguments, Options& options)
 }
 } // namespace
 
-constexpr CommandRecord stats_gb = {L"Stats", 2014, Create<Stats>, usage_lc, {}, CommandFlags::optionsFirst};
+constexpr CommandRecord stats_gb = {
+    L"Stats", 2014, Create<Stats>, usage_lc, {}, CommandFlags::optionsFirst, {}, {1, ArgumentCount::any}};

@@ -113,7 +113,7 @@ bool Status::IsText(const WString& name)
     const int type = System::status.GetItemType(name);
     return type == ST_String || type == ST_Formatted || type == ST_ExitCode;
 }
-constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::StatusItem}, {ArgumentKind::Text, L"="}};
+constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::StatusItem}, {ArgumentKind::Text, L"=", true, true}};
 } // namespace
 
-constexpr CommandRecord status_gb = {L"Status", 2010, Create<Status>, usage_lc, options_lc, 0, arguments_lc};
+constexpr CommandRecord status_gb = {L"Status", 2010, Create<Status>, usage_lc, options_lc, 0, arguments_lc, {0, 1}};

@@ -60,7 +60,7 @@ ExitCode Test::Main(ArgumentList& arguments, Options& options)
 {
     WString reportFile;
     const bool writesReport = options.TryGetString(report_lc, reportFile);
-    Accept(arguments, options, 0, 1);
+    Accept(arguments, options);
     const WString pattern = arguments.Count() == 0 ? L"*" : arguments.At(0);
 
     JUnitReport report;
@@ -94,4 +94,4 @@ void Test::Show(const AutomaticTestEntry& entry, const TestCommand& test)
 }
 } // namespace
 
-constexpr CommandRecord test_gb = {L"Test", 2011, Create<Test>, usage_lc, options_lc, 0, arguments_lc};
+constexpr CommandRecord test_gb = {L"Test", 2011, Create<Test>, usage_lc, options_lc, 0, arguments_lc, {0, 1}};

@@ -44,7 +44,7 @@ bool Usage::TryDelete(const WString& name)
     return false;
 }
 
-constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Counter}, {ArgumentKind::Text, L"="}};
+constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Counter}, {ArgumentKind::Text, L"=", true, true}};
 } // namespace
 
-constexpr CommandRecord usage_gb = {L"Usage", 2012, Create<Usage>, usage_lc, options_lc, 0, arguments_lc};
+constexpr CommandRecord usage_gb = {L"Usage", 2012, Create<Usage>, usage_lc, options_lc, 0, arguments_lc, {0, 1}};

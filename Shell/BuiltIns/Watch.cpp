@@ -91,7 +91,7 @@ private:
 ExitCode Watch::Main(ArgumentList& arguments, Options& options)
 {
     const bool hasFile = ReadOptions(options);
-    Accept(arguments, options, 1, 1);
+    Accept(arguments, options);
     expression = arguments.At(0);
     if (hasFile && fileName.IsEmpty()) {
         TakeFileName();
@@ -142,7 +142,7 @@ void Watch::ReadFurtherOptions(ArgumentList& arguments, Options& options)
     CommandLine::Parse(expression, CommandFlags::restAsItStands, arguments, options);
     if (ReadOptions(options))
         Fail(CommonExit::badOption, L"The option -o is given twice");
-    Accept(arguments, options, 1, 1);
+    Accept(arguments, options);
     expression = arguments.At(0);
 }
 
@@ -300,4 +300,4 @@ constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Expression}};
 } // namespace
 
 constexpr CommandRecord watch_gb = {L"Watch", 2015, Create<Watch>, usage_lc, options_lc,
-    CommandFlags::restAsItStands | CommandFlags::endsByInterrupt, arguments_lc};
+    CommandFlags::restAsItStands | CommandFlags::endsByInterrupt, arguments_lc, {1, 1}};

@@ -31,8 +31,8 @@ constexpr OptionRecord options_lc[] = {quiet_lc, retryCount_lc};
 
 constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Expression}};
 
-constexpr CommandRecord record_lc = {
-    L"Assert", 9015, CreateCommandAssertCommand, usage_lc, options_lc, CommandFlags::restAsItStands, arguments_lc};
+constexpr CommandRecord record_lc = {L"Assert", 9015, CreateCommandAssertCommand, usage_lc, options_lc,
+    CommandFlags::restAsItStands, arguments_lc, {1, 1}};
 
 enum ExitNumber : unsigned int
 {

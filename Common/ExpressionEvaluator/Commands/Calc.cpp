@@ -41,8 +41,10 @@ constexpr OptionRecord options_lc[] = {quiet_lc, help_lc, shortHelp_lc, verify_l
 
 constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Expression}};
 
-constexpr CommandRecord record_lc = {
-    L"Calc", 1043, CreateCommandCalc, usage_lc, options_lc, CommandFlags::restAsItStands, arguments_lc};
+constexpr const wchar_t* variables_lc[] = {errorMessageName, errorPositionName};
+
+constexpr CommandRecord record_lc = {L"Calc", 1043, CreateCommandCalc, usage_lc, options_lc,
+    CommandFlags::restAsItStands, arguments_lc, {1, 1}, variables_lc};
 
 void WriteLines(Pipe& pipe, EmbeddedResource text, const wchar_t* indent)
 {

@@ -3,6 +3,8 @@
 #include "Hints.h"
 
 namespace {
+constexpr wchar_t headerName[] = L"RH_IF";
+
 constexpr UsageLine usage_lc[] = {
     L"Usage: If <condition> Then <command1> [Else <command2>]",
     L" Conditional statement, executes a command if the condition",
@@ -30,10 +32,11 @@ constexpr FlagOption verbose_lc(L"v", 6, L"Show how the condition came out, and 
 constexpr OptionRecord options_lc[] = {separator_lc, verbose_lc, recordHeaderOption};
 
 constexpr ArgumentRecord arguments_lc[] = {
-    {ArgumentKind::Expression}, {ArgumentKind::CommandList, L"THEN"}, {ArgumentKind::CommandList, L"ELSE"}};
+    {ArgumentKind::Expression}, {ArgumentKind::CommandList, L"THEN"}, {ArgumentKind::CommandList, L"ELSE", true}};
+constexpr const wchar_t* variables_lc[] = {L"RecordHeader", headerName};
 
-constexpr CommandRecord record_lc = {
-    L"If", 1042, CreateCommandIf, usage_lc, options_lc, CommandFlags::restAsItStands, arguments_lc};
+constexpr CommandRecord record_lc = {L"If", 1042, CreateCommandIf, usage_lc, options_lc, CommandFlags::restAsItStands,
+    arguments_lc, {1, 1}, variables_lc};
 
 enum ExitNumber : unsigned int
 {
@@ -65,7 +68,7 @@ ExitCode If::Main(ArgumentList& arguments, Options& options)
     WString separator = L";";
     options.TryGetString(separator_lc, separator);
     const bool verbose = options.TryGetFlag(verbose_lc);
-    InheritRecordHeader(options, L"RH_IF");
+    InheritRecordHeader(options, headerName);
 
     Statement statement;
     ExitCode failure = SplitStatement(arguments.At(0), statement);

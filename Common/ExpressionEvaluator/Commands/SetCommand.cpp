@@ -29,10 +29,10 @@ constexpr FlagOption initialize_lc(L"i", 7, L"Leave a variable that exists as it
 constexpr FlagOption zap_lc(L"z", 8, L"Delete the variable");
 constexpr OptionRecord options_lc[] = {verbose_lc, initialize_lc, zap_lc};
 
-constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Variable}, {ArgumentKind::Expression, L"="}};
+constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Variable}, {ArgumentKind::Expression, L"=", true, true}};
 
 constexpr CommandRecord record_lc = {
-    L"Set", 1045, CreateCommandSetCommand, usage_lc, options_lc, CommandFlags::restAsItStands, arguments_lc};
+    L"Set", 1045, CreateCommandSetCommand, usage_lc, options_lc, CommandFlags::restAsItStands, arguments_lc, {0, 1}};
 
 enum ExitNumber : unsigned int
 {

@@ -6,7 +6,9 @@
 #include <limits>
 
 namespace {
+constexpr wchar_t indexName[] = L"i";
 constexpr wchar_t exitCodeName[] = L"EC_While";
+constexpr wchar_t headerName[] = L"RH_WHILE";
 
 constexpr UsageLine usage_lc[] = {
     L"Usage: While <condition> Do <command>[;...]",
@@ -58,14 +60,16 @@ constexpr WholeNumberOption maxCount_lc(L"c", 8, 0, std::numeric_limits<int>::ma
 constexpr TextOption separator_lc(L"l", 9, 1, 1, L"Separate commands by this character instead of ;");
 constexpr NumberOption wait_lc(L"w", 10, 0.001, 86400.0, L"Wait so many seconds after each iteration");
 constexpr FlagOption verbose_lc(L"v", 6, L"Show how the condition came out and what is run, and log errors");
-constexpr TextOption ignoredCodes_lc(L"er", 12, 1, 1000, L"Go on after a failure with one of these exit codes");
+constexpr ExitCodePatternsOption ignoredCodes_lc(
+    L"er", 12, 1, 1000, L"Go on after a failure with one of these exit codes");
 constexpr OptionRecord options_lc[] = {
     maxCount_lc, separator_lc, wait_lc, verbose_lc, ignoredCodes_lc, recordHeaderOption};
 
-constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Expression}, {ArgumentKind::CommandList, L"DO"}};
+constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Expression}, {ArgumentKind::CommandList, L"DO", false, true}};
+constexpr const wchar_t* variables_lc[] = {indexName, exitCodeName, L"RecordHeader", headerName};
 
-constexpr CommandRecord record_lc = {
-    L"While", 1064, CreateCommandWhile, usage_lc, options_lc, CommandFlags::restAsItStands, arguments_lc};
+constexpr CommandRecord record_lc = {L"While", 1064, CreateCommandWhile, usage_lc, options_lc,
+    CommandFlags::restAsItStands, arguments_lc, {1, 1}, variables_lc};
 
 enum ExitNumber : unsigned int
 {
@@ -123,7 +127,7 @@ void While::ReadOptions(Options& options, Loop& loop)
     if (options.TryGetString(ignoredCodes_lc, patterns))
         loop.ignoredCodes =
             SplitList(patterns, ignoredCodes_lc.exitNumber, 30, L";,", L"Bad value of option -er" + patterns);
-    InheritRecordHeader(options, L"RH_WHILE");
+    InheritRecordHeader(options, headerName);
 }
 
 ExitCode While::RunLoop(const Loop& loop)
@@ -136,7 +140,7 @@ ExitCode While::RunLoop(const Loop& loop)
 
     for (unsigned int count = 1; count <= loop.maxCount; ++count) {
         WaitForTimeControlPointIfRequested(); // no command to notice it when the list is empty
-        GetEnvironment().SetUInt(L"i", count);
+        GetEnvironment().SetUInt(indexName, count);
         bool holds = false;
         if (const ExitCode failure = EvaluateCondition(loop.condition, loop.verbose, holds); failure.IsError())
             return failure;

@@ -30,6 +30,8 @@ struct Workspace;
 namespace EvaluatorFlags {
 constexpr unsigned int noConstantE = 1;    // the name "e" is not a built-in constant
 constexpr unsigned int traceVariables = 2; // every variable read and every function result goes to the variable trace
+constexpr unsigned int readNothing = 4; // status values, settings, counters, time and random numbers are not read: what
+                                        // refers to one becomes a missing variable
 } // namespace EvaluatorFlags
 
 /// Evaluates expressions: text in; a number, boolean or text out, or an error with exit code, message and position. The
@@ -212,6 +214,7 @@ private:
     std::unique_ptr<Workspace, WorkspaceReturn> workspace; // from the first evaluation on
 
     EETokenMap& GetOrMakeMap();
+    bool ReadsInstrument() const noexcept { return (flags & EvaluatorFlags::readNothing) == 0; }
     bool IsLogging() const noexcept { return eeLog_gb.IsEnabled() || (flags & EvaluatorFlags::traceVariables) != 0; }
 
     template <typename Step>

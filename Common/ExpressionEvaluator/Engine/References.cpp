@@ -137,7 +137,7 @@ bool ExpressionEvaluator::TryGetStatusValue(EEToken& token, const WString& name,
 bool ExpressionEvaluator::TryGetStatusValueNoLog(EEToken& token, const WString& name, const wchar_t* at)
 {
     StatusValue item;
-    if (!System::status.TryGet(name, item)) {
+    if (!ReadsInstrument() || !System::status.TryGet(name, item)) {
         token.SetMissingVariable(Reference(L"%S{", name));
         return true;
     }
@@ -165,7 +165,7 @@ bool ExpressionEvaluator::TryGetConfigValueNoLog(EEToken& token, const WString& 
         return false;
     }
     WString text;
-    if (System::config.TryGetString(WString(setting.section), WString(setting.key), text))
+    if (ReadsInstrument() && System::config.TryGetString(WString(setting.section), WString(setting.key), text))
         SetTypedValue(token, text);
     else
         token.SetMissingVariable(Reference(L"%C{", name));
@@ -182,7 +182,7 @@ bool ExpressionEvaluator::TryGetUsageLogValue(EEToken& token, const WString& nam
 bool ExpressionEvaluator::TryGetUsageLogValueNoLog(EEToken& token, const WString& name, const wchar_t*)
 {
     int value = 0;
-    if (System::usage.TryGetUsageValue(name.ToCString(), value))
+    if (ReadsInstrument() && System::usage.TryGetUsageValue(name.ToCString(), value))
         token.SetValue(static_cast<double>(value));
     else
         token.SetMissingVariable(Reference(L"%U{", name));

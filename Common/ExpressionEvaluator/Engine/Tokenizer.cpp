@@ -25,8 +25,8 @@ constexpr BuiltInName builtInNames_lc[] = {
     {L"false", 0, [](int position) { return Item::Truth(false, position); }},
     {L"PI", 0, [](int position) { return Item::Number(std::numbers::pi, position); }},
     {L"LF", 0, [](int position) { return Item::Text(L"\n", position); }},
-    {L"RND", 0, [](int position) { return Item::Number(GetRandomNumber(), position); }},
-    {L"Timer", 0, [](int position) { return Item::Number(GetTickCount(), position); }},
+    {L"RND", EvaluatorFlags::readNothing, [](int position) { return Item::Number(GetRandomNumber(), position); }},
+    {L"Timer", EvaluatorFlags::readNothing, [](int position) { return Item::Number(GetTickCount(), position); }},
     {L"e", EvaluatorFlags::noConstantE, [](int position) { return Item::Number(std::numbers::e, position); }},
 };
 

@@ -26,24 +26,57 @@ bool StartsWithOptionEnd(Text text)
     return text.starts_with(L"--") && (text.size() == 2 || IsWhiteSpace(text[2]));
 }
 
-/// Takes a word off the front of the text: up to the next blank outside double quotes, without the quotes and without
-/// the backslashes that keep a quote from being one.
-WString TakeWord(Text& text)
+/// The length of the word at the start: up to the next blank outside double quotes.
+std::size_t MeasureWord(Text text, bool& isClosed)
 {
-    WString word;
     QuoteTracker quotes;
-    for (; !text.empty(); text.remove_prefix(1)) {
-        const QuoteTracker::Role role = quotes.Next(text);
-        if (role == QuoteTracker::Role::Outside && IsWhiteSpace(text.front()))
+    std::size_t length = 0;
+    for (; length < text.size(); ++length) {
+        if (quotes.Next(text.substr(length)) == QuoteTracker::Role::Outside && IsWhiteSpace(text[length]))
             break;
-        if (role == QuoteTracker::Role::Outside || role == QuoteTracker::Role::Inside)
-            word += text.front();
     }
-    if (quotes.IsInside())
-        throw HostException(HostError::UnterminatedQuote);
-    return word;
+    isClosed = !quotes.IsInside();
+    return length;
 }
 } // namespace
+
+bool CommandLine::PieceReader::TryRead(Piece& piece)
+{
+    const Text rest = SkipBlanks(text.substr(position));
+    if (rest.empty())
+        return false;
+    piece.start = text.size() - rest.size();
+    piece.isClosed = true;
+    if (!haveOptionsEnded && StartsWithOptionEnd(rest)) {
+        haveOptionsEnded = true;
+        piece.kind = Piece::Kind::OptionsEnd;
+        piece.end = piece.start + 2;
+    } else {
+        const bool isOption = !haveOptionsEnded && StartsWithOption(rest);
+        piece.kind = isOption ? Piece::Kind::Option : Piece::Kind::Argument;
+        haveOptionsEnded = haveOptionsEnded || (!isOption && (flags & CommandFlags::optionsFirst));
+        if (isOption || !(flags & CommandFlags::singleArgument))
+            piece.end = piece.start + MeasureWord(rest, piece.isClosed);
+        else
+            piece.end = piece.start + WString(rest).Trim().Length();
+    }
+    position = piece.end;
+    if (piece.kind == Piece::Kind::Argument && (flags & CommandFlags::singleArgument))
+        position = text.size();
+    return true;
+}
+
+WString CommandLine::Unquote(std::wstring_view word)
+{
+    WString text;
+    QuoteTracker quotes;
+    for (; !word.empty(); word.remove_prefix(1)) {
+        const QuoteTracker::Role role = quotes.Next(word);
+        if (role == QuoteTracker::Role::Outside || role == QuoteTracker::Role::Inside)
+            text += word.front();
+    }
+    return text;
+}
 
 void CommandLine::SplitName(const WString& line, WString& name, WString& rest)
 {
@@ -57,21 +90,16 @@ void CommandLine::Parse(const WString& rest, unsigned int flags, ArgumentList& a
 {
     WStringArray argumentTexts;
     WStringArray optionTexts;
-    bool optionsEnded = false;
-    for (Text text = SkipBlanks(rest.View()); !text.empty(); text = SkipBlanks(text)) {
-        if (!optionsEnded && StartsWithOptionEnd(text)) {
-            optionsEnded = true;
-            text.remove_prefix(2);
-        } else if (!optionsEnded && StartsWithOption(text)) {
-            text.remove_prefix(1);
-            optionTexts.Add(TakeWord(text));
-        } else if (flags & CommandFlags::singleArgument) {
-            argumentTexts.Add(WString(text).Trim());
-            break;
-        } else {
-            argumentTexts.Add(TakeWord(text));
-            optionsEnded = optionsEnded || (flags & CommandFlags::optionsFirst);
-        }
+    const Text text = rest.View();
+    PieceReader reader(text, flags);
+    for (Piece piece; reader.TryRead(piece);) {
+        const Text word = text.substr(piece.start, piece.end - piece.start);
+        if (!piece.isClosed)
+            throw HostException(HostError::UnterminatedQuote);
+        if (piece.kind == Piece::Kind::Option)
+            optionTexts.Add(Unquote(word.substr(1)));
+        else if (piece.kind == Piece::Kind::Argument)
+            argumentTexts.Add(flags & CommandFlags::singleArgument ? WString(word) : Unquote(word));
     }
     arguments = ArgumentList(std::move(argumentTexts));
     options = Options(optionTexts);

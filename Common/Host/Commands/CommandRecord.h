@@ -20,6 +20,15 @@ struct UsageLine
     const wchar_t* argument;
 };
 
+/// How many arguments a command takes, unless an option changes that.
+struct ArgumentCount
+{
+    static constexpr unsigned int any = ~0u;
+
+    unsigned int least = 0;
+    unsigned int most = any;
+};
+
 /// All that there is to know of a command before it is made. Lives as long as the command's library.
 struct CommandRecord
 {
@@ -30,6 +39,8 @@ struct CommandRecord
     std::span<const OptionRecord> options = {};
     unsigned int flags = 0;                         // CommandFlags, those of the constructor
     std::span<const ArgumentRecord> arguments = {}; // in their order
+    ArgumentCount argumentCount = {};
+    std::span<const wchar_t* const> variables = {}; // that it may set, besides one that it is told to
 };
 
 /// Exit numbers that mean the same in all commands.

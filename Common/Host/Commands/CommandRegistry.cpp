@@ -3,10 +3,12 @@
 #include "Text/CharacterCase.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 struct Registry
 {
+    void (*addLater)() = nullptr;
     std::vector<CommandRegistry::Entry> entries;
     std::vector<AutomaticTestEntry> tests;
 };
@@ -15,6 +17,14 @@ Registry& GetRegistry()
 {
     static Registry registry;
     return registry;
+}
+/// Adds what is still to be added; false when there is nothing.
+bool TryAddLater()
+{
+    const auto add = std::exchange(GetRegistry().addLater, nullptr);
+    if (add)
+        add();
+    return add != nullptr;
 }
 } // namespace
 
@@ -33,16 +43,26 @@ void CommandRegistry::AddTest(const AutomaticTestEntry& entry)
     GetRegistry().tests.push_back(entry);
 }
 
+void CommandRegistry::AddLater(void (*add)())
+{
+    GetRegistry().addLater = add;
+}
+
 const CommandRegistry::Entry* CommandRegistry::FindOrNull(const WString& name)
 {
-    const auto& entries = GetEntries();
-    const auto found = std::ranges::find_if(
-        entries, [&](const Entry& entry) { return EqualsIgnoreCase(entry.name.View(), name.View()); });
-    return found == entries.end() ? nullptr : &*found;
+    const auto find = [&]() -> const Entry* {
+        const auto& entries = GetRegistry().entries;
+        const auto found = std::ranges::find_if(
+            entries, [&](const Entry& entry) { return EqualsIgnoreCase(entry.name.View(), name.View()); });
+        return found == entries.end() ? nullptr : &*found;
+    };
+    const Entry* const entry = find();
+    return entry || !TryAddLater() ? entry : find();
 }
 
 const std::vector<CommandRegistry::Entry>& CommandRegistry::GetEntries()
 {
+    TryAddLater();
     return GetRegistry().entries;
 }
 

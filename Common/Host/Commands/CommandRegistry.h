@@ -26,6 +26,9 @@ public:
     /// Makes one command to ask for its name and id, and adds it. A name already taken is refused with false.
     static bool Add(CommandFactory factory, const std::string& file);
     static void AddTest(const AutomaticTestEntry& entry);
+    /// Commands that are added when they are first needed: `add` is called once, when a name is not found, or all
+    /// commands are asked for.
+    static void AddLater(void (*add)());
     /// Null when there is none of that name; valid until the next Add.
     static const Entry* FindOrNull(const WString& name);
     static const std::vector<Entry>& GetEntries();

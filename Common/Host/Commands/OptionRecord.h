@@ -6,7 +6,8 @@ enum class OptionKind
     WholeNumber,
     Number,
     Text,
-    File
+    File,
+    ExitCodePatterns
 };
 
 /// An option of a command: what reading it takes, and what those who only look at it (completion, a check of scripts)
@@ -64,5 +65,16 @@ struct FileOption : TextOption
         : TextOption(name, exitNumber, minLength, maxLength, purpose)
     {
         kind = OptionKind::File;
+    }
+};
+
+/// Patterns of exit codes, separated by ";" or ",".
+struct ExitCodePatternsOption : TextOption
+{
+    constexpr ExitCodePatternsOption(const wchar_t* name, unsigned int exitNumber, unsigned int minLength,
+        unsigned int maxLength, const wchar_t* purpose)
+        : TextOption(name, exitNumber, minLength, maxLength, purpose)
+    {
+        kind = OptionKind::ExitCodePatterns;
     }
 };

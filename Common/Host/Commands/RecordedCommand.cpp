@@ -45,6 +45,12 @@ void RecordedCommand::Accept(
         throw refusal;
 }
 
+void RecordedCommand::Accept(const ArgumentList& arguments, const Options& options)
+{
+    const ArgumentCount& count = GetRecord()->argumentCount;
+    Accept(arguments, options, count.least, count.most);
+}
+
 ExitCode RecordedCommand::Refuse(unsigned int exitNumber, const WString& message)
 {
     SetFailureMessage(message);

@@ -15,8 +15,6 @@ public:
     void ShowUsage() override;
 
 protected:
-    static constexpr unsigned int anyCount = ~0u;
-
     /// Sets the flags of the record, which is not copied.
     explicit RecordedCommand(const CommandRecord& record);
 
@@ -25,6 +23,9 @@ protected:
     ExitCode Start(const Options& options);
     /// Starts a command that takes so many arguments; throws the refusal.
     void Accept(const ArgumentList& arguments, const Options& options, unsigned int minCount, unsigned int maxCount);
+
+    /// The same with the numbers of the record.
+    void Accept(const ArgumentList& arguments, const Options& options);
 
     /// The code to fail with; the message is for the report of whoever ran the command.
     ExitCode Refuse(unsigned int exitNumber, const WString& message);

@@ -1,5 +1,6 @@
-#include "Utf16.h"
+#include "Text/Utf16.h"
 
+#include "Text/HostError.h"
 #include "Text/WString.h"
 
 #include <utility>
@@ -14,8 +15,19 @@ static constexpr bool IsLow(unsigned int unit)
     return unit >= 0xDC00 && unit < 0xE000;
 }
 
-std::optional<Utf16Decoder> Utf16Decoder::TryRecognise(std::string_view start)
+/// Whether a text begins so that is neither UTF-8 nor UTF-16 with a byte order mark.
+static bool IsForeign(std::string_view start)
 {
+    const bool isMarked = start.starts_with("\xFE\xFF") || start.starts_with("\xFF\xFE");
+    return isMarked ? start.substr(2, 2) == std::string_view("\0\0", 2)
+                    : start.substr(0, 4).find('\0') != std::string_view::npos;
+}
+
+std::optional<Utf16Decoder> Utf16Decoder::TryRecognise(std::string_view start, const std::string& name)
+{
+    if (IsForeign(start))
+        throw HostException(HostError::FileError,
+            WString::FromUtf8(name + ": UTF-32, or UTF-16 without a byte order mark; save it as UTF-8"));
     if (!start.starts_with("\xFE\xFF") && !start.starts_with("\xFF\xFE"))
         return std::nullopt;
     return Utf16Decoder(start[0] == '\xFE');
