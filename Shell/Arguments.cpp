@@ -21,7 +21,9 @@ static constexpr const char* footer =
     "`labsh Help` lists the commands, `labsh Help Calc` explains one.\n"
     "Example: labsh -x -f cal.txt target=40 unit=\"A 7\"\n"
     "Exit status: 0; 1 when a command failed, with a line on standard error; 2 for wrong options; what Exit was\n"
-    "given; 128 and the number of a signal, as the shell ends by it.";
+    "given; 128 and the number of a signal, as the shell ends by it. With --check: 0 when nothing is found, 1 when "
+    "there\n"
+    "are warnings alone, 2 when there are errors, 3 when a script could not be checked.";
 
 /// The data folder where no option names one; empty where the environment gives none.
 static std::string GetDefaultDataFolder()
@@ -62,6 +64,12 @@ static std::string AskForOption(const CLI::App& app, const std::string& option)
     return similar.Get().IsEmpty() ? "" : DidYouMean(L"--" + similar.Get()).ToUtf8();
 }
 
+/// Standard input, or an option of the command Check.
+static bool IsOfCheck(const std::string& word)
+{
+    return word == "-" || word == "-json";
+}
+
 std::optional<int> ReadArguments(int count, char** texts, Arguments& arguments)
 {
     constexpr int wrongOptions = 2;
@@ -94,18 +102,25 @@ std::optional<int> ReadArguments(int count, char** texts, Arguments& arguments)
         ->capture_default_str()
         ->take_last();
     app.add_option("--plugin", arguments.plugins, "Load this plug-in too")->type_name("FILE")->allow_extra_args(false);
+    bool checks = false;
+    app.add_flag("--check", checks, "Look for what is wrong with the scripts FILE..., without running them")
+        ->excludes("-f");
     std::vector<std::string> words;
     try {
         app.parse(count, texts);
         words = app.remaining();
         if (!words.empty() && words[0] == "--")
             words.erase(words.begin());
-        else if (!words.empty() && words[0].starts_with('-'))
+        else if (!words.empty() && words[0].starts_with('-') && !(checks && IsOfCheck(words[0])))
             throw CLI::ExtrasError(std::vector<std::string>{words[0] + AskForOption(app, words[0])});
+        if (checks && words.empty())
+            throw CLI::ValidationError("--check", "which scripts?");
+        if (checks)
+            arguments.checkedScripts = std::exchange(words, {});
         if (arguments.script)
             arguments.variables = ReadVariables(std::exchange(words, {}));
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : wrongOptions;
+        return app.exit(error) == 0 ? 0 : app.count("--check") > 0 ? couldNotCheck : wrongOptions;
     }
     if (!words.empty())
         arguments.firstWord = words[0];

@@ -17,6 +17,7 @@ struct Arguments
     std::optional<std::string> script;
     std::vector<Variable> variables; // of the script
     std::string firstWord;           // of the line
+    std::optional<std::vector<std::string>> checkedScripts;
     bool keepsGoing = false;
     bool isStrict = false;
     bool traces = false;
@@ -26,6 +27,9 @@ struct Arguments
     std::string dataFolder;
     std::vector<std::string> plugins;
 };
+
+/// The exit status where scripts were to be checked and could not be.
+constexpr int couldNotCheck = 3;
 
 /// Reads the arguments. Yields an exit status when nothing remains to be done: help or version was printed, or the
 /// options are wrong.

@@ -24,6 +24,16 @@ static std::string GetShellFolder()
     return std::filesystem::read_symlink("/proc/self/exe").parent_path();
 }
 
+/// Most runs do without the command Check and completion, and need not load them.
+static void LoadScriptTools()
+try {
+    const std::string file = GetShellFolder() + "/ScriptTools.dll";
+    if (std::filesystem::exists(file))
+        PluginLoader::Load(file);
+} catch (const HostException& failure) {
+    WriteErrorLine(L"labsh: warning: " + failure.GetMessage());
+}
+
 void Start(const Arguments& arguments)
 {
     const std::string shellFolder = GetShellFolder();
@@ -36,13 +46,10 @@ void Start(const Arguments& arguments)
     PluginLoader::Load(shellFolder + "/ExpressionEvaluator.dll");
     for (const std::string& plugin : arguments.plugins)
         PluginLoader::Load(plugin);
+    CommandRegistry::AddLater(LoadScriptTools);
 }
 
 void LoadAssistant()
-try {
-    const std::string file = GetShellFolder() + "/ScriptTools.dll";
-    if (std::filesystem::exists(file))
-        PluginLoader::Load(file);
-} catch (const HostException& failure) {
-    WriteErrorLine(L"labsh: warning: " + failure.GetMessage());
+{
+    CommandRegistry::GetEntries(); // which come with it
 }

@@ -2,6 +2,7 @@
 #include "AssertReport.h"
 #include "BuiltIns/Exit.h"
 #include "Caret.h"
+#include "Colours.h"
 #include "Commands/StandardOutput.h"
 #include "DelayedStatus.h"
 #include "FileLines.h"
@@ -104,6 +105,18 @@ static std::string QuoteForShell(const std::string& word)
     return quoted + "'";
 }
 
+/// The word as a command line takes it, a dash at its start too.
+static WString QuoteForCommand(const WString& word)
+{
+    WString quoted = L"\"";
+    for (const wchar_t ch : word) {
+        if (ch == L'"' || ch == L'\\')
+            quoted += L'\\';
+        quoted += ch;
+    }
+    return quoted + L"\"";
+}
+
 /// Says how a script is run, where its file was given for a command.
 static void AddHint(const Arguments& arguments, CommandRunner::Outcome& outcome)
 {
@@ -171,6 +184,29 @@ static bool RunScriptFile(
     if (ending.isReadToEnd)
         DelayedStatus::Finish();
     return ending.succeeded;
+}
+
+/// Runs the command Check on the scripts; yields the exit status.
+static int CheckScripts(const std::vector<std::string>& words)
+{
+    constexpr unsigned int onlyWarnings = 10; // what the command fails with
+    constexpr unsigned int hasErrors = 11;
+    // As variables the words stand for themselves, whatever they hold.
+    Environment environment;
+    WString line = HasColours(STDOUT_FILENO) ? L"Check -colour" : L"Check";
+    for (const std::string& word : words) {
+        const WString name = WString::Format(L"word%u", line.Length());
+        environment.SetString(name, word == "-json" ? L"-json" : QuoteForCommand(WString::FromUtf8(word)));
+        line += L" %E{" + name + L"}";
+    }
+    const CommandRunner::Outcome outcome = CommandRunner::Run(line, StandardOutput::Get(), environment, 0);
+    const unsigned int number = outcome.code.GetModule() == 0 ? outcome.code.GetNumber() : couldNotCheck;
+    if (!outcome.code.IsError())
+        return 0;
+    if (number == onlyWarnings || number == hasErrors)
+        return number == onlyWarnings ? 1 : 2;
+    WriteReport(L"labsh: ", outcome.code, outcome.message);
+    return couldNotCheck;
 }
 
 static bool Run(const Arguments& arguments, AssertReport* asserts)
@@ -262,6 +298,7 @@ static bool FinishRun(unsigned int start, Watchers& watchers)
 static int RunShell(Arguments& arguments)
 {
     const unsigned int start = GetTickCount();
+    const int failed = arguments.checkedScripts ? couldNotCheck : 1;
     std::optional<ThrowAwayFolder> folder;
     std::optional<Watchers> watchers;
     const auto startUp = [&] {
@@ -278,11 +315,20 @@ static int RunShell(Arguments& arguments)
     if (!hasStarted) {
         if (asserts)
             TryToWrite([&] { asserts->Write(); });
-        return 1;
+        return failed;
     }
-    const bool succeeded = TryTo([&] { return Run(arguments, asserts); }, &watchers);
+    int checkStatus = 0;
+    const bool succeeded = TryTo(
+        [&] {
+            if (arguments.checkedScripts)
+                checkStatus = CheckScripts(*arguments.checkedScripts);
+            return arguments.checkedScripts || Run(arguments, asserts);
+        },
+        &watchers);
     if (!FinishRun(start, *watchers))
-        return 1;
+        return failed;
+    if (arguments.checkedScripts)
+        return succeeded ? checkStatus : failed;
     const bool areAssertsGood = !asserts || !asserts->HasFailures();
     return GetExitStatus().value_or(succeeded && areAssertsGood ? 0 : 1);
 }

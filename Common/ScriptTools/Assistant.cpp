@@ -1,10 +1,24 @@
 #include "Candidates.h"
+#include "LineFormat.h"
+#include "LineHelp.h"
+#include "ScriptCheck.h"
 
 namespace {
 class Assistant : public ScriptAssistant
 {
 public:
     Completion Complete(std::wstring_view line, std::size_t cursor, const Environment& environment) const override;
+    ScriptAnalysis Analyse(
+        std::string_view script, const std::string& path, const Environment& variables) const override
+    {
+        return CheckScript(script, path, variables);
+    }
+    Explanation Explain(std::wstring_view line, std::size_t cursor, const Environment& environment) const override
+    {
+        return ExplainPlace(line, cursor, environment);
+    }
+    CallForm DescribeCall(std::wstring_view line, std::size_t cursor) const override { return FindCall(line, cursor); }
+    WString Format(const WString& line) const override { return FormatLine(line); }
 };
 
 /// Leaves out the end of a candidate that stands behind the cursor already.

@@ -1,6 +1,7 @@
 #include "LineReader.h"
 
 #include "ExpressionEvaluator.h"
+#include "LineParts.h"
 #include "Text/CharacterCase.h"
 #include "Text/QuoteTracker.h"
 #include "Text/ReferenceText.h"
@@ -45,15 +46,9 @@ private:
     const View line;
     Place place;
 
-    std::size_t SkipBlanks(std::size_t position) const
-    {
-        return static_cast<std::size_t>(
-            std::find_if_not(line.begin() + static_cast<std::ptrdiff_t>(position), line.end(), IsWhiteSpace) -
-            line.begin());
-    }
+    std::size_t SkipBlanks(std::size_t position) const { return ::SkipBlanks(line, position); }
     std::size_t FindWordEnd(std::size_t position) const;
     std::size_t FindBehind(std::size_t start, const wchar_t* separator) const;
-    std::size_t FindLastPiece(std::size_t start, wchar_t separator) const;
 
     void Expect(Kind kind, std::size_t start)
     {
@@ -83,28 +78,11 @@ std::size_t LineReader::FindWordEnd(std::size_t position) const
 /// Behind the first separator in front of which something stands; npos when there is none, or it is being written.
 std::size_t LineReader::FindBehind(std::size_t start, const wchar_t* separator) const
 {
-    if (!IsNameCharacter(separator[0])) {
-        const bool isBlank = IsWhiteSpace(separator[0]);
-        const std::size_t found = isBlank ? FindWordEnd(start) : line.find(separator, start);
-        return found == View::npos ? View::npos : isBlank ? SkipBlanks(found) : found + 1;
-    }
-    const WString text = WString(line.substr(start));
-    WString before;
-    WString after;
-    if (!text.TrySplitAtKeyword(separator, before, after) || (after.IsEmpty() && !IsWhiteSpace(line.back())))
+    const bool isKeyword = IsNameCharacter(separator[0]);
+    Span found;
+    if (!TryFindSeparator(line, {start, line.size()}, separator, found) || (isKeyword && found.end == line.size()))
         return View::npos;
-    const auto last = std::find_if_not(line.rbegin(), line.rend(), IsWhiteSpace).base();
-    return after.IsEmpty() ? line.size() : static_cast<std::size_t>(last - line.begin()) - after.Length();
-}
-
-std::size_t LineReader::FindLastPiece(std::size_t start, wchar_t separator) const
-{
-    QuoteTracker quotes;
-    for (std::size_t position = start; position < line.size(); ++position) {
-        if (quotes.Next(line.substr(position)) == QuoteTracker::Role::Outside && line[position] == separator)
-            start = position + 1;
-    }
-    return start;
+    return isKeyword || IsWhiteSpace(separator[0]) ? SkipBlanks(found.end) : found.end;
 }
 
 /// line: command | expression
@@ -222,7 +200,8 @@ void LineReader::ReadPart(std::size_t start, ArgumentKind kind, wchar_t listSepa
     switch (kind) {
     case ArgumentKind::Expression: return ReadExpression(start);
     case ArgumentKind::Command: return ReadCommand(start);
-    case ArgumentKind::CommandList: return ReadCommand(FindLastPiece(start, listSeparator));
+    case ArgumentKind::CommandList:
+        return ReadCommand(SplitList(line, {start, line.size()}, listSeparator).back().start);
     default: break;
     }
     place.isQuoted = line.substr(start).starts_with(L'"');

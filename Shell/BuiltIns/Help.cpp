@@ -12,16 +12,18 @@ namespace {
 constexpr UsageLine usage_lc[] = {
     L"Usage: Help [<command, function or topic>]",
     L"       Help <exit code>",
+    L"       Help <code of a finding>",
     L"       Help <pattern>",
     L" Lists the commands and topics, shows the usage of a command, describes a",
     L" function of the expression evaluator, tells about a topic, or explains an",
-    L" exit code. A pattern, with the wildcards * and ?, is looked for among the",
-    L" words that are said of commands, functions and topics, and among the names of",
-    L" status items.",
+    L" exit code or what Check has found. A pattern, with the wildcards * and ?, is",
+    L" looked for among the words that are said of commands, functions and topics,",
+    L" and among the names of status items.",
     L" The examples can be pasted at the prompt.",
     L"Example: Help Round",
     L"         Help operators",
     L"         Help 1043:505:20",
+    L"         Help S012",
     L"         Help temp*",
 };
 
@@ -39,6 +41,7 @@ private:
     void Describe(const WString& name);
     bool TryDescribeFunction(const WString& name);
     bool TryDescribeTopic(const WString& name);
+    bool TryExplainFinding(const WString& code);
     void ListFunctions();
     [[noreturn]] void FailAsUnknown(const WString& name);
 
@@ -56,7 +59,7 @@ WString WithoutWildcard(const WString& code)
 
 ExitCode Help::Main(ArgumentList& arguments, Options& options)
 {
-    Accept(arguments, options, 0, 1);
+    Accept(arguments, options);
     ExitCode code;
     if (arguments.Count() == 0)
         ListCommands();
@@ -122,8 +125,24 @@ void Help::Describe(const WString& name)
         CommandRunner::ShowUsage(*command, GetPipe());
     const bool isFunction = TryDescribeFunction(name);
     const bool isTopic = TryDescribeTopic(name);
-    if (!command && !isFunction && !isTopic)
+    if (!command && !isFunction && !isTopic && !TryExplainFinding(name))
         FailAsUnknown(name);
+}
+
+/// The code is the first word of its heading.
+bool Help::TryExplainFinding(const WString& code)
+{
+    CommandRegistry::GetEntries(); // the plug-in with the texts comes along with its commands
+    for (const HelpEntry& entry : ReadHelpTexts(L"FINDINGS.TXT")) {
+        WString entryCode;
+        WString title;
+        CommandLine::SplitName(entry.lines[0], entryCode, title);
+        if (!entryCode.Equals(code.View(), true))
+            continue;
+        entry.Write(GetPipe());
+        return true;
+    }
+    return false;
 }
 
 bool Help::TryDescribeFunction(const WString& name)
@@ -283,4 +302,4 @@ bool Help::TryExplainByOptions(const CommandRecord& record, unsigned int number)
 constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Topic}};
 } // namespace
 
-constexpr CommandRecord help_gb = {L"Help", 2006, Create<Help>, usage_lc, {}, 0, arguments_lc};
+constexpr CommandRecord help_gb = {L"Help", 2006, Create<Help>, usage_lc, {}, 0, arguments_lc, {0, 1}};

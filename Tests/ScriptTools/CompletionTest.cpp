@@ -1,10 +1,6 @@
 // What the loaded plug-in proposes at the cursor, which is "|" in the line.
 
-#include "BuiltIns/BuiltIns.h"
-#include "Commands/PluginLoader.h"
-#include "Commands/ScriptAssistant.h"
-#include "Instrument/System.h"
-#include "Support/TemporaryFolder.h"
+#include "ScriptTools/LoadedTools.h"
 
 #include <gtest/gtest.h>
 
@@ -12,18 +8,9 @@ namespace {
 class CompletionTest : public testing::Test
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        static const TemporaryFolder folder;
-        System::Start(folder.GetPath(), SOURCE_DIR "/Shell/Profile");
-        System::usage.Set(L"Boxes", 7);
-        AddBuiltIns();
-        PluginLoader::Load(PLUGIN_FILE);
-        PluginLoader::Load(SCRIPT_TOOLS_FILE);
-    }
-
     CompletionTest()
     {
+        System::usage.Set(L"Boxes", 7);
         environment.SetString(L"target", L"37");
         environment.SetString(L"tries", L"3");
     }
@@ -33,9 +20,10 @@ protected:
         const std::size_t cursor = line.find('|');
         const WString before = WString::FromUtf8(line.substr(0, cursor));
         const WString text = before + WString::FromUtf8(line.substr(cursor + 1));
-        return ScriptAssistant::GetOrNull()->Complete(text.View(), before.Length(), environment);
+        return tools->Complete(text.View(), before.Length(), environment);
     }
 
+    const LoadedTools tools;
     Environment environment;
 };
 } // namespace

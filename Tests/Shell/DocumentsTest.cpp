@@ -204,8 +204,8 @@ void CompareFailures(CommandLine& commandLine, const std::vector<Example>& examp
 
 TEST(DocumentsTest, CommandsPrintWhatIsShown)
 {
-    for (const char* name : {"README.md", "Docs/Commands.md", "Docs/Errors.md", "Docs/Language.md", "Docs/Scripts.md",
-             "Docs/Shell.md", "Docs/Tutorial.md"}) {
+    for (const char* name : {"README.md", "Docs/Check.md", "Docs/Commands.md", "Docs/Errors.md", "Docs/Language.md",
+             "Docs/Scripts.md", "Docs/Shell.md", "Docs/Tutorial.md"}) {
         SCOPED_TRACE(name);
         CommandLine commandLine;
         const Page page = ReadPage(name);

@@ -364,7 +364,8 @@ TEST(ShellTest, SeveralPlugins)
     EXPECT_THAT(labsh.GetOutput(),
         testing::MatchesRegex(
             "[^\n]*/ExpressionEvaluator.dll\n"
-            "  Version: 6.0.6.5480\n(  [A-Z][A-Za-z]*: [^\n]+\n){5}" SECOND_PLUGIN_FILE "\n" FUNCTIONS_ONLY_FILE "\n"));
+            "  Version: 6.0.6.5480\n(  [A-Z][A-Za-z]*: [^\n]+\n){5}" SECOND_PLUGIN_FILE "\n" FUNCTIONS_ONLY_FILE
+            "\n[^\n]*/ScriptTools.dll\n  Version: [0-9.]+\n(  [A-Z][A-Za-z]*: [^\n]+\n)+"));
     EXPECT_EQ(labsh.Describe(labsh.Run({"--plugin", SECOND_PLUGIN_FILE, "Test -junit\"the report.xml\" sec*"})),
         "Second: 6 checks, 4 failures\n"
         "  second: expected \"<&>\", got \"\"\x01\"\"\n"

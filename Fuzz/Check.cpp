@@ -1,0 +1,18 @@
+// Analyses whatever the fuzzer thinks of, as a script, with the plug-ins as they are loaded:
+//
+//     Tools/build.sh asan all shell tests checks
+//     mkdir -p build/asan/corpus
+//     build/asan/bin/CheckFuzzer -max_total_time=600 -max_len=1000 build/asan/corpus Tests/Scripts Examples/Scripts
+
+#include "ScriptTools/LoadedTools.h"
+
+#include <cstddef>
+#include <cstdint>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size)
+{
+    static const LoadedTools tools;
+    const std::string_view script(reinterpret_cast<const char*>(bytes), size);
+    tools->Analyse(script, "", Environment());
+    return 0;
+}
