@@ -94,6 +94,8 @@ std::optional<int> ReadArguments(int count, char** texts, Arguments& arguments)
            "Record the session in this file, behind what it holds: each line with its time")
         ->type_name("FILE")
         ->take_last();
+    app.add_flag(
+        "--lsp", arguments.servesEditor, "Serve an editor: the language server protocol on standard input and output");
     const auto fresh =
         app.add_flag("--fresh", arguments.isFresh, "Work on a new instrument that is thrown away at the end");
     app.add_option("--data", arguments.dataFolder, "The instrument's data folder")

@@ -24,6 +24,7 @@ struct Arguments
     std::optional<std::string> assertReport;
     std::optional<std::string> sessionLog;
     bool isFresh = false;
+    bool servesEditor = false;
     std::string dataFolder;
     std::vector<std::string> plugins;
 };

@@ -7,6 +7,7 @@
 #include "DelayedStatus.h"
 #include "FileLines.h"
 #include "Instrument/System.h"
+#include "LanguageServer/Run.h"
 #include "LastAnswer.h"
 #include "PagedOutput.h"
 #include "PassedOver.h"
@@ -211,6 +212,10 @@ static int CheckScripts(const std::vector<std::string>& words)
 
 static bool Run(const Arguments& arguments, AssertReport* asserts)
 {
+    if (arguments.servesEditor) {
+        LoadAssistant();
+        return RunLanguageServer();
+    }
     if (arguments.line) {
         OneLine line(*arguments.line);
         return RunScriptFile(arguments, line, "", asserts);
