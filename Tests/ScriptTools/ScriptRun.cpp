@@ -304,14 +304,15 @@ std::string FindObjection(const Finding& finding, const LoneCommand& command, co
 {
     const LoneCommand::Part& part = command.FindPart(finding.place);
     const std::size_t place = command.Locate(finding.place) - part.start;
+    const bool isSkipped = part.text.StartsWith(L"Set -i", true); // where the variable exists
     if (finding.isError) {
         if (part.isExpectedToFail)
             return "is expected to fail";
-        const std::string difference = Compare(RunAlone(part.text, path, variables), finding.message, place);
+        const std::string difference =
+            Compare(RunAlone(part.text, path, isSkipped ? Environment() : variables), finding.message, place);
         if (!difference.empty())
             return FailsAlone(part.text, finding.message, place, variables) ? "" : difference;
     }
-    const bool isSkipped = part.text.StartsWith(L"Set -i", true); // where the variable exists
     if (!isSkipped && TellsOfFailure(finding, part.text) && run.succeeded.contains({command.line, part.text}))
         return "succeeds in the script";
     return "";
