@@ -31,11 +31,12 @@ const wchar_t* GetCode(unsigned int number)
 bool HasUnreadable(std::wstring_view expression)
 {
     constexpr std::size_t longest = 256;
+    EEToken value;
     WString message;
     for (std::size_t at = expression.find(L'%'); at != std::wstring_view::npos; at = expression.find(L'%', at + 1)) {
         const std::wstring_view text = expression.substr(at, longest);
         const WString reference(text.substr(0, FindItemEnd(text, 0)));
-        if (reference.StartsWith(L"%S{", true) && !OperandReader::IsReadable(reference, message))
+        if (reference.StartsWith(L"%S{", true) && !OperandReader::IsReadable(reference, value, message))
             return true;
     }
     return false;

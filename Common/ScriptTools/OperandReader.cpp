@@ -23,6 +23,14 @@ WString Quote(const WString& text)
     return text.IsEmpty() ? text : L"\"" + text + L"\"";
 }
 
+/// What a reference may yield that yields `value` now. A status item keeps its type, but may be deleted.
+unsigned int GetKinds(wchar_t kind, const EEToken& value)
+{
+    const unsigned int kinds = Of(value);
+    const bool isTyped = kind == L'U' || (kind == L'S' && (kinds == Number || kinds == Boolean));
+    return isTyped ? (kind == L'U' ? Number : kinds) | Error : Any;
+}
+
 /// A built-in name whose value changes from one moment to the next.
 bool IsEverChanging(const WString& name)
 {
@@ -54,6 +62,7 @@ WString OperandReader::NameAt(const EEToken& token) const
 AbstractValue OperandReader::ReadReference(const EEToken& token)
 {
     const WString& reference = token.GetText();
+    EEToken value;
     if (reference[1] == L'E') {
         const WString name = GetInnerName(reference);
         if (!IsSet(name) && IsFirst(token)) {
@@ -64,17 +73,16 @@ AbstractValue OperandReader::ReadReference(const EEToken& token)
     } else if (!Reference::Exists(reference, Environment())) {
         if (IsFirst(token))
             WarnOfMissing(Findings::UnknownReference, token, Reference::FindSimilar(reference, Environment()));
-    } else if (WString message; !IsReadable(reference, message)) {
+    } else if (WString message; !IsReadable(reference, value, message)) {
         hasUnreadable = true;
         found.Warn(Findings::BadReference, token.GetPosition(), message);
     }
-    return AbstractValue::Unknown(reference[1] == L'U' ? Number | Error : Any, token.GetPosition());
+    return AbstractValue::Unknown(GetKinds(reference[1], value), token.GetPosition());
 }
 
-bool OperandReader::IsReadable(const WString& reference, WString& message)
+bool OperandReader::IsReadable(const WString& reference, EEToken& value, WString& message)
 {
     ExpressionEvaluator evaluator(nullptr, 0);
-    EEToken value;
     ExitCode code;
     return evaluator.TryEvaluate(reference, value) || !evaluator.TryGetErrorMessage(code, message, nullptr) ||
         code.GetNumber() != Errors::StatusInaccessible.number;
