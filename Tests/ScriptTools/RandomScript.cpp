@@ -166,7 +166,7 @@ public:
     std::string Define(bool isText)
     {
         const std::string name = Pick(isText ? textNames_lc : numberNames_lc);
-        const std::string line = "Set " + name + "=" + (isText ? "\"Hello\"" : Expand("Mod($n, 97)"));
+        std::string line = "Set " + name + "=" + (isText ? "\"Hello\"" : Expand("Mod($n, 97)"));
         (isText ? texts : numbers).push_back(name);
         return line;
     }

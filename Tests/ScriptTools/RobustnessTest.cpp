@@ -17,7 +17,7 @@ class RobustnessTest : public testing::Test
 protected:
     ScriptAnalysis Analyse(const std::string& script, const std::string& path = "")
     {
-        const ScriptAnalysis analysis = tools->Analyse(script, path, Environment());
+        ScriptAnalysis analysis = tools->Analyse(script, path, Environment());
         lengths.clear();
         for (std::size_t start = 0; start <= script.size(); start += line.size() + 1) {
             line = script.substr(start, script.find('\n', start) - start);

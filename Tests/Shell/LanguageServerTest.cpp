@@ -8,6 +8,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <random>
 
 namespace {
@@ -78,9 +79,8 @@ TEST(LanguageServerTest, AnswersAsTheTranscriptSays)
         else if (line.starts_with("<- "))
             expected.push_back(Json::parse(text));
     }
-    std::vector<std::string> texts;
-    for (const Json& message : expected)
-        texts.push_back(message.dump());
+    std::vector<std::string> texts(expected.size());
+    std::ranges::transform(expected, texts.begin(), [](const Json& message) { return message.dump(); });
     Labsh labsh({"--lsp"}, input);
     EXPECT_EQ(labsh.Wait(), 0);
     EXPECT_THAT(Describe(Unpack(labsh.GetOutput(), std::string::npos), expected), testing::ElementsAreArray(texts));
@@ -129,7 +129,7 @@ public:
         Json message = messages[Pick(messages.size())];
         while (Pick(3) != 0)
             Spoil(message);
-        const std::string body = message.dump();
+        std::string body = message.dump();
         switch (Pick(12)) {
         case 0: return Frame(body.substr(0, Pick(body.size())));
         case 1: return body;
