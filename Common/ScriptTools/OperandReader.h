@@ -18,8 +18,8 @@ public:
 
     /// The operand that an evaluator has made which reads nothing.
     AbstractValue Read(const EEToken& token);
-    /// Whether the bench lets expressions read what a reference names, with the value; else with what a run says. An item may be of a
-    /// type that expressions do not take, which fails before anything is evaluated.
+    /// Whether the bench lets expressions read what a reference names, with the value; else with what a run says. An
+    /// item may be of a type that expressions do not take, which fails before anything is evaluated.
     static bool IsReadable(const WString& reference, EEToken& value, WString& message);
     /// Whether one of the references cannot be read, so that nothing is evaluated on this bench.
     bool HasUnreadable() const noexcept { return hasUnreadable; }
