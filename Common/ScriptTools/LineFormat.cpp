@@ -7,7 +7,6 @@
 
 namespace {
 using View = std::wstring_view;
-using Kind = LinePiece::Kind;
 
 bool IsTight(View separator)
 {
@@ -19,15 +18,15 @@ View GetGap(const LinePiece& piece, View line, View former)
 {
     if (!std::ranges::all_of(former, IsWhiteSpace))
         return former;
-    return piece.kind == Kind::Separator && IsTight(piece.place.In(line)) ? View() : L" ";
+    return piece.kind == LinePiece::Kind::Separator && IsTight(piece.place.In(line)) ? View() : L" ";
 }
 
 WString GetText(const LinePiece& piece, View line)
 {
     const WString text(piece.place.In(line));
-    if (piece.kind == Kind::Command)
+    if (piece.kind == LinePiece::Kind::Command)
         return piece.command->name;
-    return piece.kind == Kind::Keyword ? text.Left(1).ToUpperCase() + text.Substring(1).ToLowerCase() : text;
+    return piece.kind == LinePiece::Kind::Keyword ? text.Left(1).ToUpperCase() + text.Substring(1).ToLowerCase() : text;
 }
 
 /// Where a backslash would be the last character, the blanks behind it keep it from continuing the line.
@@ -43,7 +42,7 @@ WString FormatLine(const WString& text)
     constexpr std::size_t safeLength = 4096; // of a command in a list, which may not grow beyond it
     const View line = text.View();
     const std::vector<LinePiece> pieces = ReadLinePieces(line);
-    if (pieces.empty() || pieces.front().kind != Kind::Command)
+    if (pieces.empty() || pieces.front().kind != LinePiece::Kind::Command)
         return text;
     const std::size_t start = pieces.front().place.start;
     WString formatted(line.substr(0, start));

@@ -7,7 +7,6 @@
 
 namespace {
 using View = std::wstring_view;
-using Kind = LinePiece::Kind;
 
 /// Separators that nothing else consists of; with another one a list is left as it stands.
 constexpr View plainSeparators_lc = L";,|/!&:+#~";
@@ -25,6 +24,8 @@ public:
     }
 
 private:
+    using Kind = LinePiece::Kind;
+
     const View line;
     std::vector<LinePiece> pieces;
 
@@ -110,7 +111,7 @@ std::vector<LinePiece> ReadLinePieces(View line)
 {
     const CommandText command = ReadCommandText(line, {0, line.size()});
     if (!command.entry && !command.place.IsEmpty())
-        return {{Kind::Argument, command.place, nullptr, ArgumentKind::Expression}};
+        return {{LinePiece::Kind::Argument, command.place, nullptr, ArgumentKind::Expression}};
     LinePieces pieces(line);
     pieces.AddCommand(command);
     return pieces.Take();

@@ -55,10 +55,10 @@ try {
     return false;
 }
 
-class Refusal
+class RefusalSearch
 {
 public:
-    Refusal(View line, const CommandText& command, const KnownNames& known)
+    RefusalSearch(View line, const CommandText& command, const KnownNames& known)
         : line(line), command(command), record(*command.entry->record), known(known)
     {}
 
@@ -107,7 +107,7 @@ private:
 };
 
 /// A reference whose form is wrong, whatever there is.
-bool Refusal::RefusesReferences()
+bool RefusalSearch::RefusesReferences()
 {
     for (const Span& place : command.references) {
         const ReferenceText::Reference read = ReferenceText::Read(place.In(line));
@@ -120,7 +120,7 @@ bool Refusal::RefusesReferences()
     return false;
 }
 
-bool Refusal::RefusesQuote()
+bool RefusalSearch::RefusesQuote()
 {
     if (command.isClosed)
         return false;
@@ -136,7 +136,7 @@ bool Refusal::RefusesQuote()
         Findings::MissingQuote, {opening, command.place.end}, HostException(HostError::UnterminatedQuote).GetMessage());
 }
 
-bool Refusal::RefusesCount()
+bool RefusalSearch::RefusesCount()
 {
     const std::size_t count = command.words.size();
     const ArgumentCount& wanted = record.argumentCount;
@@ -151,7 +151,7 @@ bool Refusal::RefusesCount()
     return Refuse(Findings::WrongArguments, place, L"Wrong number of arguments");
 }
 
-bool Refusal::RefusesValues()
+bool RefusalSearch::RefusesValues()
 {
     if (command.entry->file.empty() && RefusesValue(recordHeader_lc))
         return true;
@@ -159,7 +159,7 @@ bool Refusal::RefusesValues()
 }
 
 /// Of an option given twice the last counts.
-bool Refusal::RefusesValue(const OptionRecord& row)
+bool RefusalSearch::RefusesValue(const OptionRecord& row)
 {
     const OptionText* given = nullptr;
     for (const OptionText& option : command.options) {
@@ -172,7 +172,7 @@ bool Refusal::RefusesValue(const OptionRecord& row)
         Findings::BadOptionValue, given->place, L"Bad value of option -" + given->text, FindSimilarOption(*given));
 }
 
-bool Refusal::RefusesParts()
+bool RefusalSearch::RefusesParts()
 {
     if (command.missing && !IsNameCharacter(command.missing->separator[0]))
         return Refuse(Findings::MissingKeyword, command.place, L"There is no command behind the exit code");
@@ -190,7 +190,7 @@ bool Refusal::RefusesParts()
 }
 
 /// A list that is split before anything is run, as it is where there is no other to choose.
-bool Refusal::RefusesList()
+bool RefusalSearch::RefusesList()
 {
     if (record.arguments.size() != 2 || record.arguments[1].kind != ArgumentKind::CommandList ||
         command.parts.size() != 2)
@@ -203,7 +203,7 @@ bool Refusal::RefusesList()
 }
 
 /// What Set takes for a name; patterns stand where nothing is assigned.
-bool Refusal::RefusesName()
+bool RefusalSearch::RefusesName()
 {
     if (command.parts.empty() || command.parts[0].record->kind != ArgumentKind::Variable)
         return false;
@@ -217,7 +217,7 @@ bool Refusal::RefusesName()
         Refuse(Findings::BadName, place, L"Invalid character in variable name: " + WString(name));
 }
 
-bool Refusal::RefusesOptions()
+bool RefusalSearch::RefusesOptions()
 {
     const auto unknown = std::ranges::find_if(command.options,
         [this](const OptionText& option) { return !option.row && option.isJudged && !IsRecordHeader(option); });
@@ -227,7 +227,7 @@ bool Refusal::RefusesOptions()
         HostException(HostError::UnknownOption, L"-" + unknown->text).GetMessage(), FindSimilarOption(*unknown));
 }
 
-bool Refusal::RefusesNumber()
+bool RefusalSearch::RefusesNumber()
 {
     if (command.parts.empty() || command.DependsOnValue(command.words[0]))
         return false;
@@ -243,14 +243,14 @@ bool Refusal::RefusesNumber()
 }
 
 /// What Set refuses.
-bool Refusal::RefusesCombination()
+bool RefusalSearch::RefusesCombination()
 {
     return command.parts.size() == 2 && command.parts[0].record->kind == ArgumentKind::Variable &&
         !command.parts[1].place.IsEmpty() && command.HasOption(L"z") &&
         Refuse(Findings::DeletedAndAssigned, command.place, L"A variable cannot be deleted and assigned at once");
 }
 
-WString Refusal::FindSimilarOption(const OptionText& option) const
+WString RefusalSearch::FindSimilarOption(const OptionText& option) const
 {
     SimilarName similar(option.text);
     for (const OptionRecord& row : record.options)
@@ -304,7 +304,7 @@ std::optional<LineFinding> FindRefusal(View line, const CommandText& command, co
         return MakeUnknownCommand(line, command.name);
     if (!command.entry->record)
         return std::nullopt;
-    Refusal refusal(line, command, known);
+    RefusalSearch refusal(line, command, known);
     if (!refusal.TryFind())
         return std::nullopt;
     LineFinding finding = refusal.Take();

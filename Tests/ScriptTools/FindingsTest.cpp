@@ -37,16 +37,16 @@ std::vector<Case> ReadCases()
 }
 
 /// An entry of the texts that explain findings.
-struct Explanation
+struct ExplainedFinding
 {
     std::string code;
     std::string example{};
     std::string better{};
 };
 
-std::vector<Explanation> ReadExplanations()
+std::vector<ExplainedFinding> ReadExplanations()
 {
-    std::vector<Explanation> explanations;
+    std::vector<ExplainedFinding> explanations;
     bool isBetter = false;
     for (EmbeddedResource text(std::string(SCRIPT_TOOLS_FILE), L"FINDINGS.TXT"); !text.EndOfFile();) {
         const std::string line = text.ReadLine().ToUtf8();
@@ -112,7 +112,7 @@ TEST_F(FindingsTest, AreThoseOfTheTable)
 
 TEST_F(FindingsTest, AreExplainedByExamples)
 {
-    const std::vector<Explanation> explanations = ReadExplanations();
+    const std::vector<ExplainedFinding> explanations = ReadExplanations();
     EXPECT_GT(explanations.size(), 20u);
     for (const auto& [code, example, better] : explanations) {
         const bool isFound = Check(example).find("[" + code + "]") != std::string::npos;

@@ -22,16 +22,16 @@ std::vector<std::string> SplitLines(const std::string& text)
 }
 
 /// What Help explains an exit code by.
-struct Explanation
+struct ExplainedError
 {
     std::string pattern;
     std::string message;
     std::vector<std::string> examples;
 };
 
-std::vector<Explanation> ReadExplanations(const char* file)
+std::vector<ExplainedError> ReadExplanations(const char* file)
 {
-    std::vector<Explanation> explanations;
+    std::vector<ExplainedError> explanations;
     for (EmbeddedResource text(file, L"ERRORS.TXT"); !text.EndOfFile();) {
         const std::string line = text.ReadLine().ToUtf8();
         const std::size_t blank = line.find(' ');
@@ -43,7 +43,7 @@ std::vector<Explanation> ReadExplanations(const char* file)
     return explanations;
 }
 
-bool Explains(const Explanation& explanation, const std::string& code, const std::string& message)
+bool Explains(const ExplainedError& explanation, const std::string& code, const std::string& message)
 {
     return WString::FromUtf8(code).IsWildcardMatch(WString::FromUtf8(explanation.pattern).ToCString(), false) &&
         message.starts_with(explanation.message);
@@ -73,10 +73,10 @@ TEST(HelpTest, TopicsCanBePasted)
 TEST(HelpTest, ExamplesOfErrorsFailWithThem)
 {
     for (const char* file : {LABSH_FILE, PLUGIN_FILE}) {
-        const std::vector<Explanation> explanations = ReadExplanations(file);
+        const std::vector<ExplainedError> explanations = ReadExplanations(file);
         ASSERT_FALSE(explanations.empty());
         std::string script;
-        for (const Explanation& explanation : explanations)
+        for (const ExplainedError& explanation : explanations)
             for (const std::string& example : explanation.examples)
                 script += example + "\n";
         Labsh labsh({"-k"}, script);
@@ -90,7 +90,7 @@ TEST(HelpTest, ExamplesOfErrorsFailWithThem)
                 failures[line] = report.substr(static_cast<std::size_t>(failure));
         }
         int line = 0;
-        for (Explanation explanation : explanations) {
+        for (ExplainedError explanation : explanations) {
             if (explanation.pattern.find(":0:") != std::string::npos)
                 explanation.message.clear(); // a command says more exactly what is wrong
             for (const std::string& example : explanation.examples) {
@@ -106,9 +106,9 @@ TEST(HelpTest, ExamplesOfErrorsFailWithThem)
 
 TEST(HelpTest, EveryErrorIsExplained)
 {
-    std::vector<Explanation> explanations = ReadExplanations(LABSH_FILE);
+    std::vector<ExplainedError> explanations = ReadExplanations(LABSH_FILE);
     const auto expect = [&](const std::string& code, const std::string& message) {
-        if (std::ranges::none_of(explanations, [&](const Explanation& each) { return Explains(each, code, message); }))
+        if (std::ranges::none_of(explanations, [&](const ExplainedError& each) { return Explains(each, code, message); }))
             ADD_FAILURE() << "No ERRORS.TXT explains " << code << " " << message;
     };
     for (unsigned int number = 1; number <= 100; ++number) {

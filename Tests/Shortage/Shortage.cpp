@@ -65,9 +65,11 @@ static void* Take(std::size_t size)
 }
 #else
 // The C library's own names for its functions.
+// NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" void* __libc_malloc(std::size_t size);
 extern "C" void* __libc_calloc(std::size_t count, std::size_t size);
 extern "C" void* __libc_realloc(void* block, std::size_t size);
+// NOLINTEND(bugprone-reserved-identifier)
 
 static void* Take(std::size_t size)
 {

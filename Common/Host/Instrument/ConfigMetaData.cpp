@@ -15,7 +15,7 @@ struct TypeRow
     double highest;
 };
 
-constexpr TypeRow types_lc[] = {
+constexpr TypeRow typeRows_lc[] = {
     {ConfigDataType::Int, L"Int", std::numeric_limits<int>::min(), std::numeric_limits<int>::max()},
     {ConfigDataType::Str, L"Str", 0, std::numeric_limits<int>::max()},
     {ConfigDataType::Dbl, L"Dbl", -maxDouble, maxDouble},
@@ -25,10 +25,10 @@ constexpr TypeRow types_lc[] = {
 
 const TypeRow& GetRow(ConfigDataType type)
 {
-    for (const TypeRow& row : types_lc)
+    for (const TypeRow& row : typeRows_lc)
         if (row.type == type)
             return row;
-    return types_lc[1]; // a value outside the enumeration
+    return typeRows_lc[1]; // a value outside the enumeration
 }
 
 WString GetDefault(const ConfigMetaData::Item& item)

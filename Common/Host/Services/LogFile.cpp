@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr int longestWait = 100; // ms; a line is not worth more
+constexpr int longestLineWait = 100; // ms; a line is not worth more
 
 /// The logs of the process. Logs are static objects of libHost and of plug-ins, made in an order that nobody controls.
 struct Registry
@@ -109,7 +109,7 @@ void LogFile::DoWriteLine(const WString& line)
         // The file lock ends with the descriptor. It orders threads as well, as each opens the file for itself.
         const FileDescriptor file(open(path.c_str(), flags, 0666));
         struct stat opened = {};
-        if (!file.IsOpen() || !file.TryLock(longestWait) || fstat(file.Get(), &opened) != 0 || !S_ISREG(opened.st_mode))
+        if (!file.IsOpen() || !file.TryLock(longestLineWait) || fstat(file.Get(), &opened) != 0 || !S_ISREG(opened.st_mode))
             return;
         if (!IsCurrent(opened, path))
             continue;
