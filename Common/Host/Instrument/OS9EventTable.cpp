@@ -124,7 +124,7 @@ int WaitFor(pthread_mutex_t& mutex)
     return result;
 }
 
-/// Whether the segment has its size and, so that new processes find it, that many names at least.
+/// Whether the segment has its size, and that many names at least: without one no new process finds it.
 bool IsWhole(const FileDescriptor& segment, nlink_t names)
 {
     struct stat status = {};
