@@ -8,6 +8,7 @@
 #include "Instrument/System.h"
 #include "Services/LogFile.h"
 #include "Text/CharacterCase.h"
+#include "Text/HostError.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -210,7 +211,7 @@ void Candidates::AddSettings()
 }
 
 void Candidates::AddEvents()
-{
+try {
     WStringArray names;
     OS9EventManager::GetNames(names);
     for (const WString& name : names) {
@@ -220,6 +221,7 @@ void Candidates::AddEvents()
         OfferName(name, WString::Format(L"%d", event->Read()));
         event->ReleaseReference();
     }
+} catch (const HostException&) { // the table cannot be used: Event says why
 }
 
 void Candidates::AddLogs()

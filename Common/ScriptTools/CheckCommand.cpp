@@ -91,7 +91,7 @@ bool TrySetVariable(const WString& word, Environment& variables)
 std::string ReadStandardInput()
 {
     std::string bytes;
-    char block[0x10000];
+    char block[0x1000];
     ssize_t size = 0;
     do {
         Abort::ThrowIfRequested();

@@ -43,13 +43,22 @@ bool Event::TryGet(const WString& name, WString& value)
     return event != nullptr;
 }
 
+bool TryWrite(const WString& name, int number)
+{
+    const EventReference event(OS9EventManager::GetOS9Event(name));
+    if (event)
+        event->Write(number);
+    return event != nullptr;
+}
+
 void Event::Set(const WString& name, const WString& value)
 {
     const int number = ReadInt32(value);
-    if (const EventReference event{OS9EventManager::GetOS9Event(name)})
-        event->Write(number);
-    else if (!OS9EventManager::TryCreate(name, number))
-        Fail(failed, L"The event cannot be made");
+    if (name.IsEmpty() || name.Length() > OS9EventManager::maxNameLength)
+        Fail(failed, WString::Format(L"An event's name has 1 to %u characters", OS9EventManager::maxNameLength));
+    // Another process may make it, or delete it, between two steps.
+    if (!TryWrite(name, number) && !OS9EventManager::TryCreate(name, number) && !TryWrite(name, number))
+        Fail(failed, WString::Format(L"The event cannot be made: there is room for %u", OS9EventManager::capacity));
 }
 
 constexpr ArgumentRecord arguments_lc[] = {{ArgumentKind::Event}, {ArgumentKind::Text, L"=", true, true}};

@@ -1,30 +1,37 @@
 #include "Instrument/OS9EventManager.h"
+#include "Instrument/OS9EventTable.h"
+#include "Services/FileDescriptor.h"
 #include "Shell/Labsh.h"
 #include "Support/ChildProcess.h"
 #include "Support/HostTexts.h"
+#include "Text/Abort.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <climits>
 #include <cstdlib>
+#include <fstream>
+#include <list>
 #include <string>
 #include <thread>
 
 #include <sys/mman.h>
+#include <sys/stat.h>
 
 /// A table of events for this test program alone.
 class OwnEventTable : public testing::Environment
 {
 public:
     void SetUp() override { setenv("LABSH_EVENTS", name.c_str(), 1); }
-    void TearDown() override { shm_unlink(("/" + name).c_str()); }
+    void TearDown() override { Remove(); }
+    void Remove() const { unlink(file.c_str()); }
 
-private:
-    std::string name = "labsh-test-" + std::to_string(getpid());
+    const std::string name = "labsh-test-" + std::to_string(getpid());
+    const std::string file = "/dev/shm/" + name;
 };
 
-[[maybe_unused]] static testing::Environment* const ownEventTable_lc =
-    testing::AddGlobalTestEnvironment(new OwnEventTable);
+static const OwnEventTable& ownTable_lc =
+    static_cast<OwnEventTable&>(*testing::AddGlobalTestEnvironment(new OwnEventTable));
 
 class Events : public testing::Test, protected OS9EventManager
 {
@@ -51,6 +58,29 @@ protected:
         if (event)
             event->ReleaseReference();
         return value;
+    }
+    /// The events E0, E1, ... that there is room for.
+    static int MakeAll()
+    {
+        int count = 0;
+        while (TryCreate(WString::Format(L"E%d", count), count))
+            ++count;
+        return count;
+    }
+    /// Refers to all of them and does so until the end of the process.
+    static bool ReferToAll()
+    {
+        for (int i = 0; i < 256; ++i)
+            GetOS9Event(WString::Format(L"E%d", i));
+        return true;
+    }
+    static std::string DescribeUse()
+    {
+        return GetThrown([] { GetOS9Event(L"E"); });
+    }
+    static std::string FileError(const std::string& reason)
+    {
+        return "0:1:10 File error: " + ownTable_lc.file + ": " + reason;
     }
     /// Takes references and gives them back.
     static bool ReferOften()
@@ -109,10 +139,7 @@ TEST_F(Events, DeletedOnesServeUntilTheLastReferenceIsGivenBack)
 
 TEST_F(Events, ThereIsRoomFor256)
 {
-    int count = 0;
-    while (TryCreate(WString::Format(L"E%d", count), count))
-        ++count;
-    EXPECT_EQ(count, 256);
+    EXPECT_EQ(MakeAll(), 256);
     EXPECT_EQ(Read(L"E255"), 255);
     OS9EventData* event = GetOS9Event(L"E7");
     TryDelete(L"E7");
@@ -151,4 +178,77 @@ TEST_F(Events, AProcessThatDiesWithTheLockBlocksNobody)
         EXPECT_TRUE(TryCreate(L"E", 1));
     }
     EXPECT_EQ(CountAfterReferring(), 0) << "the lock no longer keeps others out";
+}
+
+TEST_F(Events, ProcessesThatAreKilledLeaveNoReferences)
+{
+    MakeAll();
+    std::list<ChildProcess> children;
+    for (int i = 0; i < 3; ++i)
+        children.emplace_back([] { return ReferToAll() && pause() == 0; });
+    ASSERT_TRUE(WaitUntil([] { return GetReferenceCount(L"E255") == 3; }));
+    children.pop_front();
+    EXPECT_EQ(GetReferenceCount(L"E255"), 2);
+    DeleteAll();
+    EXPECT_FALSE(TryCreate(L"New", 1)) << "those that live keep the room";
+    children.clear();
+    EXPECT_EQ(MakeAll(), 256);
+    for (unsigned int i = 0; i < OS9EventTable::processCapacity; ++i)
+        EXPECT_TRUE(ChildProcess(ReferToAll).Wait()) << "each takes the place of one that has ended";
+    EXPECT_EQ(GetReferenceCount(L"E0"), 0);
+}
+
+TEST_F(Events, ALockThatIsNotGivenBackIsAnError)
+{
+    ASSERT_TRUE(TryCreate(L"E", 1));
+    const FileDescriptor file(open(ownTable_lc.file.c_str(), O_RDWR));
+    void* const memory = mmap(nullptr, sizeof(OS9EventTable), PROT_READ | PROT_WRITE, MAP_SHARED, file.Get(), 0);
+    ASSERT_NE(memory, MAP_FAILED);
+    pthread_mutex_t& mutex = static_cast<OS9EventTable*>(memory)->mutex;
+    pthread_mutex_lock(&mutex);
+
+    const std::string message =
+        FileError("its lock has not been given back for 2 s; end the process that holds it, or remove that file");
+    Labsh labsh({"Calc GetEvent(\"E\")"});
+    EXPECT_EQ(DescribeUse(), message);
+    EXPECT_THAT(labsh.Finish(), testing::HasSubstr(message.substr(message.find("File"))));
+    std::thread aborter([] {
+        usleep(10'000);
+        Abort::Request();
+    });
+    EXPECT_EQ(DescribeUse(), "0:1:4 Aborted");
+    aborter.join();
+    Abort::Clear();
+
+    ownTable_lc.Remove();
+    EXPECT_TRUE(TryCreate(L"E", 2)) << "a new table";
+    pthread_mutex_unlock(&mutex);
+    munmap(memory, sizeof(OS9EventTable));
+}
+
+TEST_F(Events, ATableThatCannotBeUsedIsAnErrorThatSaysWhy)
+{
+    const std::string damaged = FileError("it is damaged, or the table of events of another version; remove that file");
+    const char* const file = ownTable_lc.file.c_str();
+    OS9EventData* const event = TryCreate(L"E", 1) ? GetOS9Event(L"E") : nullptr;
+    ASSERT_TRUE(event);
+    ASSERT_EQ(truncate(file, 100), 0); // under the mapping
+    EXPECT_EQ(DescribeUse(), damaged);
+    event->ReleaseReference();
+    ASSERT_EQ(truncate(file, 0), 0);
+    EXPECT_TRUE(TryCreate(L"E", 2)) << "it is made again";
+
+    ownTable_lc.Remove();
+    std::ofstream(file) << std::string(sizeof(OS9EventTable), '\xFF');
+    EXPECT_EQ(DescribeUse(), damaged);
+    ownTable_lc.Remove();
+    EXPECT_TRUE(TryCreate(L"E", 3));
+    ASSERT_EQ(chmod(file, 0), 0);
+    EXPECT_TRUE(RunUnprivileged([] {
+        const std::string refused = geteuid() == getuid()
+            ? FileError("Permission denied")
+            : FileError("it is the table of events of the user 0; set LABSH_EVENTS to another name");
+        EXPECT_EQ(DescribeUse(), refused);
+        return DescribeUse() == refused;
+    }));
 }

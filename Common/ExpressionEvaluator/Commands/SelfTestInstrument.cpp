@@ -7,6 +7,7 @@
 #include "NumberFormat.h"
 #include "SelfTestParts.h"
 #include "Services/File.h"
+#include "Text/HostError.h"
 
 #include <algorithm>
 #include <limits>
@@ -165,7 +166,6 @@ constexpr Row missing_lc[] = {
     {"5/GetUsage(\"SelfTest.None\", 0)", "133 Divide by zero @11"},
     {"GetUsage(\"a\", 1, 2)", "136 GetUsage requires 1 or 2 parameters @18"},
     {"GetUsage(true)", "8 Type mismatch @10"},
-    {"1+GetEvent(\"SelfTest.None\")", "512 OS9Event not found @11"},
     {"GetEvent(1)", "8 Type mismatch @10"},
     {"FileExist(\"/no/such/file\")", "FALSE"},
     {"Exist(\"/\")", "TRUE"},
@@ -211,14 +211,22 @@ void TestUsage(const Bench& bench)
     bench.Check(L"GetUsage(\"" + name.ToLowerCase() + L"\", 1/0)", L"73");
 }
 
+void DeleteEvent(const WString& name) noexcept
+try {
+    OS9EventManager::TryDelete(name);
+} catch (const ExitCode&) { // the table has become unusable
+}
+
 void TestEvents(TestCommand& test, const Bench& bench)
-{
+try {
     const WString name = OwnName();
-    if (!OS9EventManager::TryCreate(name, -5)) // no shared memory, or no room in it
+    if (!OS9EventManager::TryCreate(name, -5)) // no room
         return;
-    const AtEnd removal([&] { OS9EventManager::TryDelete(name); });
+    const AtEnd removal([&] { DeleteEvent(name); });
     bench.Check(L"GetEvent(\"" + name + L"\")*2", L"-10");
+    bench.Check(L"1+GetEvent(\"SelfTest.None\")", L"512 OS9Event not found @11");
     Assertion::AreEqual(test, 0, OS9EventManager::GetReferenceCount(name), L"References to the event");
+} catch (const HostException&) { // no shared memory
 }
 
 /// A file in memory alone, with a name as long as it is open.

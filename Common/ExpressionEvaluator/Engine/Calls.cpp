@@ -5,15 +5,27 @@
 #include "ExpressionEvaluator.h"
 #include "ExpressionEvaluatorException.h"
 #include "ExpressionEvaluatorFunctions.h"
+#include "Services/StackRoom.h"
 #include "Text/Abort.h"
 
 #include <cmath>
 
+/// The limit holds for items that no converter has made. Every few levels it also counts whether the stack has room for
+/// some more.
+inline bool Evaluation::IsTooDeep() const noexcept
+{
+    constexpr int levels = 8;
+    const int depth = evaluator.callDepth;
+    return depth == ExpressionEvaluator::maxCallDepth ||
+        (depth >= levels && depth % levels == 0 && StackRoom::IsShort());
+}
+
 /// Evaluates the arguments of the call at `position`, and then its function.
 bool Evaluation::Call(int position, Item& result)
 {
-    if (evaluator.callDepth == ExpressionEvaluator::maxCallDepth) { // of items that no converter has made
+    if (IsTooDeep()) {
         Record(Errors::NestedTooDeeply, position);
+        next = last; // whose arguments the rest are is no longer known: no function is called with them
         return false;
     }
     ++evaluator.callDepth;

@@ -96,6 +96,7 @@ private:
         return true;
     }
 
+    bool IsTooDeep() const noexcept;
     bool Call(int position, Item& result);
     int EvaluateArguments();
     bool CallFunction(const Item& function, std::size_t first, TextArena::Place firstText, Item& result);

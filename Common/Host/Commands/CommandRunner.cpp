@@ -4,6 +4,7 @@
 #include "Commands/Reference.h"
 #include "Commands/RunObserver.h"
 #include "Instrument/System.h"
+#include "Services/StackRoom.h"
 #include "Text/Abort.h"
 #include "Text/HostError.h"
 #include "Text/SimilarName.h"
@@ -19,7 +20,8 @@ class NestingLevel
 public:
     NestingLevel()
     {
-        if (nesting_lc == CommandRunner::maxNesting)
+        const bool isNested = nesting_lc > 0; // a command alone takes what there is, and no time to ask
+        if (nesting_lc == CommandRunner::maxNesting || (isNested && StackRoom::IsShort()))
             throw HostException(HostError::NestedTooDeeply);
         ++nesting_lc;
     }

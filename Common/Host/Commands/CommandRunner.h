@@ -10,7 +10,7 @@
 struct CommandRun;
 
 /// Runs command lines. Threads may do so at once, each with an output of its own; the nesting is counted for each
-/// thread.
+/// thread, and ends sooner where the thread's stack does.
 class HOST_API CommandRunner
 {
 public:

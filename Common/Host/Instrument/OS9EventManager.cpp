@@ -2,6 +2,13 @@
 
 #include "Instrument/OS9EventTable.h"
 
+#include <algorithm>
+#include <cwchar>
+#include <iterator>
+#include <string_view>
+#include <utility>
+
+static_assert(OS9EventManager::capacity == OS9EventTable::capacity);
 static_assert(OS9EventManager::maxNameLength + 1 == OS9EventSlot::nameCapacity);
 
 namespace {
@@ -11,106 +18,124 @@ bool IsName(const WString& text)
     return !text.IsEmpty() && text.Length() <= OS9EventManager::maxNameLength && text.IndexOf(WString(1, 0)) < 0;
 }
 
-OS9EventSlot* Find(OS9EventTable& table, const WString& name)
+std::wstring_view GetName(const OS9EventSlot& slot)
 {
-    for (OS9EventSlot& slot : table.slots)
-        if (slot.state == OS9EventSlot::Named && name == slot.name)
-            return &slot;
-    return nullptr;
+    return {slot.name, wcsnlen(slot.name, OS9EventSlot::nameCapacity)};
+}
+
+template <typename Table>
+auto* Find(Table& table, const WString& name)
+{
+    const auto found = std::ranges::find_if(
+        table.slots, [&](const OS9EventSlot& slot) { return slot.isNamed && name.View() == GetName(slot); });
+    return found == std::end(table.slots) ? nullptr : found;
+}
+
+std::size_t IndexOf(const OS9EventTable& table, const OS9EventSlot& slot)
+{
+    return static_cast<std::size_t>(&slot - table.slots);
+}
+
+/// References of all processes.
+int CountReferences(const OS9EventTable& table, const OS9EventSlot& slot)
+{
+    int count = 0;
+    for (const OS9EventTable::References& references : table.references)
+        count += references[IndexOf(table, slot)];
+    return count;
 }
 
 OS9EventSlot* FindFree(OS9EventTable& table)
 {
     for (OS9EventSlot& slot : table.slots)
-        if (slot.state == OS9EventSlot::Free)
+        if (!slot.isNamed && CountReferences(table, slot) == 0)
             return &slot;
     return nullptr;
 }
 
 } // namespace
 
-int OS9EventData::Read() const noexcept
+OS9EventData::OS9EventData(std::shared_ptr<OS9EventSegment> segment, std::size_t index)
+    : segment(std::move(segment)),
+      value(this->segment->GetTable().slots[index].value),
+      references(this->segment->GetOwnReferences()[index])
 {
-    return slot.value.load();
+    ++references;
 }
 
-void OS9EventData::Write(int value) noexcept
+int OS9EventData::Read() const noexcept
 {
-    slot.value.store(value);
+    return segment->IsWhole() ? value.load() : 0;
+}
+
+void OS9EventData::Write(int number) noexcept
+{
+    if (segment->IsWhole())
+        value.store(number);
 }
 
 void OS9EventData::ReleaseReference() noexcept
 {
-    {
-        const OS9EventTableLock lock(*OS9EventTable::Get());
-        if (--slot.references == 0 && slot.state == OS9EventSlot::Deleted)
-            slot.state = OS9EventSlot::Free;
-    }
+    if (segment->IsWhole())
+        --references;
     delete this;
 }
 
 OS9EventData* OS9EventManager::GetOS9Event(const WString& name)
 {
-    OS9EventTable* table = OS9EventTable::Get();
-    if (!table)
-        return nullptr;
-    const OS9EventTableLock lock(*table);
-    OS9EventSlot* slot = Find(*table, name);
-    if (!slot)
-        return nullptr;
-    auto* event = new OS9EventData(*slot);
-    ++slot->references;
-    return event;
+    const OS9EventTableLock lock;
+    const OS9EventTable& table = lock.segment->GetTable();
+    const OS9EventSlot* slot = Find(table, name);
+    return slot ? new OS9EventData(lock.segment, IndexOf(table, *slot)) : nullptr;
 }
 
 bool OS9EventManager::TryCreate(const WString& name, int value)
 {
-    OS9EventTable* table = OS9EventTable::Get();
-    if (!table || !IsName(name))
+    if (!IsName(name))
         return false;
-    const OS9EventTableLock lock(*table);
-    OS9EventSlot* slot = Find(*table, name) ? nullptr : FindFree(*table);
+    const OS9EventTableLock lock;
+    OS9EventTable& table = lock.segment->GetTable();
+    if (Find(table, name))
+        return false;
+    OS9EventSlot* slot = FindFree(table);
+    if (!slot) {
+        lock.segment->ForgetEndedProcesses();
+        slot = FindFree(table);
+    }
     if (!slot)
         return false;
     slot->value = value;
-    slot->references = 0;
     std::wmemcpy(slot->name, name.ToCString(), name.Length() + 1);
-    slot->state = OS9EventSlot::Named;
+    slot->isNamed = 1;
     return true;
 }
 
 bool OS9EventManager::TryDelete(const WString& name)
 {
-    OS9EventTable* table = OS9EventTable::Get();
-    if (!table)
-        return false;
-    const OS9EventTableLock lock(*table);
-    OS9EventSlot* slot = Find(*table, name);
-    if (!slot)
-        return false;
-    slot->state = slot->references == 0 ? OS9EventSlot::Free : OS9EventSlot::Deleted;
-    return true;
+    const OS9EventTableLock lock;
+    OS9EventSlot* slot = Find(lock.segment->GetTable(), name);
+    if (slot)
+        slot->isNamed = 0;
+    return slot != nullptr;
 }
 
 int OS9EventManager::GetReferenceCount(const WString& name)
 {
-    OS9EventTable* table = OS9EventTable::Get();
-    if (!table)
+    const OS9EventTableLock lock;
+    const OS9EventTable& table = lock.segment->GetTable();
+    const OS9EventSlot* slot = Find(table, name);
+    if (!slot)
         return -1;
-    const OS9EventTableLock lock(*table);
-    const OS9EventSlot* slot = Find(*table, name);
-    return slot ? slot->references : -1;
+    lock.segment->ForgetEndedProcesses();
+    return CountReferences(table, *slot);
 }
 
 void OS9EventManager::GetNames(WStringArray& names)
 {
     names.Clear();
-    OS9EventTable* table = OS9EventTable::Get();
-    if (!table)
-        return;
-    const OS9EventTableLock lock(*table);
-    for (const OS9EventSlot& slot : table->slots)
-        if (slot.state == OS9EventSlot::Named)
-            names.Add(slot.name);
+    const OS9EventTableLock lock;
+    for (const OS9EventSlot& slot : lock.segment->GetTable().slots)
+        if (slot.isNamed)
+            names.Add(WString(GetName(slot)));
     names.Sort();
 }
