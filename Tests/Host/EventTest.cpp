@@ -2,29 +2,13 @@
 #include "Shell/Labsh.h"
 #include "Support/ChildProcess.h"
 #include "Support/HostTexts.h"
+#include "Support/OwnEventTable.h"
 
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <cstdlib>
 #include <string>
 #include <thread>
-
-#include <sys/mman.h>
-
-/// A table of events for this test program alone.
-class OwnEventTable : public testing::Environment
-{
-public:
-    void SetUp() override { setenv("LABSH_EVENTS", name.c_str(), 1); }
-    void TearDown() override { shm_unlink(("/" + name).c_str()); }
-
-private:
-    std::string name = "labsh-test-" + std::to_string(getpid());
-};
-
-[[maybe_unused]] static testing::Environment* const ownEventTable_lc =
-    testing::AddGlobalTestEnvironment(new OwnEventTable);
 
 class Events : public testing::Test, protected OS9EventManager
 {
