@@ -130,8 +130,10 @@ TEST_F(DiskTest, WhatCannotBeStoredIsRefusedAndHasNoEffect)
         queries += "Calc " + change.query + "\n";
     }
     script += "If true Then Assert -q 1=2\n"; // which goes to a log
+    std::string notes;
     ForEachCall([&](int error, int first) {
         const int status = RunOnFaultyDisk(error, first, {"-k"}, script);
+        notes += note;
         const std::string errors = labsh.GetErrors();
         std::istringstream values(RunSoundly(queries));
         int failures = 0;
@@ -146,9 +148,12 @@ TEST_F(DiskTest, WhatCannotBeStoredIsRefusedAndHasNoEffect)
             EXPECT_EQ(value, hasFailed ? change.former : change.latter) << change.line << "\n" << errors;
         }
         EXPECT_EQ(status, failures == 0 ? 0 : 1) << errors;
+        EXPECT_TRUE(failures > 0 || !note.starts_with("fsync ") || note.find(".ini.") == note.npos) << note;
         EXPECT_TRUE(error != EIO || failures <= 1 || note.find("Usage.db") != note.npos) << errors;
         EXPECT_NE(FindLine(errors, "stdin:" + std::to_string(changes_lc.size() + 1) + ": warning: If went on "), "");
     });
+    for (const char* name : {"Status.ini.", "Config.ini."})
+        EXPECT_NE(notes.find("fsync " + labsh.folder.Path("data/") + name), notes.npos) << "not on the disk by then";
 }
 
 TEST_F(DiskTest, AFirstStartDoesWithoutWhatCannotBeMade)
