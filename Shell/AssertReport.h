@@ -20,7 +20,7 @@ class AssertReport : public RunObserver
 {
 public:
     /// Makes the file, or empties it. Throws HostException(FileError).
-    explicit AssertReport(const WString& file) : file(file, FileOpenMode::Create, FileAccessMode::Write) {}
+    explicit AssertReport(const WString& name) : name(name), file(name, FileOpenMode::Create, FileAccessMode::Write) {}
 
     void OnBegin(const CommandRun& run) noexcept override;
     void OnCondition(
@@ -32,7 +32,7 @@ public:
     /// The run broke off otherwise: its script cannot be read, for one.
     void AddBreak(const HostException& failure);
     /// Writes the file. Throws HostException(FileError).
-    void Write() { report.Write(file); }
+    void Write() { report.Write(file, name); }
     /// Whether an assert has failed that nothing tolerates; If may have gone on after it.
     bool HasFailures() const noexcept { return failedCount != 0; }
     /// The line that closes the run: how many asserts there were, and where they failed.
@@ -50,6 +50,7 @@ private:
         bool isTolerated; // by that caller, if it goes on
     };
 
+    const WString name;
     File file;
     JUnitReport report;
     std::optional<Failure> pending;

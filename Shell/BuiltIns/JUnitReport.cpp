@@ -1,5 +1,10 @@
 #include "BuiltIns/JUnitReport.h"
 
+#include "Text/HostError.h"
+
+#include <filesystem>
+#include <system_error>
+
 static constexpr const char* kinds_lc[] = {"failure", "error", "skipped"};
 
 /// The text as it stands in an attribute, or in an element, where a line feed may remain. Characters that XML cannot
@@ -56,11 +61,17 @@ void JUnitReport::Add(const JUnitCase& test)
     cases += "  </testcase>\n";
 }
 
-void JUnitReport::Write(File& file) const
+void JUnitReport::Write(File& file, const WString& name) const
 {
     std::string text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuite name=\"labsh\" tests=\"" +
         std::to_string(caseCount) + "\" failures=\"" + std::to_string(counts[JUnitCase::Failure]) + "\" errors=\"" +
         std::to_string(counts[JUnitCase::Error]) + "\" skipped=\"" + std::to_string(counts[JUnitCase::Skipped]) +
         "\">\n" + cases + "</testsuite>\n";
-    file.Write(text.data(), text.size());
+    try {
+        file.Write(text.data(), text.size());
+    } catch (const HostException&) {
+        std::error_code ignored;
+        std::filesystem::resize_file(name.ToUtf8(), 0, ignored); // a part of a report is none
+        throw;
+    }
 }

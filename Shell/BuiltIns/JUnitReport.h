@@ -37,8 +37,9 @@ class JUnitReport
 {
 public:
     void Add(const JUnitCase& test);
-    /// Throws HostException(FileError).
-    void Write(File& file) const;
+    /// Writes it to the open file of that name, which is left empty when the report cannot be written. Throws
+    /// HostException(FileError).
+    void Write(File& file, const WString& name) const;
 
 private:
     std::string cases;

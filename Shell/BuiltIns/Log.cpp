@@ -94,8 +94,10 @@ WString Log::FindLog(const WString& name, bool mayCome)
 
 void Log::ShowEnd(const std::string& file, int lineCount)
 {
-    if (!File::Exists(WString::FromUtf8(file)))
+    const WString path = WString::FromUtf8(file);
+    if (!File::Exists(path))
         return;
+    const File regular(path, FileOpenMode::OpenExisting, FileAccessMode::Read); // or reading might never end
     FileLines lines(file);
     std::deque<std::string> last;
     for (std::string line; lines.TryReadLine(line);) {

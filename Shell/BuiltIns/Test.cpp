@@ -77,7 +77,7 @@ ExitCode Test::Main(ArgumentList& arguments, Options& options)
     }
     if (writesReport) {
         File file(reportFile, FileOpenMode::Create, FileAccessMode::Write);
-        report.Write(file);
+        report.Write(file, reportFile);
     }
     if (testCount == 0)
         Fail(notFound, L"There is no test " + pattern);

@@ -4,34 +4,18 @@
 #include "Shell/Labsh.h"
 #include "Support/ChildProcess.h"
 #include "Support/HostTexts.h"
+#include "Support/OwnEventTable.h"
 #include "Text/Abort.h"
 
 #include <gmock/gmock.h>
 
 #include <climits>
-#include <cstdlib>
 #include <fstream>
 #include <list>
 #include <string>
 #include <thread>
 
-#include <sys/mman.h>
 #include <sys/stat.h>
-
-/// A table of events for this test program alone.
-class OwnEventTable : public testing::Environment
-{
-public:
-    void SetUp() override { setenv("LABSH_EVENTS", name.c_str(), 1); }
-    void TearDown() override { Remove(); }
-    void Remove() const { unlink(file.c_str()); }
-
-    const std::string name = "labsh-test-" + std::to_string(getpid());
-    const std::string file = "/dev/shm/" + name;
-};
-
-static const OwnEventTable& ownTable_lc =
-    static_cast<OwnEventTable&>(*testing::AddGlobalTestEnvironment(new OwnEventTable));
 
 class Events : public testing::Test, protected OS9EventManager
 {

@@ -60,6 +60,20 @@ public:
     {
         return write(terminal, keys.data(), keys.size()) < 0 ? "" : ReadTo(mark);
     }
+    /// Types the keys, and waits for nothing.
+    void Put(const std::string& keys) const
+    {
+        [[maybe_unused]] const ssize_t count = write(terminal, keys.data(), keys.size());
+    }
+    /// What the terminal has shown by now, since the last time.
+    std::string Take() const
+    {
+        std::string text;
+        pollfd input = {terminal, POLLIN, 0};
+        for (char byte = 0; poll(&input, 1, 0) == 1 && read(terminal, &byte, 1) == 1;)
+            text += byte;
+        return text;
+    }
     void SetWindow(unsigned short rows, unsigned short columns) const
     {
         const winsize size = {rows, columns, 0, 0};

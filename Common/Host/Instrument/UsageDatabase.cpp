@@ -3,6 +3,7 @@
 #include "Services/WholeFile.h"
 #include "Text/Abort.h"
 
+#include <cerrno>
 #include <chrono>
 #include <filesystem>
 #include <new>
@@ -146,6 +147,14 @@ std::string GetReadingUri(const std::string& path)
     return uri + (UsageDatabase::HasJournal(path) ? "?readonly_shm=1" : "?immutable=1");
 }
 
+/// Whether the end of the last page is missing, which SQLite takes for zeros. A page that is being moved from the
+/// journal has its whole there.
+bool IsCutShort(sqlite3* connection, const std::string& path)
+{
+    const std::optional<std::string> pageSize = Ask(connection, "PRAGMA page_size");
+    return pageSize && !UsageDatabase::HasJournal(path) && WholeFile::GetStamp(path).size % std::stol(*pageSize) != 0;
+}
+
 } // namespace
 
 const UsageDatabase::QueryRow UsageDatabase::queries[] = {
@@ -224,7 +233,8 @@ UsageDatabase::State UsageDatabase::Open(const std::string& path)
 {
     if (!TryConnect(path, SQLITE_OPEN_READWRITE) || !TryExecute(connection.get(), setup))
         return GetFailure();
-    return Examine();
+    const State state = Examine();
+    return state == State::Open && IsCutShort(connection.get(), path) ? State::Damaged : state;
 }
 
 UsageDatabase::State UsageDatabase::OpenForReading(const std::string& path)
@@ -251,6 +261,9 @@ std::string UsageDatabase::GetError() const
 {
     const int error = changeError != SQLITE_OK ? changeError : sqlite3_errcode(connection.get());
     const int systemError = sqlite3_system_errno(connection.get());
+    const char* const path = sqlite3_db_filename(connection.get(), "main");
+    if (systemError == ENOENT && path && access(path, F_OK) == 0) // as the last attempt, to read it, has ended
+        return "a file beside it cannot be made";
     if (((error & 0xFF) == SQLITE_IOERR || (error & 0xFF) == SQLITE_CANTOPEN) && systemError != 0)
         return std::generic_category().message(systemError);
     return sqlite3_errstr(error);

@@ -207,6 +207,9 @@ WString UsageLog::Counters::Renew() const
     if (stamp.size != 0 && UsageDatabase().Open(path) != State::Damaged)
         return WString();
     const TemporaryFiles made(path + ".new"); // for nobody to find a part of it, nor to lose a file where is no room
+    // SQLite would keep others of the group from writing, and tell another reason when there is no room for a file.
+    if (!FileDescriptor(open(made.path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666)).IsOpen())
+        WholeFile::Fail(path, errno);
     if (UsageDatabase empty; empty.Create(made.path) != State::Open)
         WholeFile::Fail(path, WString::FromUtf8(empty.GetError()));
     WString report;
