@@ -8,6 +8,14 @@
 #include <gelf.h>
 #include <libelf.h>
 
+static std::string FormatChecksum(const PluginSegments& segments)
+{
+    std::string digits;
+    for (std::uint32_t crc = segments.CalculateCrc(); digits.size() < 8; crc /= 16)
+        digits.insert(digits.begin(), "0123456789abcdef"[crc % 16]);
+    return digits;
+}
+
 PluginFile::PluginFile(const std::string& path)
     : descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC)), elf(nullptr, elf_end)
 {
@@ -49,7 +57,18 @@ try {
     const PluginBytes bytes(descriptor.Get(), image);
     const PluginSegments segments(elf.get(), bytes);
     CheckPluginRelocations(PluginTables(segments));
+    std::string checksum;
+    if (TryReadSection(".ov.checksum", checksum) && checksum != FormatChecksum(segments))
+        return "code or data do not match the checksum";
     return "";
 } catch (const PluginFault& fault) {
     return fault.text;
+}
+
+std::string PluginFile::CalculateChecksum() const
+try {
+    const PluginBytes bytes(descriptor.Get(), image);
+    return FormatChecksum(PluginSegments(elf.get(), bytes));
+} catch (const PluginFault&) {
+    return "";
 }

@@ -127,24 +127,25 @@ std::vector<Relocation> ReadRelocations(const PluginTables& tables)
         FailPlugin("wrong number of relative relocations");
     if (tables.Find(DT_PLTREL).value_or(tags_lc.table) != tags_lc.table)
         FailPlugin("wrong kind of the relocations of functions");
-    if (const auto table = tables.Find(DT_JMPREL)) {
+    if (tables.Find(DT_JMPREL) || tables.Find(DT_PLTREL) || tables.Find(DT_PLTRELSZ)) {
         constexpr const char* what = "the table of the relocations of functions";
         tables.Get(DT_PLTREL, what);
-        const auto more = ReadTable(tables, what, *table, tables.Get(DT_PLTRELSZ, what));
+        const auto more = ReadTable(tables, what, tables.Get(DT_JMPREL, what), tables.Get(DT_PLTRELSZ, what));
         relocations.insert(relocations.end(), more.begin(), more.end());
     }
     return relocations;
 }
 
-/// Where the relocation is to point to, by the addresses of the file.
-std::uint64_t GetOwnAddress(const PluginTables& tables, const Relocation& relocation)
+/// Where the relocation is to point to, by the addresses of the file; without an addend it says so in its place.
+template <typename Entry>
+std::uint64_t GetOwnAddress(const PluginTables& tables, const Entry& relocation)
 {
     if constexpr (hasAddends)
         return static_cast<std::uint64_t>(relocation.r_addend);
     else if (tables.GetSegments().CountBytesFrom(relocation.r_offset) < word)
         return 0;
     else
-        return tables.GetSegments().Read<ElfW(Addr)>("a relocated word", relocation.r_offset, 1).front();
+        return tables.GetSegments().template Read<ElfW(Addr)>("a relocated word", relocation.r_offset, 1).front();
 }
 
 /// Checks what the relocation puts in its place.

@@ -1,6 +1,9 @@
 #include "Commands/PluginSegments.h"
 
+#include "Services/Crc.h"
+
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <libelf.h>
@@ -111,6 +114,8 @@ void PluginSegments::AddLoaded(const GElf_Phdr& segment, const std::string& name
             std::to_string(segment.p_offset) + ", the file has " + std::to_string(bytes.GetSize()));
     if (segment.p_memsz < segment.p_filesz)
         FailPlugin(name + " is larger in the file than in memory");
+    if (segment.p_memsz > segment.p_filesz && (segment.p_flags & PF_W) == 0)
+        FailPlugin(name + " is smaller in the file than in memory, and cannot be written");
     // Half of all addresses: sums of two stay within them.
     constexpr std::uint64_t limit = std::numeric_limits<ElfW(Addr)>::max() / 2;
     if (segment.p_vaddr > limit || segment.p_memsz > limit - segment.p_vaddr)
@@ -119,7 +124,8 @@ void PluginSegments::AddLoaded(const GElf_Phdr& segment, const std::string& name
         FailPlugin(name + " is not aligned");
     if ((segment.p_flags & PF_R) == 0)
         FailPlugin(name + " cannot be read");
-    if (!loaded.empty() && segment.p_vaddr < loaded.back().p_vaddr + loaded.back().p_memsz)
+    const GElf_Phdr before = loaded.empty() ? GElf_Phdr{} : loaded.back();
+    if (segment.p_vaddr < before.p_vaddr + before.p_memsz || segment.p_offset < before.p_offset + before.p_filesz)
         FailPlugin(name + " begins before the end of the one before it");
     loaded.push_back(segment);
 }
@@ -213,6 +219,23 @@ std::uint64_t PluginSegments::Locate(const char* what, std::uint64_t address, st
     if (!segment || size > CountBytesFrom(address))
         FailAt(what, address);
     return segment->p_offset + (address - segment->p_vaddr);
+}
+
+std::uint32_t PluginSegments::CalculateCrc() const
+{
+    std::uint32_t crc = 0;
+    std::array<char, 0x10000> block;
+    for (const GElf_Phdr& segment : loaded) {
+        const std::uint64_t end = segment.p_offset + segment.p_filesz;
+        std::uint64_t offset = std::max<std::uint64_t>(segment.p_offset, sizeof(ElfW(Ehdr)));
+        while (offset < end) {
+            const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(block.size(), end - offset));
+            bytes.Read(offset, block.data(), count);
+            crc = ::CalculateCrc(block.data(), count, crc);
+            offset += count;
+        }
+    }
+    return crc;
 }
 
 void PluginSegments::FailAt(const char* what, std::uint64_t address)

@@ -58,6 +58,9 @@ public:
     /// How many bytes the file has from this address to the end of the segment; 0 for an address in none.
     std::uint64_t CountBytesFrom(std::uint64_t address) const;
 
+    /// The CRC-32 of all that is loaded, but the ELF header: where the sections stand is no matter.
+    std::uint32_t CalculateCrc() const;
+
     const GElf_Phdr& GetDynamic() const noexcept { return dynamic; }
     /// How much memory each thread has of its own; 0 for none.
     std::uint64_t GetThreadSize() const noexcept { return threadSize; }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <span>
 
 static constexpr unsigned int versionMask = 0x7fff; // without the mark of a hidden one
 
@@ -53,15 +54,17 @@ void PluginTables::ReadNames()
     for (const auto& entry : entries) {
         for (const std::int64_t tag : {DT_NEEDED, DT_SONAME, DT_RPATH, DT_RUNPATH, DT_AUXILIARY, DT_FILTER}) {
             if (entry.d_tag == tag)
-                CheckName(entry.d_un.d_val, "the dynamic section");
+                GetName(entry.d_un.d_val, "the dynamic section");
         }
     }
 }
 
-void PluginTables::CheckName(std::uint64_t offset, const char* what) const
+/// The name, which `what` has; throws PluginFault.
+const char* PluginTables::GetName(std::uint64_t offset, const char* what) const
 {
     if (offset >= names.size())
         FailPlugin(std::string(what) + " has a name beyond the table of names, at " + std::to_string(offset));
+    return &names[static_cast<std::size_t>(offset)];
 }
 
 void PluginTables::ReadSymbols()
@@ -76,18 +79,17 @@ void PluginTables::ReadSymbols()
     symbols = segments.Read<ElfW(Sym)>(what, address, size / sizeof(ElfW(Sym)));
 }
 
-const ElfW(Sym) & PluginTables::CheckSymbol(std::uint64_t index) const
+const ElfW(Sym) & PluginTables::CheckSymbol(std::uint64_t number) const
 {
-    const std::string name = "symbol " + std::to_string(index);
     const auto require = [&](bool holds, const char* fault) {
         if (!holds)
-            FailPlugin(name + fault);
+            FailPlugin("symbol " + std::to_string(number) + fault);
     };
-    require(index < symbols.size(), " is beyond the table of symbols");
-    const ElfW(Sym)& symbol = symbols[static_cast<std::size_t>(index)];
-    CheckName(symbol.st_name, name.c_str());
-    require(versions.empty() ||
-            (index < versions.size() && (versions[static_cast<std::size_t>(index)] & versionMask) <= lastVersion),
+    require(number < symbols.size(), " is beyond the table of symbols");
+    const auto index = static_cast<std::size_t>(number);
+    const ElfW(Sym)& symbol = symbols[index];
+    require(symbol.st_name < names.size(), " has a name beyond the table of names");
+    require(versions.empty() || (index < versions.size() && (versions[index] & versionMask) <= lastVersion),
         " has an unknown version");
     if (symbol.st_shndx == SHN_UNDEF || symbol.st_shndx == SHN_ABS)
         return symbol;
@@ -124,21 +126,21 @@ void PluginTables::ReadVersions()
 void PluginTables::ReadNeededVersions(std::uint64_t address)
 {
     constexpr const char* what = "a needed version";
-    const auto isNeeded = [&](std::uint64_t name) {
+    const auto isNeeded = [&](const char* name) {
         return std::ranges::any_of(entries, [&](const auto& entry) {
-            return entry.d_tag == DT_NEEDED && std::strcmp(&names[entry.d_un.d_val], &names[name]) == 0;
+            return entry.d_tag == DT_NEEDED && std::strcmp(GetName(entry.d_un.d_val, what), name) == 0;
         });
     };
     unsigned int count = 0;
     for (std::uint64_t next = 1; next != 0; address += next) {
         const auto library = segments.Read<ElfW(Verneed)>(what, address, 1).front();
-        CheckName(library.vn_file, what);
-        if (!isNeeded(library.vn_file))
-            FailPlugin(std::string("versions of a library that is not needed: ") + &names[library.vn_file]);
+        const char* const name = GetName(library.vn_file, what);
+        if (!isNeeded(name))
+            FailPlugin(std::string("versions of a library that is not needed: ") + name);
         std::uint64_t version = address + library.vn_aux;
         for (std::uint64_t nextVersion = 1; nextVersion != 0; version += nextVersion) {
             const auto entry = segments.Read<ElfW(Vernaux)>(what, version, 1).front();
-            CheckName(entry.vna_name, what);
+            GetName(entry.vna_name, what);
             lastVersion = std::max(lastVersion, entry.vna_other & versionMask);
             if (++count > versionMask)
                 FailPlugin("too many needed versions");
@@ -154,7 +156,7 @@ void PluginTables::ReadOwnVersions(std::uint64_t address)
     for (std::uint64_t next = 1; next != 0; address += next) {
         const auto version = segments.Read<ElfW(Verdef)>(what, address, 1).front();
         const auto name = segments.Read<ElfW(Verdaux)>(what, address + version.vd_aux, 1).front();
-        CheckName(name.vda_name, what);
+        GetName(name.vda_name, what);
         lastVersion = std::max(lastVersion, version.vd_ndx & versionMask);
         next = version.vd_next;
     }
@@ -206,12 +208,12 @@ void PluginTables::CheckOldHash(std::uint64_t address) const
     constexpr const char* what = "the hash table";
     const auto counts = segments.Read<std::uint32_t>(what, address, 2);
     const auto table = segments.Read<std::uint32_t>(what, address, std::uint64_t{2} + counts[0] + counts[1]);
-    const auto buckets = table.begin() + 2;
-    const auto chain = buckets + counts[0];
+    const auto buckets = std::span(table).subspan(2, counts[0]);
+    const auto chain = std::span(table).subspan(2 + buckets.size());
     std::uint32_t steps = 0;
-    for (auto bucket = buckets; bucket != chain; ++bucket) {
-        for (std::uint32_t index = *bucket; index != STN_UNDEF; index = chain[index]) {
-            if (index >= counts[1] || ++steps > counts[1])
+    for (const std::uint32_t bucket : buckets) {
+        for (std::uint32_t index = bucket; index != STN_UNDEF; index = chain[index]) {
+            if (index >= chain.size() || ++steps > chain.size())
                 FailPlugin("the hash table has a chain without end");
             CheckSymbol(index);
         }

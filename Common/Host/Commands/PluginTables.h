@@ -18,7 +18,7 @@ public:
     std::uint64_t Get(std::int64_t tag, const char* what) const;
 
     /// The symbol, once it is checked; throws PluginFault.
-    const ElfW(Sym) & CheckSymbol(std::uint64_t index) const;
+    const ElfW(Sym) & CheckSymbol(std::uint64_t number) const;
 
 private:
     const PluginSegments& segments;
@@ -34,7 +34,7 @@ private:
     void ReadVersions();
     void ReadNeededVersions(std::uint64_t address);
     void ReadOwnVersions(std::uint64_t address);
-    void CheckName(std::uint64_t offset, const char* what) const;
+    const char* GetName(std::uint64_t offset, const char* what) const;
     void CheckHash(std::uint64_t address) const;
     void CheckOldHash(std::uint64_t address) const;
 };
