@@ -1,54 +1,15 @@
 #include "Commands/EmbeddedResource.h"
 
 #include "Commands/CommandRegistry.h"
-#include "Services/FileDescriptor.h"
+#include "Commands/PluginFile.h"
 #include "Text/HostError.h"
 
 #include <algorithm>
-#include <fcntl.h>
-#include <gelf.h>
-#include <libelf.h>
-#include <memory>
 
-namespace {
-struct ElfEnder
-{
-    void operator()(Elf* elf) const noexcept { elf_end(elf); }
-};
-
-bool TryFindSection(Elf* elf, const std::string& section, std::string& contents)
-{
-    std::size_t names = 0;
-    if (elf_kind(elf) != ELF_K_ELF || elf_getshdrstrndx(elf, &names) != 0)
-        return false;
-    for (Elf_Scn* scan = nullptr; (scan = elf_nextscn(elf, scan)) != nullptr;) {
-        GElf_Shdr header;
-        const char* name = gelf_getshdr(scan, &header) ? elf_strptr(elf, names, header.sh_name) : nullptr;
-        if (!name || section != name)
-            continue;
-        const Elf_Data* data = elf_rawdata(scan, nullptr);
-        if (!data)
-            return false;
-        contents.assign(static_cast<const char*>(data->d_buf), data->d_buf ? data->d_size : 0);
-        return true;
-    }
-    return false;
-}
-
-bool TryReadSection(const std::string& file, const std::string& section, std::string& contents)
-{
-    const FileDescriptor descriptor(open(file.c_str(), O_RDONLY | O_CLOEXEC));
-    if (!descriptor.IsOpen() || elf_version(EV_CURRENT) == EV_NONE)
-        return false;
-    const std::unique_ptr<Elf, ElfEnder> elf(elf_begin(descriptor.Get(), ELF_C_READ, nullptr));
-    return elf && TryFindSection(elf.get(), section, contents);
-}
-
-std::string GetSectionName(const wchar_t* resourceName)
+static std::string GetSectionName(const wchar_t* resourceName)
 {
     return ".ov." + WString(resourceName).ToUtf8();
 }
-} // namespace
 
 EmbeddedResource::EmbeddedResource(const wchar_t* commandName, const wchar_t* resourceName)
 {
@@ -56,13 +17,13 @@ EmbeddedResource::EmbeddedResource(const wchar_t* commandName, const wchar_t* re
     if (!entry)
         throw HostException(HostError::FileError, WString(L"no command ") + commandName);
     const std::string section = GetSectionName(resourceName);
-    if (!TryReadSection(entry->file, section, text))
+    if (!PluginFile(entry->file).TryReadSection(section, text))
         throw HostException(HostError::FileError, WString::FromUtf8(entry->file + ": no section " + section));
 }
 
 EmbeddedResource::EmbeddedResource(const std::string& file, const wchar_t* resourceName)
 {
-    TryReadSection(file, GetSectionName(resourceName), text);
+    PluginFile(file).TryReadSection(GetSectionName(resourceName), text);
 }
 
 WString EmbeddedResource::ReadLine()

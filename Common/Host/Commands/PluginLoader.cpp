@@ -1,6 +1,7 @@
 #include "Commands/PluginLoader.h"
 
 #include "Commands/CommandRegistry.h"
+#include "Commands/PluginFile.h"
 #include "Commands/ScriptAssistant.h"
 #include "Text/HostError.h"
 
@@ -98,6 +99,8 @@ void PluginLoader::Load(const std::string& path)
     const std::string file = path.find('/') == std::string::npos ? "./" + path : path;
     if (std::error_code error; std::filesystem::exists(file, error) && !std::filesystem::is_regular_file(file, error))
         Fail(file, "not a file"); // the loader would wait for a pipe's writer
+    if (const std::string fault = PluginFile(file).FindFault(); !fault.empty())
+        Fail(file, fault);
     // The functions of a library that another plug-in has brought along were added then.
     const bool isNew = !dlopen(file.c_str(), RTLD_NOW | RTLD_NOLOAD);
     const ScriptAssistant* const assistant = ScriptAssistant::GetOrNull();

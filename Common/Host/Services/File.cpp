@@ -1,5 +1,6 @@
 #include "Services/File.h"
 
+#include "Services/Crc.h"
 #include "Services/WholeFile.h"
 #include "Text/Abort.h"
 #include "Text/HostError.h"
@@ -8,7 +9,6 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <zlib.h>
 
 static_assert(sizeof(off_t) == 8, "files are larger than 2 GiB on 32-bit platforms too");
 
@@ -104,10 +104,10 @@ bool File::GetCrc(const WString& name, std::uint32_t& crc, bool throwOnError)
     try {
         File file(name, FileOpenMode::OpenExisting, FileAccessMode::Read);
         Buffer block(64 * 1024);
-        uLong sum = crc32(0, nullptr, 0);
+        std::uint32_t sum = 0;
         for (file.Read(block); block.GetLength() != 0; file.Read(block))
-            sum = crc32(sum, block.GetData(), static_cast<uInt>(block.GetLength()));
-        crc = static_cast<std::uint32_t>(sum);
+            sum = CalculateCrc(block.GetData(), static_cast<std::size_t>(block.GetLength()), sum);
+        crc = sum;
         return true;
     } catch (const HostException& error) {
         if (throwOnError || error.GetNumber() != static_cast<unsigned int>(HostError::FileError))
