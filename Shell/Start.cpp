@@ -7,6 +7,7 @@
 #include "LocalTime.h"
 #include "Report.h"
 #include "RunningScript.h"
+#include "Text/CharacterCase.h"
 #include "Text/HostError.h"
 
 #include <filesystem>
@@ -41,6 +42,9 @@ void Start(const Arguments& arguments)
         throw HostException(HostError::FileError, L"no data folder: give --data, or set LABSH_HOME or HOME");
     for (const WString& report : System::Start(arguments.dataFolder, shellFolder + "/Profile"))
         WriteErrorLine(L"labsh: warning: " + report);
+    if (ToUpper(L'\u00E4') == L'\u00E4')
+        WriteErrorLine(L"labsh: warning: neither the locale C.UTF-8 nor en_US.UTF-8 is installed: "
+                       L"only ASCII letters have two cases");
     System::errorLog.SetPrefix(MakeErrorLogPrefix);
     AddBuiltIns();
     PluginLoader::Load(shellFolder + "/ExpressionEvaluator.dll");

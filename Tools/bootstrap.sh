@@ -1,7 +1,7 @@
 #!/bin/bash
 # Installs what is missing of the named sections of packages.txt, saying so: Tools/bootstrap.sh shell tests
 # Asks dpkg once, and does nothing when all is there. Installing needs root, or sudo. Where there is no dpkg the build
-# goes on without this check: CMake names what it does not find.
+# goes on without this check: CMake names what it does not find. With --list it only prints the sections' packages.
 set -eu
 
 # Prints the packages of the named sections.
@@ -25,6 +25,10 @@ fail() {
     exit 1
 }
 
+if [[ ${1-} == --list ]]; then
+    packagesOf "${@:2}"
+    exit
+fi
 command -v dpkg-query >/dev/null || exit 0
 mapfile -t packages < <(packagesOf "$@")
 mapfile -t missing < <(missingOf "${packages[@]}")

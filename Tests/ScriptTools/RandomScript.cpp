@@ -232,7 +232,9 @@ RandomScript::RandomScript(std::uint32_t seed) : kind(static_cast<Kind>(seed % 3
         else
             lines.push_back(writer.Expand(isNested ? "$Y" : "$S"));
     }
-    const auto insert = [&](const std::string& line) { lines.insert(lines.end() - writer.Below(count), line); };
+    const auto insert = [&](const std::string& line) {
+        lines.insert(lines.end() - static_cast<std::ptrdiff_t>(writer.Below(count)), line);
+    };
     if (kind == Kind::Failing) {
         insert(writer.Expand("$f"));
         if (isNested)

@@ -72,7 +72,7 @@ TEST(HelpTest, TopicsCanBePasted)
 
 TEST(HelpTest, ExamplesOfErrorsFailWithThem)
 {
-    for (const char* file : {LABSH_FILE, PLUGIN_FILE}) {
+    for (const char* file : {LABSH_TEXTS_FILE, PLUGIN_FILE}) {
         const std::vector<ExplainedError> explanations = ReadExplanations(file);
         ASSERT_FALSE(explanations.empty());
         std::string script;
@@ -106,7 +106,7 @@ TEST(HelpTest, ExamplesOfErrorsFailWithThem)
 
 TEST(HelpTest, EveryErrorIsExplained)
 {
-    std::vector<ExplainedError> explanations = ReadExplanations(LABSH_FILE);
+    std::vector<ExplainedError> explanations = ReadExplanations(LABSH_TEXTS_FILE);
     const auto expect = [&](const std::string& code, const std::string& message) {
         if (std::ranges::none_of(explanations, [&](const ExplainedError& each) { return Explains(each, code, message); }))
             ADD_FAILURE() << "No ERRORS.TXT explains " << code << " " << message;

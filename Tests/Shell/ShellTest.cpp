@@ -96,6 +96,17 @@ TEST(ShellTest, AMistypedNameIsRefused)
         EXPECT_EQ(RunLabsh({"--", line}), std::string(report) + "\nexit 1");
 }
 
+TEST(ShellTest, SaysAtTheStartThatNoLocaleKnowsTheCases)
+{
+    Labsh labsh;
+    setenv("LOCPATH", labsh.folder.GetPath().c_str(), 1);
+    labsh.Start({"Calc UCase(\"\u00E4b\")"});
+    unsetenv("LOCPATH");
+    EXPECT_EQ(labsh.Finish(),
+        "\u00E4B\nlabsh: warning: neither the locale C.UTF-8 nor en_US.UTF-8 is installed: only ASCII letters have two "
+        "cases\nexit 0");
+}
+
 TEST(ShellTest, AFreshBenchIsThrownAway)
 {
     Labsh labsh;

@@ -46,7 +46,7 @@ const wchar_t* ReadExponent(const wchar_t* at, int& power) noexcept
     const wchar_t* const first = at;
     int exponent = 0;
     for (; IsDecimalDigit(*at) && at - first < 3; ++at)
-        exponent = exponent * 10 + (*at - L'0');
+        exponent = exponent * 10 + static_cast<int>(*at - L'0');
     power += isNegative ? -exponent : exponent;
     const bool isExact = power >= -maxExactPower && power <= maxExactPower;
     return at == first || IsDecimalDigit(*at) || !isExact ? nullptr : at;
