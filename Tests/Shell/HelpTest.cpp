@@ -108,7 +108,8 @@ TEST(HelpTest, EveryErrorIsExplained)
 {
     std::vector<ExplainedError> explanations = ReadExplanations(LABSH_TEXTS_FILE);
     const auto expect = [&](const std::string& code, const std::string& message) {
-        if (std::ranges::none_of(explanations, [&](const ExplainedError& each) { return Explains(each, code, message); }))
+        if (std::ranges::none_of(
+                explanations, [&](const ExplainedError& each) { return Explains(each, code, message); }))
             ADD_FAILURE() << "No ERRORS.TXT explains " << code << " " << message;
     };
     for (unsigned int number = 1; number <= 100; ++number) {
