@@ -1,0 +1,98 @@
+#!/bin/bash
+# Gives the targets of Fuzz, or those that are named, their seeds and all that was found worth keeping, then whatever
+# the fuzzer thinks of for some seconds each: Tools/fuzz.sh <seconds> [<target>...]
+# Fails when an input ends a program, and keeps it. With --coverage in place of the seconds it shows how many lines of
+# its sources a target reaches with what is kept.
+set -euo pipefail
+cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.."
+seconds=$1
+shift
+targets=("$@")
+if [[ ! ${1-} ]]; then
+    readarray -t targets < <(sed -n 's/^add_fuzzer(\([A-Za-z]*\).*/\1/p' Fuzz/CMakeLists.txt)
+fi
+preset=asan
+if [[ $seconds == --coverage ]]; then
+    preset=coverage
+fi
+Tools/build.sh $preset Fuzzers shell checks
+work=build/asan/fuzz # the corpora grow there
+programs=build/$preset/bin
+
+# What the programs leave behind; in memory, for they write and flush files all the time.
+TMPDIR=$(mktemp -d -p "$([[ -w /dev/shm ]] && echo /dev/shm || echo /tmp)" labsh-fuzz-XXXXXX)
+export TMPDIR LC_ALL=C.UTF-8
+trap 'rm -rf "$TMPDIR"' EXIT
+rm -rf "$work/seeds"
+mkdir -p "$work/seeds"
+Fuzz/seeds.sh "$work/seeds" "$programs"
+
+# Runs the program of a target on its corpora: fuzz <target> <option>...
+fuzz() {
+    local target=$1 corpora=("$work/$1") dictionary=$work/seeds/$1.dict options=()
+    shift
+    mkdir -p "${corpora[0]}"
+    for folder in "$work/seeds/$target" "Fuzz/Corpus/$target"; do
+        [[ -d $folder ]] && corpora+=("$folder")
+    done
+    [[ -e $dictionary ]] && options=(-dict="$dictionary")
+    "$programs/${target}Fuzzer" "$@" "${options[@]}" -max_len=4000 -timeout=20 -print_final_stats=1 \
+        -artifact_prefix="$work/$target-" "${corpora[@]}" >"$work/$target.log" 2>&1 </dev/null
+}
+
+# Replays and fuzzes a target, and says how that has ended.
+check() {
+    if fuzz "$1" -runs=0 && { [[ $seconds == 0 ]] || fuzz "$1" -max_total_time="$seconds"; }; then
+        echo "$1: $(sed -n 's/^stat::number_of_executed_units: *//p' "$work/$1.log") inputs"
+    else
+        tail -n 40 "$work/$1.log"
+        echo "$1: a fault, see $PWD/$work/$1.log"
+        return 1
+    fi
+}
+
+# Where the code is that a target is for.
+sources() {
+    local evaluator=Common/ExpressionEvaluator
+    case $1 in
+        Check) echo Common/ScriptTools ;;
+        CommandLine) echo Common/Host/Commands/{CommandLine,CommandRunner,Options,Reference,RecordedCommand}.cpp \
+            $evaluator/Commands Shell/BuiltIns Shell/ScriptRunner.cpp ;;
+        ElfSections) echo Common/Host/Commands/EmbeddedResource.cpp ;;
+        Evaluator) echo $evaluator/{Engine,Values,Functions} ;;
+        IniFile) echo Common/Host/Instrument/IniFile.cpp ;;
+        LanguageServer) echo Shell/LanguageServer ;;
+        ScriptReader) echo Common/Host/Commands/Script{Reader,Text}.cpp Common/Host/Text/Utf16.cpp Shell/FileLines.cpp ;;
+    esac
+}
+
+# Shows for each source of a target the lines that its corpora reach.
+cover() {
+    local profile=$TMPDIR/$1.profile objects=("$programs/$1Fuzzer") file
+    for file in "$programs"/*.{so,dll}; do
+        objects+=(-object "$file")
+    done
+    LLVM_PROFILE_FILE=$profile.raw fuzz "$1" -runs=0 || tail -n 40 "$work/$1.log"
+    llvm-profdata-14 merge -o "$profile" "$profile.raw"
+    # shellcheck disable=SC2046 # words
+    llvm-cov-14 report "${objects[@]}" -instr-profile="$profile" -ignore-filename-regex=SelfTest \
+        -show-region-summary=false -show-branch-summary=false $(sources "$1")
+}
+
+action=check
+if [[ $preset == coverage ]]; then
+    action=cover
+fi
+running=0 status=0
+for target in "${targets[@]}"; do
+    if ((running == $(nproc))); then
+        wait -n || status=1
+        ((running--))
+    fi
+    $action "$target" &
+    ((++running))
+done
+for (( ; running > 0; running--)); do
+    wait -n || status=1
+done
+exit $status
