@@ -1,5 +1,5 @@
 // Loads, changes, saves and reloads the input behind its first line as a file of settings. The first line,
-// "section]key=value", is a setting that is made and deleted.
+// "section]key=value", is the setting that changes.
 
 #include "Instrument/IniFile.h"
 #include "Require.h"
@@ -65,21 +65,26 @@ struct Change
     }
 };
 
-void CheckChange(IniFile& file, const Change& change)
+/// Deletes the setting if it is there, makes it, deletes it and makes it again.
+void CheckChanges(IniFile& file, const Change& change)
 {
     if (!IniFile::CanHold(change.section, change.key, change.value))
         return;
     const std::size_t faults = file.GetFaults().size();
     const std::pair name(ToLower(change.section), ToLower(change.key));
     Settings expected = GetSettings(file);
-    expected[name] = WString::FromUtf8(change.value.ToUtf8()).View();
-    file.Set(change.section, change.key, change.value);
-    Require(GetSettings(file) == expected, "a setting that was made is there, and the others are as they were");
-    Require(Reload(file).GetFaults().size() == faults, "what was saved is understood");
-    expected.erase(name);
-    Require(file.TryDelete(change.section, change.key), "a setting that is there can be deleted");
-    Require(GetSettings(file) == expected, "a setting that was deleted is gone, and the others are as they were");
-    Reload(file);
+    bool isThere = expected.contains(name);
+    for (int step = 0; step < 4; ++step, isThere = !isThere) {
+        if (isThere) {
+            expected.erase(name);
+            Require(file.TryDelete(change.section, change.key), "a setting that is there can be deleted");
+        } else {
+            expected[name] = WString::FromUtf8(change.value.ToUtf8()).View();
+            file.Set(change.section, change.key, change.value);
+        }
+        Require(GetSettings(file) == expected, "one setting has changed, and the others are as they were");
+        Require(Reload(file).GetFaults().size() == faults, "what was saved is understood as before");
+    }
 }
 
 } // namespace
@@ -96,6 +101,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         file.Describe(fault);
     Reload(file);
     Require(folder.Read("settings.ini") == text, "a file that nothing was set in stays as it is");
-    CheckChange(file, Change(std::string_view(input).substr(0, end)));
+    CheckChanges(file, Change(std::string_view(input).substr(0, end)));
     return 0;
 }

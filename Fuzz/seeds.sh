@@ -61,12 +61,16 @@ for target in x86_64 armv7 powerpc64; do
         .section .ov.HELP.TXT,"",%progbits
         .asciz "one\r\ntwo\n"'
 done
-clang-14 -shared -nostdlib -Wl,--strip-all -Wl,-z,noseparate-code -x assembler - -o "$out/ElfSections/library" <<<'
-    .globl _Z25DllRegistryGetNextCommandj, _Z20DllRegistrySelectDllPKc, _Z34DllRegistryTryGetNextAutomaticTestiR18AutomaticTestEntry
-    _Z25DllRegistryGetNextCommandj: _Z20DllRegistrySelectDllPKc:
-    _Z34DllRegistryTryGetNextAutomaticTestiR18AutomaticTestEntry: .long 0
-    .section .ov.version,"",@progbits
-    .ascii "1.2.3"'
+for style in gnu sysv; do
+    clang-14 -shared -nostartfiles -fPIC -O1 -Wl,--hash-style=$style,--strip-all,-z,noseparate-code,-z,norelro \
+        -x c - -o "$out/ElfSections/$style" <<<'
+            int puts(const char*);
+            static _Thread_local int count = 1;
+            __attribute__((constructor)) static void begin() { puts("begin"); }
+            __attribute__((destructor)) static void end() { puts("end"); }
+            int* _Z25DllRegistryGetNextCommandj() { return &count; }
+            void (*call)() = begin;'
+done
 
 # Writes the lines of the standard input as a dictionary: dictionary <target>
 dictionary() {

@@ -36,7 +36,7 @@ fuzz() {
         [[ -d $folder ]] && corpora+=("$folder")
     done
     [[ -e $dictionary ]] && options=(-dict="$dictionary")
-    "$programs/${target}Fuzzer" "$@" "${options[@]}" -max_len=4000 -timeout=20 -print_final_stats=1 \
+    "$programs/${target}Fuzzer" "$@" "${options[@]}" -timeout=20 -print_final_stats=1 \
         -artifact_prefix="$work/$target-" "${corpora[@]}" >"$work/$target.log" 2>&1 </dev/null
 }
 
