@@ -2,7 +2,6 @@
 // come to the same.
 
 #include "Bench.h"
-#include "EETokenMap.h"
 #include "ExpressionEvaluator.h"
 #include "Instrument/System.h"
 #include "Require.h"
@@ -88,26 +87,26 @@ bool EvaluateInSteps(ExpressionEvaluator& evaluator, const WString& expression, 
     return evaluator.Infix2Postfix(expression, postfix) && evaluator.EvaluatePostfixExpr(value, postfix);
 }
 
-/// The forms that give a value of a type of their own are what a cast of the value is.
+/// The form that gives a value of a type of its own gives what a cast of the value does.
+template <typename Value, typename Form>
+void CheckTypedForm(const Result& result, const Form& evaluate)
+{
+    Value value{};
+    Value cast{};
+    System::random.Seed(1);
+    const bool isOne = result.value && result.value->TryCast(cast);
+    Require(evaluate(value) == isOne, "a value of the type comes of what can be cast to it");
+    Require(!isOne || value == cast, "it is the value that was cast");
+}
+
 void CheckTypedForms(ExpressionEvaluator& evaluator, const WString& expression, const Result& result)
 {
-    const auto start = [] { System::random.Seed(1); };
-    double number = 0;
-    bool flag = false;
+    CheckTypedForm<double>(result, [&](double& value) { return evaluator.TryEvaluateDouble(expression, value); });
+    CheckTypedForm<bool>(result, [&](bool& value) { return evaluator.TryEvaluateBool(expression, value); });
     WString text;
-    start();
-    Require(evaluator.TryEvaluateString(expression, text) == result.value.has_value(), "a text comes of each value");
+    System::random.Seed(1);
+    Require(evaluator.TryEvaluateString(expression, text) == result.value.has_value(), "each value has a text");
     Require(!result.value || text == result.value->ToString(), "it is that of the value");
-    double cast = 0;
-    start();
-    Require(evaluator.TryEvaluateDouble(expression, number) == (result.value && result.value->TryCast(cast)),
-        "a number comes of what is one");
-    Require(number == cast, "it is that of the value");
-    bool castFlag = false;
-    start();
-    Require(evaluator.TryEvaluateBool(expression, flag) == (result.value && result.value->TryCast(castFlag)),
-        "a boolean comes of what is one");
-    Require(flag == castFlag, "it is that of the value");
 }
 
 /// Reads the tokens one by one, as far as they can be read without their context.
@@ -124,49 +123,64 @@ void ReadTokens(ExpressionEvaluator& evaluator, const WString& expression)
     }
 }
 
-} // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size)
+/// An evaluator with variables of both kinds.
+class VariedEvaluator : public ExpressionEvaluator
 {
-    static Bench bench(SOURCE_DIR "/Tests/Functions/Profile");
-    static const Environment environment = [] {
+public:
+    explicit VariedEvaluator(unsigned int flags = 0) : ExpressionEvaluator(true, GetEnvironment(), nullptr, L"", flags)
+    {
+        Clear(); // its names consist of the usual characters
+        SetVariable(L"x", 2.5);
+        SetVariable(L"list", L"a;b;;c");
+        SetVariable(L"yes", true);
+    }
+
+private:
+    static Environment GetEnvironment()
+    {
         Environment variables;
         variables.SetString(L"Count", L"7.50");
         variables.SetString(L"Truth", L"TRUE");
         variables.SetString(L"Name", L"7 apples");
         return variables;
-    }();
-    static EETokenMap map(7);
-    static ExpressionEvaluator reused(true, environment, &map, L"", 0);
-    if (size == 0)
-        return 0;
-    const WString expression = WString::FromUtf8({reinterpret_cast<const char*>(bytes) + 1, size - 1});
-    map.Clear();
-    map.SetVariable(L"x", 2.5);
-    map.SetVariable(L"list", L"a;b;;c");
-    map.SetVariable(L"yes", true);
+    }
+};
 
-    ExpressionEvaluator fresh(true, environment, &map, L"", 0);
-    const Result result = Run(fresh, expression, EvaluateWhole);
-    if (result.value)
-        CheckValue(*result.value);
-    else
-        CheckError(result, expression);
-    switch (static_cast<unsigned char>(*bytes - '0') % 5) {
-    case 1: {
-        ExpressionEvaluator traced(true, environment, &map, L"", EvaluatorFlags::traceVariables);
+void EvaluateAgain(char way, const WString& expression, const Result& result)
+{
+    static VariedEvaluator reused;
+    switch (way) {
+    case '1': {
+        VariedEvaluator traced(EvaluatorFlags::traceVariables);
         RequireSame(result, Run(traced, expression, EvaluateWhole));
         break;
     }
-    case 2: RequireSame(result, Run(fresh, expression, EvaluateLogged)); break;
-    case 3: {
-        ExpressionEvaluator stepped(true, environment, &map, L"", 0);
+    case '2': RequireSame(result, Run(reused, expression, EvaluateLogged)); break;
+    case '3': {
+        VariedEvaluator stepped;
         RequireSame(result, Run(stepped, expression, EvaluateInSteps));
         ReadTokens(stepped, expression);
         break;
     }
-    case 4: CheckTypedForms(reused, expression, result); break;
+    case '4': CheckTypedForms(reused, expression, result); break;
     default: RequireSame(result, Run(reused, expression, EvaluateWhole)); break;
     }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size)
+{
+    static const Bench bench(SOURCE_DIR "/Tests/Functions/Profile");
+    if (size == 0)
+        return 0;
+    const WString expression = WString::FromUtf8({reinterpret_cast<const char*>(bytes) + 1, size - 1});
+    VariedEvaluator evaluator;
+    const Result result = Run(evaluator, expression, EvaluateWhole);
+    if (result.value)
+        CheckValue(*result.value);
+    else
+        CheckError(result, expression);
+    EvaluateAgain(static_cast<char>(*bytes), expression, result);
     return 0;
 }

@@ -72,8 +72,9 @@ cover() {
     for file in "$programs"/*.{so,dll}; do
         objects+=(-object "$file")
     done
-    LLVM_PROFILE_FILE=$profile.raw fuzz "$1" -runs=0 || tail -n 40 "$work/$1.log"
-    llvm-profdata-14 merge -o "$profile" "$profile.raw"
+    # A file for each library.
+    LLVM_PROFILE_FILE=$profile-%m.raw fuzz "$1" -runs=0 || tail -n 40 "$work/$1.log"
+    llvm-profdata-14 merge -o "$profile" "$profile"-*.raw
     # shellcheck disable=SC2046 # words
     llvm-cov-14 report "${objects[@]}" -instr-profile="$profile" -ignore-filename-regex=SelfTest \
         -show-region-summary=false -show-branch-summary=false $(sources "$1")
