@@ -51,22 +51,21 @@ check() {
     fi
 }
 
-# Where the code is that a target is for.
+# Where the code is that a target is for, as a regular expression.
 sources() {
-    local evaluator=Common/ExpressionEvaluator
+    local evaluator=Common/ExpressionEvaluator host=Common/Host
     case $1 in
-        Check) echo Common/ScriptTools ;;
-        CommandLine) echo Common/Host/Commands/{CommandLine,CommandRunner,Options,Reference,RecordedCommand}.cpp \
-            $evaluator/Commands Shell/BuiltIns Shell/ScriptRunner.cpp ;;
-        ElfSections) echo Common/Host/Commands/EmbeddedResource.cpp ;;
-        Evaluator) echo $evaluator/{Engine,Values,Functions} ;;
-        IniFile) echo Common/Host/Instrument/IniFile.cpp ;;
-        LanguageServer) echo Shell/LanguageServer ;;
-        ScriptReader) echo Common/Host/Commands/Script{Reader,Text}.cpp Common/Host/Text/Utf16.cpp Shell/FileLines.cpp ;;
+        Check) echo "Common/ScriptTools/" ;;
+        CommandLine) echo "$evaluator/Commands/|Shell/BuiltIns/|$host/Commands/(Command|Options|Reference|RecordedC)" ;;
+        ElfSections) echo "$host/Commands/(EmbeddedResource|Plugin(File|Relocations|Segments|Tables))" ;;
+        Evaluator) echo "$evaluator/(Engine|Values|Functions)/" ;;
+        IniFile) echo "$host/Instrument/IniFile" ;;
+        LanguageServer) echo "Shell/LanguageServer/" ;;
+        ScriptReader) echo "$host/Commands/Script(Reader|Text)|$host/Text/Utf16|Shell/FileLines" ;;
     esac
 }
 
-# Shows for each source of a target the lines that its corpora reach.
+# Shows for each source of a target the share of its lines that the corpora reach.
 cover() {
     local profile=$TMPDIR/$1.profile objects=("$programs/$1Fuzzer") file
     for file in "$programs"/*.{so,dll}; do
@@ -75,9 +74,12 @@ cover() {
     # A file for each library.
     LLVM_PROFILE_FILE=$profile-%m.raw fuzz "$1" -runs=0 || tail -n 40 "$work/$1.log"
     llvm-profdata-14 merge -o "$profile" "$profile"-*.raw
-    # shellcheck disable=SC2046 # words
     llvm-cov-14 report "${objects[@]}" -instr-profile="$profile" -ignore-filename-regex=SelfTest \
-        -show-region-summary=false -show-branch-summary=false $(sources "$1")
+        -show-region-summary=false -show-branch-summary=false 2>/dev/null |
+        awk -v pattern="(^|/)($(sources "$1"))[^ ]*[.]cpp$" -v target="$1" '
+            function show(name, lines, missed) { printf "%5d lines %5.1f %%  %s\n", lines, 100 - 100 * missed / lines, name }
+            $1 ~ pattern { lines += $5; missed += $6; sub(".*[.][.]/", "", $1); show($1, $5, $6) }
+            END { show(target, lines, missed) }'
 }
 
 action=check
