@@ -77,7 +77,7 @@ dictionary() {
     sed 's/^ *//; /^$/d; s/[\\"]/\\&/g; s/.*/"&"/' | sort -u >"$out/$1.dict"
 }
 
-# The words of the language: functions, operators and names; commands with their words and options.
+# The words of the language: functions, operators, names and numbers; commands with their words and options.
 labsh() { LABSH_HOME=$out/home "$programs/labsh" "$@"; }
 usages=$(labsh Help | sed -n '/^Commands:/,/^Topics:/s/^ //p')
 commands=$(sed 's/ .*//' <<<"$usages")
@@ -85,6 +85,7 @@ commands=$(sed 's/ .*//' <<<"$usages")
     grep -ohE '^[A-Za-z0-9]+\(|\bor [A-Za-z0-9]+\(' Common/ExpressionEvaluator/FUNCTIONS.TXT | sed 's/^or //'
     sed -n '/^Operators/,/^Examples/s/^ \(.*\)  [A-Z].*/\1/p' Common/ExpressionEvaluator/HELP.TXT | tr -s ' ' '\n'
     grep -ohE '%[A-Z]\{' Common/ExpressionEvaluator/HELP.TXT
+    printf '%s\n' -1 0 1 8 9 15 16 31 32 63 64 100 200 2147483648 -2147483649 4294967296 1e15 1e308 1e-320 # limits
     echo "$commands"
     sed 's/^[^ ]*//; s/<[^>]*>//g' <<<"$usages" | grep -oE '\b[A-Z][a-z]+\b'
     sed 's/^/Help /' <<<"$commands" | labsh | grep -oE '^ *-[A-Za-z]+'
