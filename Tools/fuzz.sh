@@ -1,6 +1,6 @@
 #!/bin/bash
 # Gives the targets of Fuzz, or those that are named, their seeds and all that was found worth keeping, then whatever
-# the fuzzer thinks of for some seconds each: Tools/fuzz.sh <seconds> [<target>...]
+# the fuzzer thinks of for the rest of some seconds each, 0 for none: Tools/fuzz.sh <seconds> [<target>...]
 # Fails when an input ends a program, and keeps it. With --coverage in place of the seconds it shows how many lines of
 # its sources a target reaches with what is kept.
 set -euo pipefail
@@ -40,9 +40,13 @@ fuzz() {
         -artifact_prefix="$work/$target-" "${corpora[@]}" >"$work/$target.log" 2>&1 </dev/null
 }
 
-# Replays and fuzzes a target, and says how that has ended.
+# Fuzzes a target, which begins with a replay of all its inputs, and says how that has ended.
 check() {
-    if fuzz "$1" -runs=0 && { [[ $seconds == 0 ]] || fuzz "$1" -max_total_time="$seconds"; }; then
+    local limit=-max_total_time=$seconds
+    if ((seconds == 0)); then
+        limit=-runs=0
+    fi
+    if fuzz "$1" "$limit"; then
         echo "$1: $(sed -n 's/^stat::number_of_executed_units: *//p' "$work/$1.log") inputs"
     else
         tail -n 40 "$work/$1.log"
