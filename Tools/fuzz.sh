@@ -21,7 +21,7 @@ programs=build/$preset/bin
 
 # What the programs leave behind; in memory, for they write and flush files all the time.
 TMPDIR=$(mktemp -d -p "$([[ -w /dev/shm ]] && echo /dev/shm || echo /tmp)" labsh-fuzz-XXXXXX)
-export TMPDIR LC_ALL=C.UTF-8
+export TMPDIR LC_ALL=C.UTF-8 LLVM_PROFILE_FILE=$TMPDIR/other.raw
 trap 'rm -rf "$TMPDIR"' EXIT
 rm -rf "$work/seeds"
 mkdir -p "$work/seeds"
