@@ -57,14 +57,14 @@ check() {
 
 # Where the code is that a target is for, as a regular expression.
 sources() {
-    local evaluator=Common/ExpressionEvaluator host=Common/Host
+    local evaluator=Common/ExpressionEvaluator host=Common/Host tools=Common/ScriptTools
     case $1 in
-        Check) echo "Common/ScriptTools/" ;;
+        Check) echo "$tools/(Abs|Command(Check|Text)|Ex|Fou|Hex|Kno|ListC|Ope|Ref|Script|Val)" ;;
         CommandLine) echo "$evaluator/Commands/|Shell/BuiltIns/|$host/Commands/(Command|Options|Reference|RecordedC)" ;;
         ElfSections) echo "$host/Commands/(EmbeddedResource|Plugin(File|Relocations|Segments|Tables))" ;;
         Evaluator) echo "$evaluator/(Engine|Values|Functions)/" ;;
         IniFile) echo "$host/Instrument/IniFile" ;;
-        LanguageServer) echo "Shell/LanguageServer/" ;;
+        LanguageServer) echo "Shell/LanguageServer/[^R]|$tools/(Can|Fun|Line)" ;; # Run.cpp waits for streams
         ScriptReader) echo "$host/Commands/Script(Reader|Text)|$host/Text/Utf16|Shell/FileLines" ;;
     esac
 }
