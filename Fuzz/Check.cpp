@@ -1,8 +1,4 @@
-// Analyses whatever the fuzzer thinks of, as a script, with the plug-ins as they are loaded:
-//
-//     Tools/build.sh asan all shell tests checks
-//     mkdir -p build/asan/corpus
-//     build/asan/bin/CheckFuzzer -max_total_time=600 -max_len=1000 build/asan/corpus Tests/Scripts Examples/Scripts
+// Analyses whatever the fuzzer thinks of, as a script, with the plug-ins as they are loaded.
 
 #include "ScriptTools/LoadedTools.h"
 

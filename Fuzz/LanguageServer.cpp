@@ -1,7 +1,5 @@
 // Gives the language server whatever the fuzzer thinks of: as the bytes of its standard input, and as a document that
 // is asked about at a place.
-//
-//     build/asan/bin/LanguageServerFuzzer -max_total_time=600 -max_len=1000 build/asan/messages Tests/Shell
 
 #include "LanguageServer/LanguageServer.h"
 #include "LanguageServer/Inbox.h"
