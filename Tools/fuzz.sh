@@ -61,7 +61,7 @@ sources() {
     case $1 in
         Check) echo "$tools/(Abs|Command(Check|Text)|Ex|Fou|Hex|Kno|ListC|Ope|Ref|Script|Val)" ;;
         CommandLine) echo "$evaluator/Commands/|Shell/BuiltIns/|$host/Commands/(Command|Options|Reference|RecordedC)" ;;
-        ElfSections) echo "$host/Commands/(EmbeddedResource|Plugin(File|Relocations|Segments|Tables))" ;;
+        ElfSections) echo "$host/Commands/(EmbeddedResource|Plugin(File|Segments))" ;;
         Evaluator) echo "$evaluator/(Engine|Values|Functions)/" ;;
         IniFile) echo "$host/Instrument/IniFile" ;;
         LanguageServer) echo "Shell/LanguageServer/[^R]|$tools/(Can|Fun|Line)" ;; # Run.cpp waits for streams

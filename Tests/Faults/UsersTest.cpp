@@ -88,7 +88,7 @@ TEST_F(Users, AreKeptFromTheEventsOfOthers)
     setenv("LABSH_EVENTS", table.c_str(), 1);
     EXPECT_TRUE(make(users_lc[0], "Event First=1"));
     EXPECT_TRUE(make(users_lc[0], "Event First"));
-    EXPECT_EQ(make(users_lc[1], "AssertFail 2004:0:6 Event Second=1"), geteuid() == 0);
+    EXPECT_EQ(make(users_lc[1], "AssertFail 2004:1:10 Event Second=1"), geteuid() == 0);
     EXPECT_EQ(make(users_lc[1], "Event First"), geteuid() != 0);
     shm_unlink(("/" + table).c_str());
     unsetenv("LABSH_EVENTS");

@@ -15,6 +15,7 @@
 #include <string>
 #include <thread>
 
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 

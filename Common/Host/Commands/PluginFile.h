@@ -26,8 +26,8 @@ public:
     bool TryReadSection(const std::string& name, std::string& contents) const;
 
     /// What is wrong with the file, and where, if loading it could end the process; else an empty text, also for a file
-    /// that cannot be opened. Looks at what the dynamic loader follows: headers, segments and the tables in them. Code
-    /// and data are compared with the checksum in the section ".ov.checksum", where the file has one.
+    /// that cannot be opened. Looks at the headers and whether the file has all that is to be loaded, and compares that
+    /// with the checksum in the section ".ov.checksum". A plug-in without one may be damaged where nobody sees it.
     std::string FindFault() const;
 
     /// The checksum of all that is loaded, 8 hexadecimal digits; it stays when debug information is taken out of the

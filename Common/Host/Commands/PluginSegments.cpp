@@ -8,23 +8,16 @@
 #include <cstring>
 #include <libelf.h>
 #include <limits>
+#include <link.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 // The header of this library, which was made for this processor; the linker defines it.
 extern "C" const ElfW(Ehdr) __ehdr_start __attribute__((visibility("hidden")));
 
-void FailPlugin(const std::string& text)
+[[noreturn]] static void FailPlugin(const std::string& text)
 {
     throw PluginFault{text};
-}
-
-std::string Hexadecimal(std::uint64_t number)
-{
-    std::string text;
-    for (; number != 0 || text.empty(); number /= 16)
-        text.insert(text.begin(), "0123456789abcdef"[number % 16]);
-    return "0x" + text;
 }
 
 PluginBytes::PluginBytes(int descriptor, std::string_view image)
@@ -64,19 +57,19 @@ static bool IsPowerOfTwo(std::uint64_t number)
 PluginSegments::PluginSegments(Elf* elf, const PluginBytes& bytes) : bytes(bytes)
 {
     const GElf_Ehdr header = CheckHeader(elf);
-    tableOffset = header.e_phoff;
-    std::vector<GElf_Phdr> segments(header.e_phnum);
-    const auto name = [](std::size_t index) { return "segment " + std::to_string(index); };
-    for (std::size_t index = 0; index < segments.size(); ++index) {
-        if (!gelf_getphdr(elf, static_cast<int>(index), &segments[index]))
-            FailPlugin(name(index) + ": " + elf_errmsg(-1));
-        if (segments[index].p_type == PT_LOAD)
-            AddLoaded(segments[index], name(index));
+    GElf_Phdr dynamic{};
+    for (int index = 0; index < header.e_phnum; ++index) {
+        const std::string name = "segment " + std::to_string(index);
+        GElf_Phdr segment;
+        if (!gelf_getphdr(elf, index, &segment))
+            FailPlugin(name + ": " + elf_errmsg(-1));
+        if (segment.p_type == PT_LOAD)
+            AddLoaded(segment, name);
+        if (segment.p_type == PT_DYNAMIC)
+            dynamic = segment;
     }
-    for (std::size_t index = 0; index < segments.size(); ++index)
-        CheckWithin(segments[index], name(index));
-    if (dynamic.p_type != PT_DYNAMIC)
-        FailPlugin("it has no dynamic section");
+    if (!Holds(dynamic))
+        FailPlugin("the dynamic section is in no segment");
 }
 
 /// The words for what is no ELF file of this processor are those of the dynamic loader.
@@ -130,95 +123,13 @@ void PluginSegments::AddLoaded(const GElf_Phdr& segment, const std::string& name
     loaded.push_back(segment);
 }
 
-/// Checks what tells about a part of the loaded segments.
-void PluginSegments::CheckWithin(const GElf_Phdr& segment, const std::string& name)
+/// Whether a loaded segment holds this one, and has it in the file.
+bool PluginSegments::Holds(const GElf_Phdr& segment) const
 {
-    const auto require = [&](bool holds, const char* fault) {
-        if (!holds)
-            FailPlugin(name + fault);
-    };
-    constexpr std::uint64_t threadLimit = 0x1000000; // more than any library has, and what is always to be had
-    switch (segment.p_type) {
-    case PT_DYNAMIC:
-        require(dynamic.p_type == PT_NULL, " is a second dynamic section");
-        dynamic = segment;
-        require(Holds(segment.p_vaddr, segment.p_memsz, PF_W), ", the dynamic section, is in no loaded segment");
-        break;
-    case PT_TLS:
-        threadSize = segment.p_memsz;
-        require(segment.p_filesz <= segment.p_memsz && segment.p_memsz <= threadLimit &&
-                IsPowerOfTwo(segment.p_align) && segment.p_align <= threadLimit,
-            ", the memory of threads, has an impossible size");
-        require(
-            segment.p_filesz <= CountBytesFrom(segment.p_vaddr), ", the memory of threads, is in no loaded segment");
-        break;
-    case PT_PHDR:
-        require(segment.p_memsz <= CountBytesFrom(segment.p_vaddr) &&
-                Locate("the program header", segment.p_vaddr, segment.p_memsz) == tableOffset,
-            " is not the program header");
-        break;
-    case PT_GNU_RELRO:
-        // Some linkers let it end with the page.
-        require(std::ranges::any_of(loaded,
-                    [&](const GElf_Phdr& other) {
-                        const std::uint64_t end = other.p_memsz + (other.p_align - 1);
-                        return (other.p_flags & PF_W) != 0 && segment.p_vaddr >= other.p_vaddr &&
-                            segment.p_memsz <= end && segment.p_vaddr - other.p_vaddr <= end - segment.p_memsz;
-                    }),
-            " is in no segment that can be written");
-        break;
-    case PT_GNU_EH_FRAME:
-        require(segment.p_memsz <= CountBytesFrom(segment.p_vaddr), " is in no loaded segment");
-        break;
-    case PT_NOTE:
-    case PT_GNU_PROPERTY: CheckNotes(segment, name); break;
-    default: break;
-    }
-}
-
-void PluginSegments::CheckNotes(const GElf_Phdr& segment, const std::string& name) const
-{
-    const std::uint64_t alignment = segment.p_align == 8 ? 8 : 4;
-    const auto align = [&](std::uint64_t size) { return (size + alignment - 1) / alignment * alignment; };
-    std::uint64_t left = segment.p_memsz;
-    for (std::uint64_t address = segment.p_vaddr; left > 0;) {
-        const auto header = Read<ElfW(Nhdr)>(name.c_str(), address, 1).front();
-        const std::uint64_t size = align(sizeof header + header.n_namesz) + header.n_descsz;
-        if (size > left || size > CountBytesFrom(address))
-            FailPlugin(name + " has a note that is too long");
-        left -= std::min(align(size), left);
-        address += align(size);
-    }
-}
-
-bool PluginSegments::Holds(std::uint64_t address, std::uint64_t size, unsigned int flags) const
-{
-    return std::ranges::any_of(loaded, [&](const GElf_Phdr& segment) {
-        return (segment.p_flags & flags) == flags && address >= segment.p_vaddr && size <= segment.p_memsz &&
-            address - segment.p_vaddr <= segment.p_memsz - size;
+    return segment.p_filesz > 0 && std::ranges::any_of(loaded, [&](const GElf_Phdr& other) {
+        return segment.p_vaddr >= other.p_vaddr && segment.p_memsz <= other.p_filesz &&
+            segment.p_vaddr - other.p_vaddr <= other.p_filesz - segment.p_memsz;
     });
-}
-
-const GElf_Phdr* PluginSegments::FindInFileOrNull(std::uint64_t address) const
-{
-    const auto found = std::ranges::find_if(loaded, [&](const GElf_Phdr& segment) {
-        return address >= segment.p_vaddr && address - segment.p_vaddr < segment.p_filesz;
-    });
-    return found == loaded.end() ? nullptr : &*found;
-}
-
-std::uint64_t PluginSegments::CountBytesFrom(std::uint64_t address) const
-{
-    const GElf_Phdr* const segment = FindInFileOrNull(address);
-    return segment ? segment->p_filesz - (address - segment->p_vaddr) : 0;
-}
-
-std::uint64_t PluginSegments::Locate(const char* what, std::uint64_t address, std::uint64_t size) const
-{
-    const GElf_Phdr* const segment = FindInFileOrNull(address);
-    if (!segment || size > CountBytesFrom(address))
-        FailAt(what, address);
-    return segment->p_offset + (address - segment->p_vaddr);
 }
 
 std::uint32_t PluginSegments::CalculateCrc() const
@@ -236,9 +147,4 @@ std::uint32_t PluginSegments::CalculateCrc() const
         }
     }
     return crc;
-}
-
-void PluginSegments::FailAt(const char* what, std::uint64_t address)
-{
-    FailPlugin(std::string(what) + " at " + Hexadecimal(address) + " is in no loaded segment");
 }

@@ -259,6 +259,8 @@ UsageDatabase::State UsageDatabase::GetFailure() const
 
 std::string UsageDatabase::GetError() const
 {
+    if (!connection) // out of memory
+        return sqlite3_errstr(SQLITE_NOMEM);
     const int error = changeError != SQLITE_OK ? changeError : sqlite3_errcode(connection.get());
     const int systemError = sqlite3_system_errno(connection.get());
     const char* const path = sqlite3_db_filename(connection.get(), "main");
