@@ -46,9 +46,14 @@ bool Event::TryGet(const WString& name, WString& value)
 void Event::Set(const WString& name, const WString& value)
 {
     const int number = ReadInt32(value);
-    if (const EventReference event{OS9EventManager::GetOS9Event(name)})
-        event->Write(number);
-    else if (!OS9EventManager::TryCreate(name, number))
+    const auto tryWrite = [&] {
+        const EventReference event(OS9EventManager::GetOS9Event(name));
+        if (event)
+            event->Write(number);
+        return event != nullptr;
+    };
+    // Another shell may be faster to make it.
+    if (!tryWrite() && !OS9EventManager::TryCreate(name, number) && !tryWrite())
         Fail(failed, L"The event cannot be made");
 }
 
