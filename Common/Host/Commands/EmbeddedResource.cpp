@@ -5,10 +5,12 @@
 #include "Text/HostError.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <fcntl.h>
 #include <gelf.h>
 #include <libelf.h>
 #include <memory>
+#include <new>
 
 namespace {
 struct ElfEnder
@@ -40,8 +42,12 @@ bool TryReadSection(const std::string& file, const std::string& section, std::st
     const FileDescriptor descriptor(open(file.c_str(), O_RDONLY | O_CLOEXEC));
     if (!descriptor.IsOpen() || elf_version(EV_CURRENT) == EV_NONE)
         return false;
+    errno = 0;
     const std::unique_ptr<Elf, ElfEnder> elf(elf_begin(descriptor.Get(), ELF_C_READ, nullptr));
-    return elf && TryFindSection(elf.get(), section, contents);
+    const bool isFound = elf && TryFindSection(elf.get(), section, contents);
+    if (!isFound && errno == ENOMEM) // which the library tells by no public number of its own
+        throw std::bad_alloc();
+    return isFound;
 }
 
 std::string GetSectionName(const wchar_t* resourceName)
