@@ -2,9 +2,9 @@
 
 #include "Commands/ScriptText.h"
 #include "Text/Cells.h"
+#include "Text/JsonText.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 
 namespace {
 using View = std::wstring_view;
@@ -76,15 +76,9 @@ void FindingText::Write(const Finding& finding, Pipe& output)
 
 WString FormatAsJson(const Finding& finding, const WString& name)
 {
-    nlohmann::ordered_json object;
-    object["file"] = name.ToUtf8();
-    object["line"] = finding.place.line + 1;
-    object["column"] = finding.place.start + 1;
-    object["endColumn"] = finding.place.end + 1;
-    object["severity"] = finding.isError ? "error" : "warning";
-    object["code"] = finding.code.ToUtf8();
-    object["message"] = finding.message.ToUtf8();
-    object["suggestion"] = finding.suggestion.ToUtf8();
-    using Handler = nlohmann::ordered_json::error_handler_t;
-    return WString::FromUtf8(object.dump(-1, ' ', false, Handler::replace));
+    return WString::Format(L"{\"file\":%s,\"line\":%u,\"column\":%u,\"endColumn\":%u,"
+                           L"\"severity\":\"%s\",\"code\":%s,\"message\":%s,\"suggestion\":%s}",
+        QuoteForJson(name), finding.place.line + 1, finding.place.start + 1, finding.place.end + 1,
+        GetSeverity(finding), QuoteForJson(finding.code), QuoteForJson(finding.message),
+        QuoteForJson(finding.suggestion));
 }

@@ -1,7 +1,7 @@
 #include "BuiltIns/ItemCommand.h"
 
-#include "BuiltIns/JsonText.h"
 #include "Commands/TableFormatter.h"
+#include "Text/JsonText.h"
 #include "Text/NumberText.h"
 #include "Text/SimilarName.h"
 

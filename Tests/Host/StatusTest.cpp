@@ -6,9 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <climits>
-#include <thread>
 #include <tuple>
 
 class StatusItems : public testing::Test
@@ -247,21 +245,4 @@ TEST_F(StatusItems, NumbersTravelEvenly)
     EXPECT_TRUE(status.TrySet(L"T", L"5"));
     clock.Sleep(5000);
     EXPECT_EQ(Get({L"T"}), "5") << "who sets it on its way stops it";
-}
-
-TEST_F(StatusItems, ServeThreadsAtOnce)
-{
-    Load("Text=string:aaaaaaaaaaaaaaaaaaaaaaaa\nAll=formatted:%S{Text}\n");
-    std::atomic<int> wrong = 0;
-    const auto run = [&](wchar_t ch) {
-        for (int i = 0; i < 300; ++i) {
-            status.TrySet(L"Text", WString(24, ch));
-            const std::string text = Get({L"All"});
-            wrong += text != std::string(24, text.front());
-        }
-    };
-    std::thread first(run, L'a');
-    run(L'b');
-    first.join();
-    EXPECT_EQ(wrong, 0);
 }

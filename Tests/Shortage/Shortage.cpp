@@ -13,6 +13,7 @@ unsigned int first_lc = never;
 bool isLasting_lc = false;
 unsigned int count_lc = 0;
 bool hasStruck_lc = false;
+long blocks_lc = 0;
 
 /// Once the C library has the environment; allocations before that are its own.
 void ReadEnvironment()
@@ -21,9 +22,11 @@ void ReadEnvironment()
     if (isRead || !environ)
         return;
     isRead = true;
-    if (const char* from = std::getenv("SHORTAGE_FROM")) {
-        first_lc = static_cast<unsigned int>(std::atoi(from));
-        isLasting_lc = true;
+    const char* const from = std::getenv("SHORTAGE_FROM");
+    const char* const at = std::getenv("SHORTAGE_AT");
+    if (const char* const number = from ? from : at) {
+        first_lc = static_cast<unsigned int>(std::atoi(number));
+        isLasting_lc = from != nullptr;
     }
 }
 
@@ -58,10 +61,20 @@ bool Shortage::HasStruck()
     return hasStruck_lc;
 }
 
+long Shortage::CountBlocks()
+{
+    return blocks_lc;
+}
+
 #ifdef HAS_OTHER_ALLOCATOR // that of the sanitizers
 static void* Take(std::size_t size)
 {
     return std::malloc(size);
+}
+
+static void Free(void* block)
+{
+    std::free(block);
 }
 #else
 // The C library's own names for its functions.
@@ -69,6 +82,7 @@ static void* Take(std::size_t size)
 extern "C" void* __libc_malloc(std::size_t size);
 extern "C" void* __libc_calloc(std::size_t count, std::size_t size);
 extern "C" void* __libc_realloc(void* block, std::size_t size);
+extern "C" void __libc_free(void* block);
 // NOLINTEND(bugprone-reserved-identifier)
 
 static void* Take(std::size_t size)
@@ -76,13 +90,20 @@ static void* Take(std::size_t size)
     return __libc_malloc(size);
 }
 
+static void Free(void* block)
+{
+    __libc_free(block);
+}
+
 template <typename Allocate>
 static void* TakeUnlessShort(const Allocate& allocate)
 {
-    if (!Strikes())
-        return allocate();
-    errno = ENOMEM;
-    return nullptr;
+    void* const block = Strikes() ? nullptr : allocate();
+    if (block)
+        ++blocks_lc;
+    else
+        errno = ENOMEM;
+    return block;
 }
 
 extern "C" [[gnu::visibility("default")]] void* malloc(std::size_t size) noexcept
@@ -97,13 +118,23 @@ extern "C" [[gnu::visibility("default")]] void* calloc(std::size_t count, std::s
 
 extern "C" [[gnu::visibility("default")]] void* realloc(void* block, std::size_t size) noexcept
 {
-    return TakeUnlessShort([&] { return __libc_realloc(block, size); });
+    void* const moved = TakeUnlessShort([&] { return __libc_realloc(block, size); });
+    blocks_lc -= block && moved;
+    return moved;
+}
+
+extern "C" [[gnu::visibility("default")]] void free(void* block) noexcept
+{
+    blocks_lc -= block != nullptr;
+    __libc_free(block);
 }
 #endif
 
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept
 {
-    return Strikes() ? nullptr : Take(size == 0 ? 1 : size);
+    void* const block = Strikes() ? nullptr : Take(size == 0 ? 1 : size);
+    blocks_lc += block != nullptr;
+    return block;
 }
 
 void* operator new[](std::size_t size, const std::nothrow_t& tag) noexcept
@@ -125,7 +156,8 @@ void* operator new[](std::size_t size)
 
 void operator delete(void* block) noexcept
 {
-    std::free(block);
+    blocks_lc -= block != nullptr;
+    Free(block);
 }
 
 void operator delete[](void* block) noexcept

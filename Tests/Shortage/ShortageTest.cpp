@@ -1,21 +1,25 @@
 #include "Shortage.h"
-#include "AssertCommand.h"
-#include "BuiltIns/BuiltIn.h"
-#include "Calc.h"
+#include "BuiltIns/BuiltIns.h"
 #include "Commands/CommandRunner.h"
-#include "If.h"
+#include "Commands/PluginLoader.h"
+#include "Commands/TestCommand.h"
 #include "Instrument/System.h"
 #include "Services/ObjectCounters.h"
-#include "SetCommand.h"
 #include "Support/Expressions.h"
 #include "Support/HostTexts.h"
 #include "Support/ManualClock.h"
 #include "Support/TemporaryFolder.h"
-#include "While.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <sys/mman.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 struct Line
@@ -45,6 +49,10 @@ constexpr Line lines_lc[] = {
     {"Set no_variable_of_that_long_name"},
     {"While 1=2 Do Calc 1"},
     {"While 1=1 Do Calc 1;Calc 2;AssertFail * Calc 1", true},
+    // The script tools'
+    {"Check %E{folder}/Faulty.txt"},
+    {"Check -json %E{folder}/Faulty.txt a_variable=1"},
+    {"Check %E{folder}/no_such_script.txt"},
     // The shell's
     {"AssertFail 1043:505:133 Calc -q 1/0"},
     {"AssertFail 1043:* Calc -q 1", true},
@@ -53,11 +61,14 @@ constexpr Line lines_lc[] = {
     {"Config -n [Section]with_a_long_name_of_a_key=\"a value with blanks in it\""},
     {"Config [Section]with_a_long_name_of_a_key"},
     {"Config *a_long*"},
+    {"If 1=1 Then Config -n [Made]and_deleted=1;Config -z [Made]and_deleted", true},
     {"Echo \"a text with   blanks\" %S{VersionProductName} %E{a_variable_with_a_long_name}"},
     {"Echo %U{a reference to nothing}"},
     {"Echo \"no closing quote"},
+    {"Echo -f%E{folder}/Echo.txt \"a text of more than fifteen characters\""},
     {"Event"},
     {"Event shortage_no_such_event"},
+    {"If 1=1 Then Event made_and_deleted=1;Event;Event -z made_and_deleted", true},
     {"Exit"},
     {"Help"},
     {"Help Calc"},
@@ -67,17 +78,23 @@ constexpr Line lines_lc[] = {
     {"Help nothing_of_that_name"},
     {"Log -n3"},
     {"Log -e ErrorLog"},
+    {"Log -c EELog"},
     {"Plugins", true},
     {"Run no_such_script.txt"},
+    {"Run %E{folder}/Script.txt"},
     {"Stats 1,2,4"},
     {"Status V*"},
     {"Status -json V*"},
     {"Status VersionProductName=\"a product with a long name\""},
     {"Status no_item_of_that_name"},
+    {"Status -d1 VersionProductName=\"a product with a long name\""},
+    {"If 1=1 Then Status -n MadeAndDeleted=1;Status -z MadeAndDeleted", true},
     {"Test no_test_of_that_name"},
+    {"Test -junit%E{folder}/Report.xml Small"},
     {"Usage"},
     {"Usage a_counter_with_a_long_name=17"},
     {"Usage a_counter_with_a_long_name"},
+    {"If 1=1 Then Usage made_and_deleted=1;Usage -z made_and_deleted", true},
     {"Wait 0"},
     {"Watch -hist -w0 -c3 1", true},
     {"No_command_of_that_name x"},
@@ -104,8 +121,8 @@ constexpr const char* expressions_lc[] = {
     "Int(2.5)",
     "Mod(7,3)",
     "If(1=1,\"the first of the two values\",\"the second one\")",
-    "Choose(2,\"a\",\"the second of the values\",\"c\")",
-    "IsNum(\"a text of more than fifteen characters\")",
+    "InitIfNa(no_variable,\"the value in its place\")",
+    "IsErr(1/0)",
     "Len(\"a text of more than fifteen characters\")",
     "Left(\"a text of more than fifteen characters\",20)",
     "Right(\"a text of more than fifteen characters\",20)",
@@ -128,7 +145,7 @@ constexpr const char* expressions_lc[] = {
     "Matches(\"a text of more than fifteen characters\",\"*t?xt*fifteen*\")",
     "Matches(\"a text of more than fifteen characters\",\"*a piece of more than thirty-two characters*\")",
     "VersionCompare(\"1.2.3.4\",\"1.2.10\")",
-    "Format(12345.678,\"0.00\")",
+    "Ftoa(12345.678,2)",
     "GetProcId(\"no process has this name\")",
     "IsRunning(\"no process has this name\")",
     "FileExist(\"/no/such/file/with/a/long/name\")",
@@ -137,10 +154,10 @@ constexpr const char* expressions_lc[] = {
     "GetConfig(\"Section\",\"another_long_name_of_a_key\",\"a default value of some length\")",
     "GetConfigBool(\"Section\",\"a_flag_with_a_long_name\",true)",
     "GetConfigInt(\"Section\",\"a_number_with_a_long_name\",17)",
-    "GetConfigDouble(\"Section\",\"a_double_with_a_long_name\",2.5)",
+    "GetConfigDbl(\"Section\",\"a_double_with_a_long_name\",2.5)",
     "GetStatus(\"VersionProductName\")",
-    "StatusExist(\"an_item_that_does_not_exist\")",
-    "GetEventValue(\"shortage_no_such_event\")",
+    "GetStatus(\"an_item_that_does_not_exist\",\"a default value of some length\")",
+    "GetEvent(\"shortage_no_such_event\")",
     "%S{VersionProductName}",
     "%C{Section another_long_name_of_a_key}",
     "%U{a_counter_with_a_long_name}",
@@ -156,7 +173,18 @@ constexpr const char* expressions_lc[] = {
     "Left(1/0,\"x\")",
     "Mid(\"a text of more than fifteen characters\",99)",
     "VersionCompare(\"no version at all, only a text\",\"1\")",
-    "DateInt(\"nothing that is a date\")",
+    "DateToDays(20240229)",
+    "Lab.Half(3)",
+};
+
+// With the evaluator's log and the trace of variables.
+constexpr const char* loggedExpressions_lc[] = {
+    "-(1+2)*3",
+    "If(1=1,\"the first of the two values\",Max(1,2))",
+    "\"a text of more than fifteen characters\" & a_variable_with_a_long_name",
+    "%S{VersionProductName} & %C{Section another_long_name_of_a_key}",
+    "Len(\"a text\") + %U{a_counter_with_a_long_name}",
+    "Left(1/0,2)",
 };
 
 std::vector<int> CountObjects()
@@ -172,15 +200,29 @@ class ShortageTest : public testing::Test
 protected:
     static void SetUpTestSuite()
     {
-        for (const CommandFactory factory : {CreateCommandAssertCommand, CreateCommandCalc, CreateCommandIf,
-                 CreateCommandSetCommand, CreateCommandWhile})
-            CommandRegistry::Add(factory, PLUGIN_FILE);
-        AddBuiltIns();
-        static const TemporaryFolder folder; // until the end of the process, which may write to it as long
+        setenv("LABSH_EVENTS", events.c_str(), 1);
         for (const char* file : {"Config.ini", "Status.ini", "ErrorLog.txt"})
-            folder.Write(file, "");
-        System::Start(folder.GetPath(), folder.GetPath());
+            GetFolder().Write(file, "");
+        GetFolder().Write("Script.txt", "# of two commands\nCalc 1\nCalc 2\n");
+        GetFolder().Write("Faulty.txt", "Set a_variable=1/0\nCalk a_variable\n");
+        std::filesystem::create_directory(GetFolder().Path("EELog.txt")); // makes the lines, but writes none
+        System::Start(GetFolder().GetPath(), GetFolder().GetPath());
         System::status.TryAdd(L"VersionProductName", ST_String, L"OrvaneX9");
+        AddBuiltIns();
+        for (const char* file : {PLUGIN_FILE, FUNCTIONS_ONLY_FILE, SCRIPT_TOOLS_FILE})
+            PluginLoader::Load(file);
+        CommandRegistry::AddTest({L"Small", L"A test", 1, [](TestCommand& test) {
+                                      WStringArray output;
+                                      const WString code = test.Run(L"Calc 1+1", output).ToString();
+                                      Assertion::AreEqual(test, L"0:0:0", code, L"the end of a sum of numbers");
+                                  }});
+    }
+    static void TearDownTestSuite() { shm_unlink(("/" + events).c_str()); }
+    /// There until the end of the process, which may write to it as long.
+    static const TemporaryFolder& GetFolder()
+    {
+        static const TemporaryFolder folder;
+        return folder;
     }
 
     struct Result
@@ -202,16 +244,21 @@ protected:
             outcome.code.IsError()};
     }
 
-    static Result Evaluate(const WString& expression, unsigned int first, bool lasting)
+    static Result Evaluate(const WString& expression, unsigned int first, bool lasting, unsigned int flags = 0)
     {
-        ExpressionEvaluator evaluator(nullptr, 0);
+        ExpressionEvaluator evaluator(nullptr, flags);
         EEToken value;
         bool succeeded = false;
         {
             const Shortage shortage(first, lasting);
             succeeded = evaluator.TryEvaluate(expression, value);
         }
-        return {succeeded ? DescribeValue(value) : DescribeError(evaluator), !succeeded};
+        return {(succeeded ? DescribeValue(value) : DescribeError(evaluator)) + evaluator.GetVariableTrace().ToUtf8(),
+            !succeeded};
+    }
+    static Result EvaluateLogged(const WString& expression, unsigned int first, bool lasting)
+    {
+        return Evaluate(expression, first, lasting, EvaluatorFlags::traceVariables);
     }
 
     /// Every allocation of a run fails once, alone and with all behind it. Each of these runs ends as it does with
@@ -225,18 +272,40 @@ protected:
         const Result fed = run(line, 0, false);
         const std::vector<int> objects = CountObjects();
         for (const bool lasting : {false, true}) {
-            for (unsigned int first = 1;; first += 1 + first / 100) {
-                const Result starved = run(line, first, lasting);
-                if (!Shortage::HasStruck())
-                    break;
-                ASSERT_TRUE(starved.failed || row.passesOver || starved.text == fed.text)
-                    << first << " " << starved.text;
-                ASSERT_EQ(run(line, 0, false).text, fed.text) << first;
+            bool hasStruck = true;
+            for (unsigned int first = 1; hasStruck; first += 1 + first / 400) {
+                std::string wrong;
+                const auto starve = [&] {
+                    const Result starved = run(line, first, lasting);
+                    hasStruck = Shortage::HasStruck();
+                    if (!starved.failed && !row.passesOver && starved.text != fed.text)
+                        wrong = starved.text;
+                    else if (const Result next = run(line, 0, false); next.text != fed.text)
+                        wrong = next.text;
+                };
+                ASSERT_TRUE(Leaves(starve)) << "memory is lost at " << first;
+                ASSERT_EQ(wrong, "") << first;
                 ASSERT_EQ(CountObjects(), objects) << first;
             }
         }
     }
 
+    /// Whether a run leaves as many blocks of memory as it finds: what is merely kept for the next run does not grow
+    /// with each.
+    template <typename Runner>
+    static bool Leaves(const Runner& run)
+    {
+        constexpr int enough = 600; // for rings of texts and chains of spare nodes to fill
+        for (int i = 0; i < enough; ++i) {
+            const long blocks = Shortage::CountBlocks();
+            run();
+            if (Shortage::CountBlocks() <= blocks)
+                return true;
+        }
+        return false;
+    }
+
+    static inline const std::string events = "labsh-shortage-" + std::to_string(getpid());
     ManualClock clock; // nothing waits
     Environment environment;
 };
@@ -244,6 +313,7 @@ protected:
 
 TEST_F(ShortageTest, EndsNoMoreThanTheCommand)
 {
+    environment.SetString(L"folder", WString::FromUtf8(GetFolder().GetPath()));
     for (const Line& line : lines_lc)
         Starve(
             line, [this](const WString& text, unsigned int first, bool lasting) { return Run(text, first, lasting); });
@@ -256,28 +326,58 @@ TEST_F(ShortageTest, EndsNoMoreThanTheEvaluation)
         Starve({("Calc " + expression).c_str()},
             [this](const WString& text, unsigned int first, bool lasting) { return Run(text, first, lasting); });
     for (const char* expression : expressions_lc)
-        Starve({expression}, Evaluate);
+        Starve({expression},
+            [](const WString& text, unsigned int first, bool lasting) { return Evaluate(text, first, lasting); });
+    eeLog_gb.SetEnabled(true);
+    for (const char* expression : loggedExpressions_lc)
+        Starve({expression}, EvaluateLogged);
+    eeLog_gb.SetEnabled(false);
 }
 
-TEST(ShortageOfTheShell, EndsItWithOneLine)
+class ShortageOfTheShell : public testing::Test
 {
-    const TemporaryFolder folder;
-    const std::string command = "LABSH_HOME='" + folder.Path("data") + "' SHORTAGE_FROM=";
-    const std::string rest =
-        " '" STARVING_LABSH_FILE "' 'Calc 1+2*3' >'" + folder.Path("output") + "' 2>'" + folder.Path("errors") + "'";
-    int runs = 0;
-    // The first allocation is the memory that exceptions are thrown from where there is no other.
-    for (unsigned int first = 2;; first += 1 + first / 8) {
-        const int status = std::system(std::string(command).append(std::to_string(first)).append(rest).c_str());
-        ASSERT_TRUE(WIFEXITED(status)) << first << " " << status;
-        const std::string errors = folder.Read("errors");
-        if (WEXITSTATUS(status) == 0) {
-            EXPECT_EQ(folder.Read("output") + errors, "7\n");
-            break;
-        }
-        ++runs;
-        ASSERT_EQ(WEXITSTATUS(status), 1) << first;
-        ASSERT_EQ(errors, "labsh: out of memory\n") << first; // standard output may hold the start of a report
+protected:
+    /// The status with which the shell ends that runs out of memory at that allocation.
+    int Run(const std::string& arguments, const char* kind, unsigned int first)
+    {
+        const std::string command = "LABSH_HOME='" + folder.Path("data") + "' " + kind + "=" + std::to_string(first) +
+            " '" STARVING_LABSH_FILE "' " + arguments + " >'" + folder.Path("output") + "' 2>'" +
+            folder.Path("errors") + "'";
+        const int status = std::system(command.c_str());
+        errors = folder.Read("errors");
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
-    EXPECT_GT(runs, 20);
+
+    const TemporaryFolder folder;
+    std::string errors;
+};
+
+TEST_F(ShortageOfTheShell, EndsItWithOneLine)
+{
+    const std::string path = folder.GetPath();
+    folder.Write("Script.txt", "Calc 1\nAssert 1=1\n");
+    const std::pair<std::string, std::string> starts[] = {
+        {"'Calc 1+2*3'", "7\n"},
+        {"--plugin '" FUNCTIONS_ONLY_FILE "' 'Calc Lab.Half(3)'", "1.5\n"},
+        {"--strict -x --junit " + path + "/Report.xml --log " + path + "/Session.txt -f " + path + "/Script.txt",
+            "1\n"},
+        {"--check " + path + "/Script.txt", "0 errors, 0 warnings in 1 script\n"},
+    };
+    const auto next = [](unsigned int number) { return number + 1 + number / 8; };
+    for (const auto& [arguments, output] : starts) {
+        SCOPED_TRACE(arguments);
+        // The first allocation is the memory that exceptions are thrown from where there is no other.
+        unsigned int first = 2;
+        for (; Run(arguments, "SHORTAGE_FROM", first) != 0; first = next(first)) {
+            ASSERT_TRUE(errors.ends_with("labsh: out of memory\n")) << first << errors;
+            // standard output may hold the start of a report
+        }
+        EXPECT_EQ(folder.Read("output"), output) << errors;
+        EXPECT_GT(first, 500u);
+        for (unsigned int at = 2; at < first; at = next(at)) {
+            const int status = Run(arguments, "SHORTAGE_AT", at);
+            ASSERT_TRUE(status == 0 ? folder.Read("output") == output : status > 0 && !errors.empty())
+                << at << " " << status << errors;
+        }
+    }
 }

@@ -3,12 +3,12 @@
 #include "Text/CharacterCase.h"
 
 #include <algorithm>
-#include <utility>
+#include <atomic>
 
 namespace {
 struct Registry
 {
-    void (*addLater)() = nullptr;
+    std::atomic<void (*)()> addLater = nullptr;
     std::vector<CommandRegistry::Entry> entries;
     std::vector<AutomaticTestEntry> tests;
 };
@@ -21,7 +21,7 @@ Registry& GetRegistry()
 /// Adds what is still to be added; false when there is nothing.
 bool TryAddLater()
 {
-    const auto add = std::exchange(GetRegistry().addLater, nullptr);
+    const auto add = GetRegistry().addLater.exchange(nullptr);
     if (add)
         add();
     return add != nullptr;

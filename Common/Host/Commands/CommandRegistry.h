@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-/// The commands and automatic tests that can be run, by name in any case. Filled at start; not locked.
+/// The commands and automatic tests that can be run, by name in any case. Filled at start, and then read by any thread.
 class HOST_API CommandRegistry
 {
 public:
@@ -27,7 +27,7 @@ public:
     static bool Add(CommandFactory factory, const std::string& file);
     static void AddTest(const AutomaticTestEntry& entry);
     /// Commands that are added when they are first needed: `add` is called once, when a name is not found, or all
-    /// commands are asked for.
+    /// commands are asked for: as GetEntries does, which comes before threads run commands at once.
     static void AddLater(void (*add)());
     /// Null when there is none of that name; valid until the next Add.
     static const Entry* FindOrNull(const WString& name);

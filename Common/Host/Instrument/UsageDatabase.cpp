@@ -43,6 +43,22 @@ int WaitWhileBusy(void*, int timesBefore)
     return 1;
 }
 
+/// For the length of a scope a connection waits for nobody.
+class Impatience
+{
+public:
+    explicit Impatience(sqlite3* connection) : connection(connection)
+    {
+        sqlite3_busy_handler(connection, nullptr, nullptr);
+    }
+    ~Impatience() { sqlite3_busy_handler(connection, WaitWhileBusy, nullptr); }
+    Impatience(const Impatience&) = delete;
+    Impatience& operator=(const Impatience&) = delete;
+
+private:
+    sqlite3* const connection;
+};
+
 /// SQLite does not wait by itself where two connections change the journal of a new file at once.
 bool TryExecute(sqlite3* connection, const char* statement)
 {
@@ -108,18 +124,15 @@ public:
             Bind(2, name);
     }
     void BindValue(long long value) { sqlite3_bind_int64(statement, 3, value); }
-    bool NextRow()
-    {
-        const int result = sqlite3_step(statement);
-        if (result == SQLITE_NOMEM)
-            throw std::bad_alloc();
-        return result == SQLITE_ROW;
-    }
-    bool Finish() { return sqlite3_step(statement) == SQLITE_DONE; }
+    bool NextRow() { return Step() == SQLITE_ROW; }
+    bool Finish() { return Step() == SQLITE_DONE; }
+    void Try() noexcept { sqlite3_step(statement); }
     long long GetNumber() const { return sqlite3_column_int64(statement, 0); }
     WString GetText() const
     {
         const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, 0));
+        if (!text && sqlite3_column_type(statement, 0) != SQLITE_NULL)
+            throw std::bad_alloc();
         return WString::FromUtf8(text ? text : "");
     }
 
@@ -129,7 +142,23 @@ private:
     void Bind(int index, const WString& text)
     {
         const std::string bytes = text.ToUtf8();
-        sqlite3_bind_text(statement, index, bytes.data(), static_cast<int>(bytes.size()), SQLITE_TRANSIENT);
+        ThrowIfShort(
+            sqlite3_bind_text(statement, index, bytes.data(), static_cast<int>(bytes.size()), SQLITE_TRANSIENT));
+    }
+
+    int Step()
+    {
+        const int result = sqlite3_step(statement);
+        ThrowIfShort(result);
+        return result;
+    }
+
+    void ThrowIfShort(int result) const
+    {
+        const bool isInFile =
+            result == SQLITE_IOERR && sqlite3_extended_errcode(sqlite3_db_handle(statement)) == SQLITE_IOERR_NOMEM;
+        if (result == SQLITE_NOMEM || isInFile)
+            throw std::bad_alloc();
     }
 };
 
@@ -343,12 +372,10 @@ bool UsageDatabase::Execute(Query query)
 
 bool UsageDatabase::Begin(bool waits)
 {
-    if (waits)
-        return Execute(BeginTransaction);
-    sqlite3_busy_handler(connection.get(), nullptr, nullptr);
-    const bool hasBegun = Execute(BeginTransaction);
-    sqlite3_busy_handler(connection.get(), WaitWhileBusy, nullptr);
-    return hasBegun;
+    std::optional<Impatience> impatience;
+    if (!waits)
+        impatience.emplace(connection.get());
+    return Execute(BeginTransaction);
 }
 
 bool UsageDatabase::Commit()
@@ -361,7 +388,7 @@ bool UsageDatabase::Commit()
 
 void UsageDatabase::Rollback() noexcept
 {
-    Use((*this)[RollbackTransaction]).Finish();
+    Use((*this)[RollbackTransaction]).Try();
 }
 
 bool UsageDatabase::TryMakeDurable() noexcept

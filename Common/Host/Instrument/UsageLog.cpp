@@ -86,8 +86,10 @@ public:
     ~Counters();
 
     void Gather(const WString& name, unsigned int by);
-    /// Writes in one transaction what is gathered; false, and it stays gathered, when the file cannot be written.
-    bool Write(bool waits = true) noexcept;
+    /// Writes in one transaction what is gathered; false, and it stays gathered, when the file cannot be written. It
+    /// stays gathered too where memory is short, which is thrown.
+    bool Write(bool waits = true);
+    bool TryWrite(bool waits = true) noexcept;
     void WriteIfDue() noexcept;
 
     /// The file with all that was counted before in it, as far as it can be written.
@@ -261,7 +263,7 @@ try {
 
 UsageLog::Counters::~Counters()
 {
-    Write();
+    TryWrite();
     if (hasLasting)
         database.Preserve();
 }
@@ -273,7 +275,7 @@ void UsageLog::Counters::Gather(const WString& name, unsigned int by)
     gathered[name] += by;
 }
 
-bool UsageLog::Counters::Write(bool waits) noexcept
+bool UsageLog::Counters::Write(bool waits)
 try {
     if (!TryFollow() || (!gathered.empty() && !TryAddGathered(waits)))
         return false;
@@ -281,6 +283,13 @@ try {
     return true;
 } catch (...) { // mostly for want of memory
     database.Rollback();
+    throw;
+}
+
+bool UsageLog::Counters::TryWrite(bool waits) noexcept
+try {
+    return Write(waits);
+} catch (...) {
     return false;
 }
 
@@ -292,7 +301,7 @@ void UsageLog::Counters::WriteIfDue() noexcept
     if (now - gatheredSince < interval)
         return;
     gatheredSince = now; // for the next attempt, if this one fails
-    Write(false);        // a command does not wait for other processes to be counted
+    TryWrite(false);     // a command does not wait for other processes to be counted
 }
 
 bool UsageLog::Counters::TryAddGathered(bool waits)
@@ -396,7 +405,7 @@ void UsageLog::WriteCounts() noexcept
     if (!counters)
         return;
     const std::lock_guard guard(counters->lock);
-    counters->Write();
+    counters->TryWrite();
 }
 
 void UsageLog::WriteCountsIfDue() noexcept

@@ -18,6 +18,7 @@ constexpr int longestLineWait = 100; // ms; a line is not worth more
 struct Registry
 {
     std::mutex lock;
+    std::mutex writing; // threads wait for each other as long as it takes, but for other processes only a while
     std::vector<LogFile*> logs;
     std::string folder; // empty before the logs are attached
     LogFile::Switch isToBeEnabled = nullptr;
@@ -105,8 +106,9 @@ void LogFile::DoWriteLine(const WString& line)
         return;
     std::string text = (prefix ? prefix() + line : line).ToUtf8() + "\n";
     constexpr int flags = O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+    const std::lock_guard guard(Registry::Get().writing);
     for (;;) {
-        // The file lock ends with the descriptor. It orders threads as well, as each opens the file for itself.
+        // The file lock, which keeps other processes away, ends with the descriptor.
         const FileDescriptor file(open(path.c_str(), flags, 0666));
         struct stat opened = {};
         if (!file.IsOpen() || !file.TryLock(longestLineWait) || fstat(file.Get(), &opened) != 0 || !S_ISREG(opened.st_mode))

@@ -1,4 +1,4 @@
-#include "BuiltIns/JsonText.h"
+#include "Text/JsonText.h"
 
 #include "Text/NumberText.h"
 
