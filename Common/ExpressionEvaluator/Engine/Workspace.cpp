@@ -1,5 +1,6 @@
 #include "Workspace.h"
 
+#include "Containers/ThreadEnd.h"
 #include "EETokenStack.h"
 
 #include <functional>
@@ -8,16 +9,14 @@
 namespace {
 /// The spare workspace of a thread. A pointer of its own outlives the destructors of the thread's other objects.
 thread_local constinit Workspace* spare_lc = nullptr;
+thread_local constinit bool ends_lc = false; // with the thread
 thread_local constinit bool isClosed_lc = false;
 
-struct Closer
+void Close()
 {
-    ~Closer()
-    {
-        isClosed_lc = true;
-        delete spare_lc;
-    }
-};
+    isClosed_lc = true;
+    delete spare_lc;
+}
 } // namespace
 
 Workspace* Workspace::Borrow()
@@ -27,8 +26,9 @@ Workspace* Workspace::Borrow()
 
 void Workspace::GiveBack(Workspace* workspace) noexcept
 {
-    static thread_local Closer closer;
-    if (spare_lc || isClosed_lc || workspace->IsLarge())
+    if (!ends_lc)
+        ends_lc = TryRunAtThreadEnd(Close);
+    if (spare_lc || !ends_lc || isClosed_lc || workspace->IsLarge())
         delete workspace;
     else
         spare_lc = workspace;

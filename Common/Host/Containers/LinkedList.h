@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Containers/CriticalSection.h"
+#include "Containers/ThreadEnd.h"
 
 #include <cstddef>
 #include <new>
@@ -74,8 +75,9 @@ private:
 
         static void Give(void* memory) noexcept
         {
-            static thread_local Closer closer;
-            if (chain.closed || chain.count == keptNodes) {
+            if (!chain.ends)
+                chain.ends = TryRunAtThreadEnd(Close);
+            if (!chain.ends || chain.closed || chain.count == keptNodes) {
                 ::operator delete(memory);
                 return;
             }
@@ -94,18 +96,16 @@ private:
         {
             Block* first = nullptr;
             std::size_t count = 0;
+            bool ends = false; // with the thread
             bool closed = false;
         };
 
-        struct Closer
+        static void Close()
         {
-            ~Closer()
-            {
-                chain.closed = true;
-                while (chain.first)
-                    ::operator delete(Take());
-            }
-        };
+            chain.closed = true;
+            while (chain.first)
+                ::operator delete(Take());
+        }
 
         static inline thread_local constinit Chain chain;
     };

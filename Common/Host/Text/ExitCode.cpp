@@ -2,9 +2,11 @@
 
 #include "Text/NumberText.h"
 
-#include <array>
 #include <cstdint>
+#include <cwchar>
+#include <iterator>
 #include <limits>
+#include <string>
 
 WString ExitCode::ToString() const
 {
@@ -13,12 +15,14 @@ WString ExitCode::ToString() const
 
 const wchar_t* ExitCode::ToCString() const
 {
-    static thread_local std::array<WString, 8> slots;
-    static thread_local std::size_t next = 0;
-    WString& slot = slots[next];
-    next = (next + 1) % slots.size();
-    slot = ToString();
-    return slot.ToCString();
+    constexpr std::size_t longest = std::char_traits<char>::length("65535:65535:4294967295");
+    static thread_local constinit wchar_t slots[8][longest + 1] = {};
+    static thread_local constinit std::size_t next = 0;
+    wchar_t* const slot = slots[next];
+    next = (next + 1) % std::size(slots);
+    const WString text = ToString();
+    std::wmemcpy(slot, text.ToCString(), text.Length() + 1);
+    return slot;
 }
 
 bool ExitCode::TryParse(const WString& text, ExitCode& code)
