@@ -13,7 +13,7 @@ if [[ ! ${1-} ]]; then
 fi
 preset=asan
 if [[ $seconds == --coverage ]]; then
-    preset=coverage
+    preset=fuzzcoverage
 fi
 Tools/build.sh $preset Fuzzers shell checks
 work=build/asan/fuzz # the corpora grow there
@@ -87,7 +87,7 @@ cover() {
 }
 
 action=check
-if [[ $preset == coverage ]]; then
+if [[ $preset == fuzzcoverage ]]; then
     action=cover
 fi
 running=0 status=0

@@ -111,7 +111,8 @@ void LogFile::DoWriteLine(const WString& line)
         // The file lock, which keeps other processes away, ends with the descriptor.
         const FileDescriptor file(open(path.c_str(), flags, 0666));
         struct stat opened = {};
-        if (!file.IsOpen() || !file.TryLock(longestLineWait) || fstat(file.Get(), &opened) != 0 || !S_ISREG(opened.st_mode))
+        if (!file.IsOpen() || !file.TryLock(longestLineWait) || fstat(file.Get(), &opened) != 0 ||
+            !S_ISREG(opened.st_mode))
             return;
         if (!IsCurrent(opened, path))
             continue;
