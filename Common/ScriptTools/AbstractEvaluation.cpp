@@ -4,6 +4,8 @@
 #include "ExpressionEvaluatorFunctions.h"
 #include "ExpressionFindings.h"
 #include "HexadecimalTexts.h"
+#include "Services/StackRoom.h"
+#include "Text/HostError.h"
 
 #include <algorithm>
 #include <set>
@@ -105,6 +107,8 @@ AbstractValue AbstractEvaluation::TakeResult(const Level& level)
 
 AbstractValue AbstractEvaluation::RunCall(int position, Level& level)
 {
+    if (StackRoom::IsShort())
+        throw HostException(HostError::NestedTooDeeply);
     const std::size_t first = operands.size();
     std::vector<std::size_t> firstFindings;
     int ended = TT_PRMSEP;

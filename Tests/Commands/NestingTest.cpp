@@ -89,7 +89,13 @@ TEST_F(Nesting, InAShellEndsWithItsStack)
     rlimit small = usual;
     small.rlim_cur = 256 * 1024;
     setrlimit(RLIMIT_STACK, &small);
-    Labsh labsh({Repeat("While -c1 1=1 Do ", 62) + "Calc " + calls_lc});
+    const TemporaryFolder folder;
+    const std::string script = folder.Write("calls.txt", "Calc " + calls_lc + "\n");
+    for (const std::string line : {"While -c1 1=1 Do ", "If true Then "}) {
+        for (const std::string& inner : {"Calc " + calls_lc, "Check " + script, std::string("Help Max")}) {
+            Labsh labsh({Repeat(line, 62) + inner});
+            EXPECT_THAT(labsh.Finish(), testing::AnyOf(isTooDeep_lc, testing::HasSubstr("Max("))) << line << inner;
+        }
+    }
     setrlimit(RLIMIT_STACK, &usual);
-    EXPECT_THAT(labsh.Finish(), isTooDeep_lc);
 }

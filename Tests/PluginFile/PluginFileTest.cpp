@@ -139,6 +139,8 @@ TEST(PluginFileTest, WhatIsCutShortIsRefused)
         for (std::uintmax_t part = 20; part-- > 0;) {
             std::filesystem::resize_file(copy, size * part / 20);
             EXPECT_TRUE(IsRefused(copy, others)) << file << " cut at " << size * part / 20;
+            std::filesystem::resize_file(copy, size);
+            EXPECT_TRUE(IsRefused(copy, others)) << file << " with zeros from " << size * part / 20;
         }
     }
 }

@@ -3,7 +3,6 @@
 #include "Services/Crc.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstring>
 #include <libelf.h>
@@ -72,6 +71,14 @@ PluginSegments::PluginSegments(Elf* elf, const PluginBytes& bytes) : bytes(bytes
         FailPlugin("the dynamic section is in no segment");
 }
 
+static bool HasSectionNames(Elf* elf)
+{
+    std::size_t names = 0;
+    GElf_Shdr header;
+    return elf_getshdrstrndx(elf, &names) == 0 && gelf_getshdr(elf_getscn(elf, names), &header) &&
+        header.sh_type == SHT_STRTAB && elf_strptr(elf, names, header.sh_name);
+}
+
 /// The words for what is no ELF file of this processor are those of the dynamic loader.
 GElf_Ehdr PluginSegments::CheckHeader(Elf* elf) const
 {
@@ -97,6 +104,8 @@ GElf_Ehdr PluginSegments::CheckHeader(Elf* elf) const
     };
     checkTable("the program header", header.e_phoff, std::uint64_t{header.e_phnum} * header.e_phentsize);
     checkTable("the table of sections", header.e_shoff, std::uint64_t{header.e_shnum} * header.e_shentsize);
+    if (header.e_shoff != 0 && !HasSectionNames(elf))
+        FailPlugin("the table of sections is damaged"); // where the checksum is found
     return header;
 }
 
@@ -135,7 +144,7 @@ bool PluginSegments::Holds(const GElf_Phdr& segment) const
 std::uint32_t PluginSegments::CalculateCrc() const
 {
     std::uint32_t crc = 0;
-    std::array<char, 0x10000> block;
+    std::vector<char> block(0x10000); // a stack may be small
     for (const GElf_Phdr& segment : loaded) {
         const std::uint64_t end = segment.p_offset + segment.p_filesz;
         std::uint64_t offset = std::max<std::uint64_t>(segment.p_offset, sizeof(ElfW(Ehdr)));

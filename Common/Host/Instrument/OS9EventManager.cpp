@@ -76,8 +76,8 @@ void OS9EventData::Write(int number) noexcept
 
 void OS9EventData::ReleaseReference() noexcept
 {
-    if (segment->IsWhole())
-        --references;
+    if (segment->IsWhole() && --references == 0)
+        segment->TryGiveRowBack();
     delete this;
 }
 

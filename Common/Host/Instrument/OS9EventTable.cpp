@@ -5,6 +5,7 @@
 #include "Text/Abort.h"
 #include "Text/WString.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
@@ -181,7 +182,13 @@ void OS9EventSegment::Lock()
     if (result == ETIMEDOUT) // where the system does not unlock for a process that died, or one that is held
         WholeFile::Fail(file, notGivenBack);
     if (result != 0)
-        WholeFile::Fail(file, result);
+        FailAsDamaged(file);
+}
+
+bool OS9EventSegment::TryLock() noexcept
+{
+    const int result = pthread_mutex_trylock(&table->mutex);
+    return result == 0 || (result == EOWNERDEAD && pthread_mutex_consistent(&table->mutex) == 0);
 }
 
 void OS9EventSegment::Unlock() noexcept
@@ -221,6 +228,18 @@ OS9EventTable::References& OS9EventSegment::GetOwnReferences()
         }
     }
     return table->references[ownRow];
+}
+
+void OS9EventSegment::TryGiveRowBack() noexcept
+{
+    if (!TryLock())
+        return; // the row stays for what comes
+    const auto isUnused = [](const std::atomic<std::int32_t>& count) { return count == 0; };
+    if (ownRow != OS9EventTable::processCapacity && std::ranges::all_of(table->references[ownRow], isUnused)) {
+        TryLockRow(ownRow, F_UNLCK);
+        ownRow = OS9EventTable::processCapacity;
+    }
+    Unlock();
 }
 
 void OS9EventSegment::ForgetEndedProcesses() noexcept

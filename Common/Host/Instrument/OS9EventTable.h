@@ -55,6 +55,8 @@ public:
     /// Throws HostException: FileError when the table stays locked for 2 s, Aborted.
     void Lock();
     void Unlock() noexcept;
+    /// Frees the row of this process, unless it still refers to events or the table is locked.
+    void TryGiveRowBack() noexcept;
 
     // Under the lock.
 
@@ -72,6 +74,7 @@ private:
     unsigned int ownRow = OS9EventTable::processCapacity; // none yet
 
     bool IsCurrent() const noexcept;
+    bool TryLock() noexcept;
     bool TryLockRow(unsigned int row, short type) noexcept;
     void ClearRow(unsigned int row) noexcept;
 };
