@@ -4,6 +4,8 @@ set(CMAKE_SYSTEM_PROCESSOR arm)
 set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++)
 set(CMAKE_ASM_COMPILER arm-linux-gnueabihf-gcc)
 
+set(CMAKE_CXX_FLAGS_INIT -Wno-psabi) # notes on what compilers before 7.1 did
+
 cmake_path(SET CMAKE_SYSROOT NORMALIZE ${CMAKE_CURRENT_LIST_DIR}/../build/arm-sysroot)
 if(NOT EXISTS ${CMAKE_SYSROOT}/stamp)
     message(FATAL_ERROR "There is no sysroot: Tools/sysroot.sh makes it")
