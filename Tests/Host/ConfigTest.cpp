@@ -75,6 +75,24 @@ TEST_F(ConfigFile, DefaultsAreUsedAndRegistered)
         "[Other]\nName: Str, default \"\", length at least 1\n[test]\nCount: UInt, default 4000000000\n"
         "Flag: Bool, default true\nLevel: Dbl, default 0.1, at least 0\nName: Str, default \"x y\"\n"
         "Number: Int, default 8, at least -10; How many\nText: Dbl, default 1, 0 to 9\nyes: Bool, default false");
+
+    // A setting, texts that fit it, and texts that do not.
+    const std::tuple<const wchar_t*, WStringArray, WStringArray> rows[] = {
+        {L"Flag", {L"false", L"TRUE"}, {L"1", L""}},
+        {L"Number", {L"-10", L"7"}, {L"-11", L"1.5", L"x"}},
+        {L"Text", {L"0", L"8.5", L"9"}, {L"-0.1", L"9.1", L"x", L""}},
+        {L"Word", {L"ab", L"abc"}, {L"a", L"abcd"}},
+        {L"Name", {L"", L"any"}, {}},
+    };
+    config.GetMetaData().UpdateStr(L"Test", L"Word", nullptr, 2, 3, L"ab");
+    for (const auto& [key, fitting, others] : rows) {
+        ConfigMetaData::Item item;
+        ASSERT_TRUE(config.GetMetaData().TryGet(L"Test", key, item));
+        for (const WString& text : fitting)
+            EXPECT_TRUE(ConfigMetaData::Fits(item, text)) << item.key.ToUtf8() << "=" << text.ToUtf8();
+        for (const WString& text : others)
+            EXPECT_FALSE(ConfigMetaData::Fits(item, text)) << item.key.ToUtf8() << "=" << text.ToUtf8();
+    }
 }
 
 TEST_F(ConfigFile, SavingChangesOnlyWhatWasSet)

@@ -1,6 +1,8 @@
 // What the loaded plug-in proposes at the cursor, which is "|" in the line.
 
+#include "Instrument/OS9EventManager.h"
 #include "ScriptTools/LoadedTools.h"
+#include "Support/OwnEventTable.h"
 
 #include <gtest/gtest.h>
 
@@ -11,6 +13,8 @@ protected:
     CompletionTest()
     {
         System::usage.Set(L"Boxes", 7);
+        OS9EventManager::TryCreate(L"Cell ready", 3);
+        OS9EventManager::TryCreate(L"Clean", 0);
         environment.SetString(L"target", L"37");
         environment.SetString(L"tries", L"3");
     }
@@ -89,6 +93,7 @@ TEST_F(CompletionTest, ProposesWhatMayStandAtTheCursor)
         {"Status -d2 TempAm|", "[TempAmbient]"},
         {"Status TempAmbient=T|", ""},
         {"Usage bo|", "[Boxes]"},
+        {"Event c|", "[\"Cell ready\"][Clean]"},
         {"Config [detection]f|", "[[Detection]Filter]"},
         {"Help Rou|", "[Round]"},
         {"Log EE|", "[EELog]"},
@@ -116,6 +121,7 @@ TEST_F(CompletionTest, ShowsParametersMeaningsAndPresentValues)
         {"Calc Average|", "Average(n1, n2, ...): The arithmetic mean"},
         {"Calc -q|", "-q: Show nothing, only return the value"},
         {"Calc %U{Bo|", "Boxes: = 7"},
+        {"Event Ce|", "Cell ready: = 3"},
         {"Calc %S{TempOpticsT|", "TempOpticsTarget: = 37"},
         {"Calc %C{[Detection]Fi|", "[Detection]Filter: = Green 530"},
         {"Calc tar|", "target: = 37"},

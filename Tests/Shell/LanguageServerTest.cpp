@@ -201,7 +201,7 @@ public:
         analysis.findings.push_back({false, L"S020", {1, 99, 99}, L"Beyond the line", L""});
         analysis.symbols.push_back({ScriptSymbol::Kind::Variable, L"x", L"1", {1, 4, 5}});
         analysis.symbols.push_back({ScriptSymbol::Kind::Variable, L"X", L"2", {2, 4, 5}});
-        analysis.symbols.push_back({ScriptSymbol::Kind::Script, L"none.txt", L"", {3, 4, 12}});
+        analysis.symbols.push_back({ScriptSymbol::Kind::Script, part, L"", {3, 4, 12}});
         return analysis;
     }
     Completion Complete(std::wstring_view, std::size_t, const Environment& variables) const override
@@ -211,6 +211,8 @@ public:
     Explanation Explain(std::wstring_view, std::size_t, const Environment&) const override { return {}; }
     CallForm DescribeCall(std::wstring_view, std::size_t) const override { return {}; }
     WString Format(const WString& line) const override { return line; }
+
+    WString part = L"none.txt"; // the script that it runs
 };
 
 /// A client of a server of its own, which has opened the script.
@@ -236,6 +238,7 @@ public:
     {
         return Ask(method, {{"position", {{"line", line}, {"character", character}}}});
     }
+    void Save() { server.Handle({{"method", "textDocument/didSave"}, {"params", {{"textDocument", {{"uri", uri}}}}}}); }
     Json GetDiagnostics()
     {
         server.PublishDiagnostics();
@@ -243,10 +246,10 @@ public:
     }
 
     const std::string uri = "file:///lab/a%20b.txt";
+    KnownScript script;
 
 private:
     Json last;
-    const KnownScript script;
     LanguageServer server{script, [this](const Json& message) { last = message; }};
 };
 
@@ -296,4 +299,17 @@ TEST(LanguageServerTest, KnowsTheLinesThatSetVariables)
     EXPECT_EQ(
         outline[0], (Json{{"name", "x"}, {"detail", "1"}, {"kind", 13}, {"range", range}, {"selectionRange", range}}));
     EXPECT_EQ(outline[2]["kind"], 1);
+}
+
+TEST(LanguageServerTest, LooksAgainAtWhatIsSaved)
+{
+    Client client(nullptr);
+    const Json diagnostics = client.GetDiagnostics();
+    EXPECT_EQ(client.AskAt("textDocument/definition", 3, 6), Json());
+    const TemporaryFolder folder;
+    client.script.part = WString::FromUtf8(folder.Write("50% \u00E4.txt", ""));
+    client.Save();
+    EXPECT_EQ(client.GetDiagnostics(), diagnostics);
+    EXPECT_EQ(client.AskAt("textDocument/definition", 3, 6),
+        (Json{{"uri", "file://" + folder.GetPath() + "/50%25%20%C3%A4.txt"}, {"range", MakeRange(0, 0, 0)}}));
 }

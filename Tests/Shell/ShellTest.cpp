@@ -157,6 +157,20 @@ TEST(ShellTest, StandardInputIsAScript)
             "stdin:4: Nope: 0:1:2 Unknown command: Nope\nexit 1");
 }
 
+TEST(ShellTest, StandardInputIsChecked)
+{
+    const std::string script = std::string(5000, '#') + "\nEcho %U{None}\n";
+    EXPECT_EQ(RunLabsh({"--check", "-"}, script),
+        "stdin:2:6: warning: Unknown reference: %U{None} [S024]\n  Echo %U{None}\n       ^~~~~~~~\n"
+        "0 errors, 1 warning in 1 script\nexit 1");
+    EXPECT_EQ(RunLabsh({"--check", "-"}, std::string("E\0c\0", 4)),
+        "0 errors, 0 warnings in 0 scripts\n"
+        "labsh: 2016:0:12 File error: stdin: UTF-32, or UTF-16 without a byte order mark; save it as UTF-8\nexit 3");
+    EXPECT_EQ(RunLabsh({"--plugin", SECOND_PLUGIN_FILE, "--check", "-"}, "Second\n" + script),
+        "0 errors, 0 warnings in 1 script\nexit 0")
+        << "a command that tells nothing of itself may have made the counter";
+}
+
 TEST(ShellTest, LineLengthsAreLimited)
 {
     const std::string command = "Echo " + std::string(4092, 'x');
