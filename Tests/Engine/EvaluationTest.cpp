@@ -51,6 +51,21 @@ TEST(Evaluation, CallsNestUpTo200LevelsInAnyPostfix)
     EXPECT_EQ(Outcome(evaluator, "abs(-1)"), "1") << "the levels have been given back";
 }
 
+TEST(Evaluation, LongTextsAreComparedToTheirEnd)
+{
+    const WString text(2 * Abort::interval + 1, L'a');
+    std::wstring other(text.Length(), L'A');
+    const auto compare = [&] {
+        return EvaluateTokens({Operand(text), Operand(WString(other)), EEToken(TT_BINARYOP, L'=', 0)});
+    };
+    EXPECT_EQ(compare(), "TRUE");
+    for (const std::size_t at : {std::size_t{0}, Abort::interval, other.size() - 1}) {
+        other[at] = L'B';
+        EXPECT_EQ(compare(), "FALSE") << at;
+        other[at] = L'A';
+    }
+}
+
 TEST(Evaluation, LoopsOverTokensNoticeAnAbort)
 {
     const std::string many = "1" + Repeat("+1", 1000);
