@@ -177,7 +177,7 @@ TEST_F(Threads, KeepAllStatusItems)
             const WString name = WString::Format(L"Own%d.%d", number, i);
             EXPECT_TRUE(System::status.TrySet(name, L"0") && System::status.TrySetAfter(name, L"1", 0));
             EXPECT_TRUE(System::status.TrySet(name + L"x", L"to be deleted") && System::status.TryDelete(name + L"x"));
-            EXPECT_TRUE(System::status.TrySet(L"Text", WString(24, static_cast<wchar_t>(L'a' + number))));
+            EXPECT_TRUE(System::status.TrySet(L"Text", WString(24, static_cast<wchar_t>('a' + number))));
             WString text;
             EXPECT_TRUE(System::status.TryGetFormattedString(L"Twice", text));
             const WString half(24, text.IsEmpty() ? L'?' : text[0]);

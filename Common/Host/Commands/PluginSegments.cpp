@@ -12,7 +12,8 @@
 #include <unistd.h>
 
 // The header of this library, which was made for this processor; the linker defines it.
-extern "C" const ElfW(Ehdr) __ehdr_start __attribute__((visibility("hidden")));
+extern "C" const ElfW(Ehdr) __ehdr_start // NOLINT(bugprone-reserved-identifier)
+    __attribute__((visibility("hidden")));
 
 [[noreturn]] static void FailPlugin(const std::string& text)
 {
