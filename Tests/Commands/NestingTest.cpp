@@ -94,7 +94,8 @@ TEST_F(Nesting, InAShellEndsWithItsStack)
     for (const std::string line : {"While -c1 1=1 Do ", "If true Then "}) {
         for (const std::string& inner : {"Calc " + calls_lc, "Check " + script, std::string("Help Max")}) {
             Labsh labsh({Repeat(line, 62) + inner});
-            EXPECT_THAT(labsh.Finish(), testing::AnyOf(isTooDeep_lc, testing::HasSubstr("Max("))) << line << inner;
+            // Few of them have room enough, and all where an emulator has a stack of its own.
+            EXPECT_THAT(labsh.Finish(), testing::AnyOf(isTooDeep_lc, testing::EndsWith("\nexit 0"))) << line << inner;
         }
     }
     setrlimit(RLIMIT_STACK, &usual);
