@@ -87,7 +87,7 @@ TEST_F(Nesting, InAShellEndsWithItsStack)
     rlimit usual = {};
     getrlimit(RLIMIT_STACK, &usual);
     rlimit small = usual;
-    small.rlim_cur = 256 * 1024;
+    small.rlim_cur = 0x40000;
     setrlimit(RLIMIT_STACK, &small);
     const TemporaryFolder folder;
     const std::string script = folder.Write("calls.txt", "Calc " + calls_lc + "\n");

@@ -29,8 +29,10 @@ std::size_t DrawPlace(const std::string& bytes)
 
 void Flip(std::string& bytes)
 {
-    if (!bytes.empty())
-        bytes[DrawPlace(bytes)] ^= static_cast<char>(1 << random_lc() % 8);
+    if (bytes.empty())
+        return;
+    char& byte = bytes[DrawPlace(bytes)];
+    byte = static_cast<char>(byte ^ 1 << random_lc() % 8);
 }
 
 void Cut(std::string& bytes)

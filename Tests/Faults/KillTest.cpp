@@ -70,8 +70,9 @@ std::set<std::string> ListFiles(const std::string& folder)
 std::set<std::string> ListShapes(const std::string& folder, const std::string& name)
 {
     std::set<std::string> shapes;
-    for (const std::string& path : {folder + "/" + name + ".old.txt", folder + "/" + name + ".txt"}) {
-        std::istringstream lines(TemporaryFolder::ReadFile(path));
+    for (const char* ending : {".old.txt", ".txt"}) {
+        std::istringstream lines(
+            TemporaryFolder::ReadFile(std::string(folder).append("/").append(name).append(ending)));
         for (std::string line; std::getline(lines, line);) {
             std::string shape;
             for (const char ch : HideTimes(line + (lines.eof() ? " and no line end" : ""))) {

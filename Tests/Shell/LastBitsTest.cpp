@@ -106,7 +106,7 @@ std::string MakeStatistic(Draw& draw)
 
 std::string MakeFormat(Draw& draw)
 {
-    const std::string value = Join({draw.Pick({"", "-"}), draw.Number(-20, 20), draw.Pick({"", "/3", "/8", "*0.1"})});
+    std::string value = Join({draw.Pick({"", "-"}), draw.Number(-20, 20), draw.Pick({"", "/3", "/8", "*0.1"})});
     switch (draw.Below(4)) {
     case 0: return Join({draw.Pick({"Ftoa(", "Fcvt("}), value, ",", draw.Whole(2, 15), ")"});
     case 1: return Join({"FmtEng(", value, ",", draw.Whole(2, 15), draw.Pick({",true)", ",false)"})});

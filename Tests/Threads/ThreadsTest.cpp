@@ -39,6 +39,7 @@ void RunInThreads(const Work& work)
 {
     std::latch start(threadCount);
     std::vector<std::jthread> threads;
+    threads.reserve(threadCount);
     for (int number = 0; number < threadCount; ++number)
         threads.emplace_back([&, number] {
             start.arrive_and_wait();
@@ -305,7 +306,7 @@ TEST_F(Threads, ShareTheLogsOfTheHostAndTheEvaluator)
     eeLog_gb.SetEnabled(false);
     EXPECT_GT(linesOfOne, 5);
     EXPECT_EQ(countLines("EELog.txt"), linesOfOne * (1 + threadCount * share));
-    EXPECT_EQ(countLines("ErrorLog.txt"), errorsBefore + threadCount * share);
+    EXPECT_EQ(countLines("ErrorLog.txt"), errorsBefore + long{threadCount} * share);
 }
 
 namespace {
