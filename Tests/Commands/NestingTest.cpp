@@ -94,9 +94,12 @@ TEST_F(Nesting, InAShellEndsWithItsStack)
     for (const std::string line : {"While -c1 1=1 Do ", "If true Then "}) {
         for (const std::string& inner : {"Calc " + calls_lc, "Check " + script, std::string("Help Max")}) {
             Labsh labsh({Repeat(line, 62) + inner});
-            // Few of them have room enough, and all where an emulator has a stack of its own.
             EXPECT_THAT(labsh.Finish(), testing::AnyOf(isTooDeep_lc, testing::EndsWith("\nexit 0"))) << line << inner;
         }
+    }
+    if (std::string_view(LABSH_FILE).find("/Emulated/") == std::string_view::npos) { // which has a stack of its own
+        Labsh labsh({Repeat("While -c1 1=1 Do ", 62) + "Calc " + calls_lc});
+        EXPECT_THAT(labsh.Finish(), isTooDeep_lc);
     }
     setrlimit(RLIMIT_STACK, &usual);
 }
