@@ -91,11 +91,16 @@ Bench::~Bench()
 
 void Bench::Restore()
 {
+    Rewind();
+    if (IsTouched()) // else the time is better spent on inputs
+        Start();
+}
+
+void Bench::Rewind()
+{
     Abort::Clear();
     clock.Reset();
     System::random.Seed(1);
-    if (IsTouched()) // else the time is better spent on inputs
-        Start();
 }
 
 Bench::Sight Bench::Look() const

@@ -23,6 +23,8 @@ public:
 
     /// Makes the instrument what it was at first, for the next input; but counters of commands go on.
     void Restore();
+    /// What suffices of that after an input that cannot change the instrument.
+    void Rewind();
 
 private:
     /// Requests an abort when it has been looked at too often.

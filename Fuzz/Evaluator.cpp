@@ -171,9 +171,10 @@ void EvaluateAgain(char way, const WString& expression, const Result& result)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size)
 {
-    static const Bench bench(SOURCE_DIR "/Tests/Functions/Profile");
+    static Bench bench(SOURCE_DIR "/Tests/Functions/Profile");
     if (size == 0)
         return 0;
+    bench.Rewind();
     const WString expression = WString::FromUtf8({reinterpret_cast<const char*>(bytes) + 1, size - 1});
     VariedEvaluator evaluator;
     const Result result = Run(evaluator, expression, EvaluateWhole);

@@ -1,6 +1,7 @@
 #!/bin/bash
 # Gives the targets of Fuzz, or those that are named, their seeds and all that was found worth keeping, then whatever
 # the fuzzer thinks of for the rest of some seconds each, 0 for none: Tools/fuzz.sh <seconds> [<target>...]
+# With SEED set to a number it thinks of the same inputs each time.
 # Fails when an input ends a program, and keeps it. With --coverage in place of the seconds it shows how many lines of
 # its sources a target reaches with what is kept.
 set -euo pipefail
@@ -36,7 +37,7 @@ fuzz() {
         [[ -d $folder ]] && corpora+=("$folder")
     done
     [[ -e $dictionary ]] && options=(-dict="$dictionary")
-    "$programs/${target}Fuzzer" "$@" "${options[@]}" -timeout=20 -print_final_stats=1 \
+    "$programs/${target}Fuzzer" "$@" "${options[@]}" -seed="${SEED:-0}" -timeout=20 -print_final_stats=1 \
         -artifact_prefix="$work/$target-" "${corpora[@]}" >"$work/$target.log" 2>&1 </dev/null
 }
 
