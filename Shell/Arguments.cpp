@@ -75,7 +75,7 @@ std::optional<int> ReadArguments(int count, char** texts, Arguments& arguments)
     constexpr int wrongOptions = 2;
     CLI::App app(description, "labsh");
     app.footer(footer);
-    app.set_version_flag("--version", "labsh 1.0", "Print the version and exit");
+    app.set_version_flag("--version", "labsh " LABSH_VERSION, "Print the version and exit");
     arguments.dataFolder = GetDefaultDataFolder();
 
     app.prefix_command(); // the first word ends the options, and all words stay as they are

@@ -56,6 +56,7 @@ pattern() {
 rewrite Editors/vscode/syntaxes/labsh.tmLanguage.json \
     "$(pattern keywords "$keywords" '' '')" "$(pattern functions "$functions" '' '(?=\\\\()')" \
     "$(pattern commands "$commands" '' '')" "$(pattern wordOperators "$operators" '' '')"
+rewrite Editors/vscode/package.json "s/^\(    \"version\": \"\)[^\"]*/\1$("$labsh" --version | cut -d ' ' -f 2)/"
 rewrite Editors/vim/syntax/labsh.vim \
     "s/^\(syntax keyword labshKeyword\).*/\1 $(joined "$keywords" ' ')/" \
     "s/^\(syntax keyword labshFunctionName contained\).*/\1 $(joined "$functions" ' ')/" \

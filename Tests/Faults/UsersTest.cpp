@@ -81,7 +81,7 @@ TEST_F(Users, AreKeptFromTheEventsOfOthers)
     const std::filesystem::path program = LABSH_FILE;
     const std::string copy = folder.Path("labsh"); // what it stands in may be closed to other users
     std::filesystem::copy(program, copy);
-    for (const char* name : {"libHost.so", "ExpressionEvaluator.dll", "Profile"})
+    for (const char* name : {HOST_FILE_NAME, "ExpressionEvaluator.dll", "Profile"})
         std::filesystem::copy(program.parent_path() / name, folder.Path(name));
     const auto make = [&](uid_t user, const char* command) {
         return ChildProcess([&] {

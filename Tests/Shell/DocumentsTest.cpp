@@ -228,6 +228,20 @@ TEST(DocumentsTest, CommandsPrintWhatIsShown)
     }
 }
 
+TEST(DocumentsTest, CodeIsThatOfTheExamples)
+{
+    const std::pair<const char*, std::string> pages[] = {
+        {"Docs/Embedding.md", "Embedding"}, {"Docs/FunctionPlugins.md", "Plugin"}};
+    for (const auto& [name, folder] : pages) {
+        const std::vector<Block> blocks = ReadPage(name).blocks;
+        EXPECT_GE(blocks.size(), 2U);
+        for (const Block& block : blocks) {
+            const std::string file = block.info.substr(block.info.find(' ') + 1);
+            EXPECT_EQ(block.lines, ReadTestLines("../Examples/" + folder + "/" + file)) << file;
+        }
+    }
+}
+
 TEST(DocumentsTest, EveryOptionIsListed)
 {
     std::set<std::string> listed;

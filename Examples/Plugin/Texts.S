@@ -1,0 +1,3 @@
+        .section .ov.FUNCTIONS.TXT,"",%progbits
+        .incbin "FUNCTIONS.TXT"
+        .section .note.GNU-stack,"",%progbits

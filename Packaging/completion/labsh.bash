@@ -1,0 +1,40 @@
+# Completion of labsh in bash. Made of what labsh lists, by Tools/options.sh.
+_labsh()
+{
+    local word=$2 at first=
+    COMPREPLY=()
+    for ((at = 1; at < COMP_CWORD; ++at)); do
+        case ${COMP_WORDS[at]} in
+            -f | --check) first=- ;;& # files and variables follow
+            -f | --junit | --log | --data | --plugin) ((++at)) ;;
+            -*) ;;
+            *) break ;;
+        esac
+    done
+    if ((at > COMP_CWORD)); then
+        [[ $3 != --data ]] || mapfile -t COMPREPLY < <(compgen -d -- "$word")
+        return
+    fi
+    ((at == COMP_CWORD)) || first=${first:-${COMP_WORDS[at]}}
+    local words=
+    case $first:$word in
+        :-* | -:-*) words="-h --help --version -f -k --strict -x --junit --log --lsp --fresh --data --plugin --check" ;;
+        : | :[!-]* | Help:*) words="Assert AssertFail Calc Check Config Echo Event Exit Help If Log Plugins Run Set Stats Status Test Usage Wait Watch While" ;;
+        Assert:-*) words="-q -c" ;;
+        Calc:-*) words="-help -q -v" ;;
+        Check:-*) words="-json -colour" ;;
+        Config:-*) words="-n -z -json -doc" ;;
+        Echo:-*) words="-f" ;;
+        Event:-*) words="-z -json" ;;
+        If:-*) words="-l -v -r" ;;
+        Log:-*) words="-n -c -e -d" ;;
+        Set:-*) words="-i -v -z" ;;
+        Status:-*) words="-n -d -t -z -json" ;;
+        Test:-*) words="-junit" ;;
+        Usage:-*) words="-z -json" ;;
+        Watch:-*) words="-w -c -o -hist" ;;
+        While:-*) words="-c -er -l -v -w -r" ;;
+    esac
+    mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
+}
+complete -o default -F _labsh labsh

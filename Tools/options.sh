@@ -1,0 +1,149 @@
+#!/bin/bash
+# Writes what is made of the options and commands that the shell lists, into Packaging: the page of the manual, and the
+# completion of bash, zsh and fish. With --check it writes nothing, and fails where they are not what it would write:
+# Tools/options.sh [--check] [<labsh>]
+set -eu
+check=
+if [[ ${1-} == --check ]]; then
+    check=yes
+    shift
+fi
+cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.."
+labsh=$(realpath "${1:-build/release/bin/labsh}")
+unset LABSH_HOME XDG_DATA_HOME
+export LC_ALL=C.UTF-8 HOME=\~
+
+# The options, a line each: names joined by commas, what stands behind them (FILE, DIR or -), and the meaning.
+options=$("$labsh" --help | awk '
+    function tell() { if (names) print names, argument, meaning; names = "" }
+    /^  -/ {
+        tell()
+        meaning = match($0, /[^ ]  +[^ ]/) ? substr($0, RSTART + RLENGTH - 1) : ""
+        names = $1
+        argument = $2 ~ /^(FILE|DIR)/ ? substr($2, 1, match($2 "=", "=") - 1) : "-"
+        next
+    }
+    names && !meaning { sub(/^ +/, ""); meaning = $0 }
+    END { tell() }')
+# The commands, a line each: the name and its options.
+commands=$("$labsh" --fresh Help | sed -n '/^Commands:/,/^Topics:/s/^ \([A-Za-z]*\).*/\1/p' | while read -r command; do
+    words=$("$labsh" --fresh Help "$command" | sed -n '/^Options/,/^[^ ]/s/^ *\(-[a-z][][a-z]*\).*/\1/p' | tr -d '[]')
+    echo "$command" $words
+done)
+
+made="Made of what labsh lists, by Tools/options.sh"
+
+# The names of options that match a pattern of what stands behind them, joined: namesOf <pattern> <text>
+namesOf() {
+    awk -v pattern="^($1)\$" -v separator="$2" '
+        $2 ~ pattern { gsub(",", separator, $1); names = names (names ? separator : "") $1 }
+        END { print names }' <<<"$options"
+}
+
+bashCompletion() {
+    cat <<EOF
+# Completion of labsh in bash. $made.
+_labsh()
+{
+    local word=\$2 at first=
+    COMPREPLY=()
+    for ((at = 1; at < COMP_CWORD; ++at)); do
+        case \${COMP_WORDS[at]} in
+            -f | --check) first=- ;;& # files and variables follow
+            $(namesOf 'FILE|DIR' ' | ')) ((++at)) ;;
+            -*) ;;
+            *) break ;;
+        esac
+    done
+    if ((at > COMP_CWORD)); then
+        [[ \$3 != --data ]] || mapfile -t COMPREPLY < <(compgen -d -- "\$word")
+        return
+    fi
+    ((at == COMP_CWORD)) || first=\${first:-\${COMP_WORDS[at]}}
+    local words=
+    case \$first:\$word in
+        :-* | -:-*) words="$(namesOf '.*' ' ')" ;;
+        : | :[!-]* | Help:*) words="$(cut -d ' ' -f 1 <<<"$commands" | xargs)" ;;
+$(sed -n 's/^\([^ ]*\) \(.*\)/        \1:-*) words="\2" ;;/p' <<<"$commands")
+    esac
+    mapfile -t COMPREPLY < <(compgen -W "\$words" -- "\$word")
+}
+complete -o default -F _labsh labsh
+EOF
+}
+
+zshCompletion() {
+    cat <<EOF
+#compdef labsh
+# Completion of labsh in zsh. $made.
+local -a commands=($(cut -d ' ' -f 1 <<<"$commands" | xargs))
+local -A options=(
+$(sed -n 's/^\([^ ]*\) \(.*\)/    \1 "\2"/p' <<<"$commands")
+)
+local -a state line
+_arguments -S -A '-*' \\
+$(while read -r names argument meaning; do
+        meaning=${meaning//:/\\:}
+        action=
+        [[ $argument != FILE ]] || action=:file:_files
+        [[ $argument != DIR ]] || action=:folder:_directories
+        for name in ${names//,/ }; do
+            echo "    '$name[${meaning//\'/\'\\\'\'}]$action' \\"
+        done
+    done <<<"$options")
+    '*::word:->words' && return
+if ((\${+opt_args[-f]} || \${+opt_args[--check]})); then
+    _files
+elif ((CURRENT == 1)) || [[ \$words[1] == Help ]]; then
+    compadd -a commands
+else
+    compadd -- \${=options[\$words[1]]} || _files
+fi
+EOF
+}
+
+fishCompletion() {
+    echo "# Completion of labsh in fish. $made."
+    while read -r names argument meaning; do
+        line="complete -c labsh -n __fish_use_subcommand"
+        for name in ${names//,/ }; do
+            [[ $name == --* ]] && line+=" -l ${name#--}" || line+=" -s ${name#-}"
+        done
+        [[ $argument != FILE ]] || line+=" -r -F"
+        [[ $argument != DIR ]] || line+=" -x -a '(__fish_complete_directories)'"
+        echo "$line -d '${meaning//\'/\\\'}'"
+    done <<<"$options"
+    echo "complete -c labsh -n '__fish_use_subcommand; or __fish_seen_subcommand_from Help' -a '$(cut -d ' ' -f 1 <<<"$commands" | xargs)'"
+    while read -r command words; do
+        for word in $words; do
+            echo "complete -c labsh -n '__fish_seen_subcommand_from $command' -o ${word#-}"
+        done
+    done <<<"$commands"
+}
+
+# Without the date and the version of help2man.
+manual() {
+    help2man --no-info --include=Packaging/labsh.h2m "$labsh" |
+        sed "1s|.*|.\\\\\" $made.|; s/^\(\.TH [^ ]* \"1\"\) \"[^\"]*\"/\1 \"\"/"
+}
+
+failed=
+# The output of a command as a file: keep <file> <command>...
+keep() {
+    local file=Packaging/$1 new
+    shift
+    new=$("$@")
+    if [[ $check && $new != "$(<"$file")" ]]; then
+        echo "$file is not what the shell lists: run Tools/options.sh"
+        diff "$file" - <<<"$new" || true
+        failed=yes
+    elif [[ ! $check ]]; then
+        echo "$new" >"$file"
+    fi
+}
+mkdir -p Packaging/completion
+keep completion/labsh.bash bashCompletion
+keep completion/_labsh zshCompletion
+keep completion/labsh.fish fishCompletion
+keep labsh.1 manual
+[[ ! $failed ]]
