@@ -1,8 +1,8 @@
 #!/bin/bash
-# Completes the beginnings of command lines in bash, zsh and fish, each with the file that is installed for it:
-#     Tests/Install/completion.sh <folder of the files>
+# Completes the beginnings of command lines in bash, zsh and fish:
+#     Tests/Install/completion.sh <file for bash> <file for zsh> <file for fish>
 set -eu
-files=$(realpath "$1")
+bashFile=$(realpath "$1") zshFile=$(realpath "$2") fishFile=$(realpath "$3")
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 cd "$scratch"
@@ -29,7 +29,7 @@ cases=(
 # A folder with its slash; what bash itself completes, by files, where the function has none.
 inBash() {
     bash --norc -c '
-        source "$0/labsh.bash"
+        source "$0"
         compopt() { :; }
         for typed; do
             read -ra COMP_WORDS <<<"$typed"
@@ -39,16 +39,16 @@ inBash() {
             ((${#COMPREPLY[@]})) || mapfile -t COMPREPLY < <(compgen -f -- "$word")
             [[ ! -d ${COMPREPLY[*]} ]] || COMPREPLY[0]+=/
             echo "${COMP_WORDS[*]::COMP_CWORD} ${COMPREPLY[*]}"
-        done' "$files" "$@"
+        done' "$bashFile" "$@"
 }
 
 inFish() {
     fish --no-config -c '
-        source $argv[1]/labsh.fish
+        source $argv[1]
         for typed in $argv[2..]
             set words (string split " " $typed)
             echo $words[..-2] (complete -C $typed | cut -f 1)
-        end' "$files" "$@"
+        end' "$fishFile" "$@"
 }
 
 # An interactive one in a terminal of its own, which is typed into; Ctrl-X gives the line away.
@@ -67,7 +67,7 @@ inZsh() {
             cat line
             rm line
         done
-        zpty -d shell' "$files" "$@" | sed 's/ *$//'
+        zpty -d shell' "${zshFile%/*}" "$@" | sed 's/ *$//'
 }
 
 for ((i = 0; i < ${#cases[@]}; i += 2)); do
