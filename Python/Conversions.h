@@ -1,0 +1,26 @@
+#pragma once
+
+#include "EEToken.h"
+#include "Text/WString.h"
+#include "Text/WStringArray.h"
+
+#include <pybind11/pybind11.h>
+
+namespace py = pybind11;
+
+// Texts and values on their way between Python and the evaluator. For a thread that holds Python's lock.
+
+/// Throws ValueError for a text with a null character, which would end an expression before its end.
+WString ToText(const py::str& text);
+py::str ToPython(const WString& text);
+py::list ToPython(const WStringArray& texts);
+
+/// A float, a bool or a str; None for a token without a value.
+py::object ToPython(const EEToken& token);
+/// The value that the text of a setting or a variable of commands is to an expression.
+py::object ReadValue(const WString& text);
+
+/// Takes a bool, a str, and whatever Python takes for a number; throws TypeError for anything else.
+void SetValue(EEToken& token, py::handle value);
+/// The value as the text of a setting or a variable of commands.
+WString WriteValue(py::handle value);

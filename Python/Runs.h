@@ -1,0 +1,42 @@
+#pragma once
+
+#include <optional>
+#include <pybind11/pybind11.h>
+
+namespace py = pybind11;
+
+// What runs in this process, counted under Python's lock.
+
+/// An expression or a command on its way. What everything shares (functions, the open bench) changes while there is
+/// none.
+class Running
+{
+public:
+    Running();
+    ~Running();
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+
+    /// Throws RuntimeError while one lives.
+    static void RequireNone(const char* what);
+};
+
+/// Work that may take long: the other threads of Python go on meanwhile, and an interrupt (Ctrl-C) ends it. Throws
+/// RuntimeError when Python is about to end.
+class LongRun
+{
+public:
+    LongRun();
+    ~LongRun();
+    LongRun(const LongRun&) = delete;
+    LongRun& operator=(const LongRun&) = delete;
+
+    /// Ends all of them, as an interrupt does.
+    static void Abort() noexcept;
+    /// Ends all of them for good and waits, for Python would end their threads in the middle.
+    static void EndAll();
+
+private:
+    const Running running;
+    std::optional<py::gil_scoped_release> release;
+};

@@ -1,0 +1,86 @@
+#include "Session.h"
+
+#include "Commands/CommandRunner.h"
+#include "EEMissingVariableException.h"
+#include "Failure.h"
+#include "Runs.h"
+
+static constexpr int variableBuckets = 33;
+
+/// An expression so short takes microseconds, and less than it takes to hand Python's lock to others and back.
+static constexpr unsigned int shortExpression = 1000;
+
+Session::Turn::Turn(Session& session) : lock(session.mutex, std::try_to_lock)
+{
+    if (lock.owns_lock())
+        return;
+    const py::gil_scoped_release others;
+    lock.lock();
+}
+
+Session::Session(unsigned int flags, bool readsEnvironment)
+    : map(variableBuckets), evaluator(readsEnvironment, environment, nullptr, L"", flags)
+{
+    evaluator.Clear(); // which gives names their usual characters
+    evaluator.SetVariableMap(&map);
+}
+
+py::object Session::Evaluate(const py::str& expression)
+{
+    const WString text = ToText(expression);
+    const Running running;
+    const Turn turn(*this);
+    EEToken result;
+    bool isEvaluated = false;
+    Failure::Forget();
+    evaluator.ClearVariableTrace();
+    if (text.Length() <= shortExpression) {
+        isEvaluated = evaluator.TryEvaluate(text, result);
+    } else {
+        const LongRun run;
+        isEvaluated = evaluator.TryEvaluate(text, result);
+    }
+    if (!isEvaluated)
+        RaiseError(expression);
+    return ToPython(result);
+}
+
+void Session::RaiseError(const py::str& expression)
+{
+    ExitCode code;
+    WString message;
+    WString marker;
+    int position = 0;
+    evaluator.TryGetErrorMessage(code, message, marker);
+    evaluator.TryGetErrorMessage(code, message, &position);
+    WString reason;
+    if (evaluator.TryGetErrorReason(reason))
+        message = reason;
+    if (code.GetModule() == evaluatorModule && code.GetNumber() == Errors::MissingVariable.number)
+        message = GenerateMissingVariableMessage(message); // which of a lone variable is its name
+    Failure::Raise("Error", code, ToPython(message), py::int_(position), expression);
+}
+
+py::str Session::Run(const py::str& line)
+{
+    const WString text = ToText(line);
+    const Running running;
+    const Turn turn(*this);
+    ArrayPipe output;
+    CommandRunner::Outcome outcome;
+    Failure::Forget();
+    {
+        const LongRun run;
+        outcome = CommandRunner::Run(text, output, environment, 0);
+    }
+    py::str lines = py::str("\n").attr("join")(ToPython(output.lines));
+    if (outcome.code.IsError())
+        Failure::Raise("CommandError", outcome.code, ToPython(outcome.message), line, lines, ToPython(outcome.notes));
+    return lines;
+}
+
+py::list Session::GetTrace()
+{
+    const Turn turn(*this);
+    return ToPython(evaluator.GetVariableTrace()).attr("splitlines")();
+}
