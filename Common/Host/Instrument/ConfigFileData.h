@@ -27,7 +27,8 @@ public:
     /// can be saved for as long as the file cannot be read.
     void Load(const std::string& path, const std::string& defaults = "");
     /// Writes what was set or deleted to the file, on top of what others saved there, which is taken over. Throws
-    /// HostException (FileError, or Aborted while another process saves), and the changes are undone.
+    /// HostException (FileError, or Aborted while another process saves), and the changes since the last saving are
+    /// undone, those of other threads too.
     void Save();
     /// A line for each line of the file that is not understood: the file, the number and why. They stay as they are.
     void GetFaults(WStringArray& faults) const;

@@ -73,7 +73,8 @@ public:
     /// file's item of that name.
     void AddLive(const WString& name, StatusType type, std::function<WString()> read);
     /// Writes what was changed back to the file, in one step, on top of what others changed there. Throws HostException
-    /// (FileError, or Aborted while another process saves), and the changes are undone.
+    /// (FileError, or Aborted while another process saves), and the changes since the last saving are undone, those of
+    /// other threads too.
     void Save();
     /// All names, sorted.
     void GetNames(WStringArray& names) const;
