@@ -19,11 +19,19 @@ static constexpr const char* description =
 static constexpr const char* footer =
     "The options come before the first word; -- ends them.\n"
     "`labsh Help` lists the commands, `labsh Help Calc` explains one.\n"
-    "Example: labsh -x -f cal.txt target=40 unit=\"A 7\"\n"
-    "Exit status: 0; 1 when a command failed, with a line on standard error; 2 for wrong options; what Exit was\n"
-    "given; 128 and the number of a signal, as the shell ends by it. With --check: 0 when nothing is found, 1 when "
-    "there\n"
-    "are warnings alone, 2 when there are errors, 3 when a script could not be checked.";
+    "\n"
+    "Examples:\n"
+    "  labsh 'Calc 6*7'                               a line\n"
+    "  labsh -x -f cal.txt target=40 unit=\"A 7\"       a script, each command shown\n"
+    "  labsh --check *.labsh                          what is wrong with scripts\n"
+    "\n"
+    "Exit status:\n"
+    "  0        all went well; with --check: nothing was found\n"
+    "  1        a command failed, with a line on standard error; with --check: there are warnings alone\n"
+    "  2        wrong options; with --check: there are errors\n"
+    "  3        with --check: a script could not be checked\n"
+    "  128+n    the shell was ended by the signal n\n"
+    "  other    what Exit was given";
 
 /// The data folder where no option names one; empty where the environment gives none.
 static std::string GetDefaultDataFolder()

@@ -2,23 +2,11 @@
 # Writes the words of the language into the modes of Editors, as the shell itself lists them. With --check it writes
 # nothing, and fails where they are not what it would write: Tools/editors.sh [--check] [<labsh>]
 set -eu
-check=
-if [[ ${1-} == --check ]]; then
-    check=yes
-    shift
-fi
-cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.."
-labsh=${1:-build/release/bin/labsh}
-export LC_ALL=C
+source "${BASH_SOURCE[0]%/*}/words.sh"
 
-usage=$("$labsh" --fresh Help | sed -n '/^Commands:/,/^Topics:/s/^ //p')
-texts=$("$labsh" --fresh 'Calc -help')
-commands=$(sed 's/ .*//' <<<"$usage")
 # Words of a usage line that stand in no brackets but those of a part that may be left out.
 keywords=$(sed 's/^[^ ]*//; s/<[^>]*>//g' <<<"$usage" | grep -oE '\b[A-Z][a-z]+\b' | sort -u)
-functions=$(sed -n '/^Expression evaluator functions:/,/^Expression evaulator operators:/p' <<<"$texts" |
-    grep -E '^ [^ ]' | sed 's/ - .*//' | grep -oE '[A-Za-z0-9_]+\(' | tr -d '(' | sort -fu)
-operators=$(sed -n '/^Expression evaulator operators:/{n;p}' <<<"$texts" | grep -oE '[a-z]+')
+operators=$("$labsh" --fresh 'Calc -help' | sed -n '/^Expression evaulator operators:/{n;p}' | grep -oE '[a-z]+')
 
 # The words, joined by the text, each in the marks: joined <words> <text> [<mark>]
 joined() {

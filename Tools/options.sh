@@ -3,15 +3,9 @@
 # completion of bash, zsh and fish. With --check it writes nothing, and fails where they are not what it would write:
 # Tools/options.sh [--check] [<labsh>]
 set -eu
-check=
-if [[ ${1-} == --check ]]; then
-    check=yes
-    shift
-fi
-cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.."
-labsh=$(realpath "${1:-build/release/bin/labsh}")
+source "${BASH_SOURCE[0]%/*}/words.sh"
 unset LABSH_HOME XDG_DATA_HOME
-export LC_ALL=C.UTF-8 HOME=\~
+export HOME=\~
 
 # The options, a line each: names joined by commas, what stands behind them (FILE, DIR or -), and the meaning.
 options=$("$labsh" --help | awk '
@@ -25,11 +19,15 @@ options=$("$labsh" --help | awk '
     }
     names && !meaning { sub(/^ +/, ""); meaning = $0 }
     END { tell() }')
-# The commands, a line each: the name and its options.
-commands=$("$labsh" --fresh Help | sed -n '/^Commands:/,/^Topics:/s/^ \([A-Za-z]*\).*/\1/p' | while read -r command; do
+# The options of the commands that have some, a line each: the name and they.
+commandOptions=$(while read -r command; do
     words=$("$labsh" --fresh Help "$command" | sed -n '/^Options/,/^[^ ]/s/^ *\(-[a-z][][a-z]*\).*/\1/p' | tr -d '[]')
-    echo "$command" $words
-done)
+    [[ ! $words ]] || echo "$command" $words
+done <<<"$commands")
+topics=$("$labsh" --fresh Help | sed -n '/^Topics:/,$s/^ \([a-z]*\) - .*/\1/p')
+# Joined by blanks.
+commands=$(xargs <<<"$commands")
+explained="$commands $(xargs <<<"$functions") $(xargs <<<"$topics")"
 
 made="Made of what labsh lists, by Tools/options.sh"
 
@@ -63,8 +61,9 @@ _labsh()
     local words=
     case \$first:\$word in
         :-* | -:-*) words="$(namesOf '.*' ' ')" ;;
-        : | :[!-]* | Help:*) words="$(cut -d ' ' -f 1 <<<"$commands" | xargs)" ;;
-$(sed -n 's/^\([^ ]*\) \(.*\)/        \1:-*) words="\2" ;;/p' <<<"$commands")
+        : | :[!-]*) words="$commands" ;;
+        Help:*) words="$explained" ;;
+$(sed 's/^\([^ ]*\) \(.*\)/        \1:-*) words="\2" ;;/' <<<"$commandOptions")
     esac
     mapfile -t COMPREPLY < <(compgen -W "\$words" -- "\$word")
 }
@@ -76,9 +75,10 @@ zshCompletion() {
     cat <<EOF
 #compdef labsh
 # Completion of labsh in zsh. $made.
-local -a commands=($(cut -d ' ' -f 1 <<<"$commands" | xargs))
+local -a commands=($commands)
+local -a explained=($explained)
 local -A options=(
-$(sed -n 's/^\([^ ]*\) \(.*\)/    \1 "\2"/p' <<<"$commands")
+$(sed 's/^\([^ ]*\) \(.*\)/    \1 "\2"/' <<<"$commandOptions")
 )
 local -a state line
 _arguments -S -A '-*' \\
@@ -94,8 +94,10 @@ $(while read -r names argument meaning; do
     '*::word:->words' && return
 if ((\${+opt_args[-f]} || \${+opt_args[--check]})); then
     _files
-elif ((CURRENT == 1)) || [[ \$words[1] == Help ]]; then
+elif ((CURRENT == 1)); then
     compadd -a commands
+elif [[ \$words[1] == Help ]]; then
+    compadd -a explained
 else
     compadd -- \${=options[\$words[1]]} || _files
 fi
@@ -113,12 +115,13 @@ fishCompletion() {
         [[ $argument != DIR ]] || line+=" -x -a '(__fish_complete_directories)'"
         echo "$line -d '${meaning//\'/\\\'}'"
     done <<<"$options"
-    echo "complete -c labsh -n '__fish_use_subcommand; or __fish_seen_subcommand_from Help' -a '$(cut -d ' ' -f 1 <<<"$commands" | xargs)'"
+    echo "complete -c labsh -n __fish_use_subcommand -a '$commands'"
+    echo "complete -c labsh -n '__fish_seen_subcommand_from Help' -a '$explained'"
     while read -r command words; do
         for word in $words; do
             echo "complete -c labsh -n '__fish_seen_subcommand_from $command' -o ${word#-}"
         done
-    done <<<"$commands"
+    done <<<"$commandOptions"
 }
 
 # Without the date and the version of help2man.

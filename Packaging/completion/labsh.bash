@@ -19,7 +19,8 @@ _labsh()
     local words=
     case $first:$word in
         :-* | -:-*) words="-h --help --version -f -k --strict -x --junit --log --lsp --fresh --data --plugin --check" ;;
-        : | :[!-]* | Help:*) words="Assert AssertFail Calc Check Config Echo Event Exit Help If Log Plugins Run Set Stats Status Test Usage Wait Watch While" ;;
+        : | :[!-]*) words="Assert AssertFail Calc Check Config Echo Event Exit Help If Log Plugins Run Set Stats Status Test Usage Wait Watch While" ;;
+        Help:*) words="Assert AssertFail Calc Check Config Echo Event Exit Help If Log Plugins Run Set Stats Status Test Usage Wait Watch While abs acos asin atan Average Avg Bool ceil Config cos cosh CStr DateToDays DaysToDate Defined EndsWith Exist exp Fcvt FileCrc FileExist FileSize FileZynqChecksum floor FmtEng FromHex Ftoa GetConfig GetConfigBool GetConfigDbl GetConfigInt GetConfigStr GetConfigUInt GetEnv GetEvent GetProcId GetStatus GetUsage Icpt IF IndexOf InitIfNa InStr int Intercept IsErr IsError IsInList IsNA IsRunning LCase Left Len ListItem ListLen ln log Matches Max Med Median Mid Min Mod Not Rand Random Right Round Sd sign sin sinh Slope sqr sqrt StartsWith StDev StrCat StrReplace SubString Sum tan tanh ToHex ToString UCase Val VersionCompare variables operators functions scripts errors references" ;;
         Assert:-*) words="-q -c" ;;
         Calc:-*) words="-help -q -v" ;;
         Check:-*) words="-json -colour" ;;

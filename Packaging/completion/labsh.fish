@@ -12,7 +12,8 @@ complete -c labsh -n __fish_use_subcommand -l fresh -d 'Work on a new instrument
 complete -c labsh -n __fish_use_subcommand -l data -x -a '(__fish_complete_directories)' -d 'The instrument\'s data folder'
 complete -c labsh -n __fish_use_subcommand -l plugin -r -F -d 'Load this plug-in too'
 complete -c labsh -n __fish_use_subcommand -l check -d 'Look for what is wrong with the scripts FILE..., without running them'
-complete -c labsh -n '__fish_use_subcommand; or __fish_seen_subcommand_from Help' -a 'Assert AssertFail Calc Check Config Echo Event Exit Help If Log Plugins Run Set Stats Status Test Usage Wait Watch While'
+complete -c labsh -n __fish_use_subcommand -a 'Assert AssertFail Calc Check Config Echo Event Exit Help If Log Plugins Run Set Stats Status Test Usage Wait Watch While'
+complete -c labsh -n '__fish_seen_subcommand_from Help' -a 'Assert AssertFail Calc Check Config Echo Event Exit Help If Log Plugins Run Set Stats Status Test Usage Wait Watch While abs acos asin atan Average Avg Bool ceil Config cos cosh CStr DateToDays DaysToDate Defined EndsWith Exist exp Fcvt FileCrc FileExist FileSize FileZynqChecksum floor FmtEng FromHex Ftoa GetConfig GetConfigBool GetConfigDbl GetConfigInt GetConfigStr GetConfigUInt GetEnv GetEvent GetProcId GetStatus GetUsage Icpt IF IndexOf InitIfNa InStr int Intercept IsErr IsError IsInList IsNA IsRunning LCase Left Len ListItem ListLen ln log Matches Max Med Median Mid Min Mod Not Rand Random Right Round Sd sign sin sinh Slope sqr sqrt StartsWith StDev StrCat StrReplace SubString Sum tan tanh ToHex ToString UCase Val VersionCompare variables operators functions scripts errors references'
 complete -c labsh -n '__fish_seen_subcommand_from Assert' -o q
 complete -c labsh -n '__fish_seen_subcommand_from Assert' -o c
 complete -c labsh -n '__fish_seen_subcommand_from Calc' -o help

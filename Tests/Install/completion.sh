@@ -17,6 +17,8 @@ cases=(
     'labsh Plu' Plugins
     'labsh -x Plu' Plugins
     'labsh Help Wat' Watch
+    'labsh Help Medi' Median
+    'labsh Help refer' references
     'labsh Calc -he' -help
     'labsh --log sess While -e' -er
     'labsh -f scr' script.txt
