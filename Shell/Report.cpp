@@ -50,6 +50,11 @@ void WriteReport(const WString& place, const ExitCode& code, const WString& mess
     WriteErrorLine(place + code.ToString() + (rest.IsEmpty() ? L"" : L" ") + rest, colour);
 }
 
+void ForgetShown()
+{
+    StandardOutput::Get().ForgetShown();
+}
+
 void WriteNotes(const WString& place, const WStringArray& notes)
 {
     for (const WString& note : notes)

@@ -9,6 +9,8 @@ void WriteErrorLine(const WString& text, Colour colour = Colour::None);
 /// The place, the code's text and, where known, the message, as such a line. At a terminal the message leaves out what
 /// has just been shown there.
 void WriteReport(const WString& place, const ExitCode& code, const WString& message, Colour colour = Colour::Failure);
+/// What the terminal has shown up to now is left out of no report from now on.
+void ForgetShown();
 /// A line for each note of a command, which `place` names the line of as FormatPlace does.
 void WriteNotes(const WString& place, const WStringArray& notes);
 

@@ -1,7 +1,6 @@
 #include "ScriptRunner.h"
 
 #include "Commands/ScriptReader.h"
-#include "Commands/StandardOutput.h"
 #include "Instrument/System.h"
 #include "LineNotes.h"
 #include "Report.h"
@@ -59,7 +58,7 @@ bool RunScript(LineSource& source, const WString& name, Pipe& output, const Envi
     while (reader.TryRead(command)) {
         script.line = reader.GetLine();
         script.innerFailure.reset();
-        StandardOutput::Get().ForgetShown();
+        ForgetShown();
         ScriptFailure run = {RunCommand(command, output, environment), script.line};
         CountCommand(run.outcome.command);
         ReportCounters();

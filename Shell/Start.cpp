@@ -20,18 +20,10 @@ static WString MakeErrorLogPrefix()
     return FormatDateAndTime() + L" " + GetRunningPlace() + command;
 }
 
-/// Where the plug-ins and the profile are: beside the shell, or where that is installed in a folder of their own.
-static std::string GetLibraryFolder()
-{
-    const std::filesystem::path shellFolder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
-    const std::filesystem::path installed = (shellFolder / LABSH_LIBRARY_FOLDER).lexically_normal();
-    return std::filesystem::is_directory(installed) ? installed : shellFolder;
-}
-
 /// Most runs do without the command Check and completion, and need not load them.
 static void LoadScriptTools()
 try {
-    const std::string file = GetLibraryFolder() + "/ScriptTools.dll";
+    const std::string file = PluginLoader::GetFolder() + "/ScriptTools.dll";
     if (std::filesystem::exists(file))
         PluginLoader::Load(file);
 } catch (const HostException& failure) {
@@ -40,17 +32,17 @@ try {
 
 void Start(const Arguments& arguments)
 {
-    const std::string libraryFolder = GetLibraryFolder();
+    const std::string folder = PluginLoader::GetFolder();
     if (arguments.dataFolder.empty())
         throw HostException(HostError::FileError, L"no data folder: give --data, or set LABSH_HOME or HOME");
-    for (const WString& report : System::Start(arguments.dataFolder, libraryFolder + "/Profile"))
+    for (const WString& report : System::Start(arguments.dataFolder, folder + "/Profile"))
         WriteErrorLine(L"labsh: warning: " + report);
     if (ToUpper(L'\u00E4') == L'\u00E4')
         WriteErrorLine(L"labsh: warning: neither the locale C.UTF-8 nor en_US.UTF-8 is installed: "
                        L"only ASCII letters have two cases");
     System::errorLog.SetPrefix(MakeErrorLogPrefix);
     AddBuiltIns();
-    PluginLoader::Load(libraryFolder + "/ExpressionEvaluator.dll");
+    PluginLoader::Load(folder + "/ExpressionEvaluator.dll");
     for (const std::string& plugin : arguments.plugins)
         PluginLoader::Load(plugin);
     CommandRegistry::AddLater(LoadScriptTools);

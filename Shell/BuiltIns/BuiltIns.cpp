@@ -2,31 +2,15 @@
 
 #include "Commands/CommandRegistry.h"
 
-static constexpr const CommandRecord* records_lc[] = {
-    &assertFail_gb,
-    &config_gb,
-    &echo_gb,
-    &event_gb,
-    &exit_gb,
-    &help_gb,
-    &log_gb,
-    &plugins_gb,
-    &run_gb,
-    &stats_gb,
-    &status_gb,
-    &test_gb,
-    &usage_gb,
-    &wait_gb,
-    &watch_gb,
-};
-
-std::span<const CommandRecord* const> GetBuiltIns()
+std::vector<const CommandRecord*> GetBuiltIns()
 {
-    return records_lc;
+    std::vector<const CommandRecord*> records = {&exit_gb, &watch_gb};
+    records.insert(records.end(), GetBenchCommands().begin(), GetBenchCommands().end());
+    return records;
 }
 
 void AddBuiltIns()
 {
-    for (const CommandRecord* record : records_lc)
+    for (const CommandRecord* record : GetBuiltIns())
         CommandRegistry::Add(record->factory, "");
 }

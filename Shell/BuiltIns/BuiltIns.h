@@ -3,6 +3,7 @@
 #include "Commands/CommandRecord.h"
 
 #include <span>
+#include <vector>
 
 // The shell's own commands; each record stands in the file of its name.
 extern const CommandRecord assertFail_gb;
@@ -21,7 +22,10 @@ extern const CommandRecord usage_gb;
 extern const CommandRecord wait_gb;
 extern const CommandRecord watch_gb;
 
+/// Those that any program can run, which has them from BenchCommands.dll: all but Exit, which ends the shell, and Watch,
+/// which draws on its terminal.
+std::span<const CommandRecord* const> GetBenchCommands();
 /// All of them.
-std::span<const CommandRecord* const> GetBuiltIns();
+std::vector<const CommandRecord*> GetBuiltIns();
 /// Adds them to CommandRegistry.
 void AddBuiltIns();

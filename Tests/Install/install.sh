@@ -48,6 +48,7 @@ for example in Embedding Plugin; do
     } >"$scratch/log" 2>&1 || fail "$example: $(<"$scratch/log")"
 done
 expect 0.1 "$scratch/Embedding/evaluate" 'Moles(grams, 58.44)'
+expect "x is 42" "$scratch/Embedding/run" "$LABSH_HOME" 'Set x=6*7' 'Echo x is %E{x}'
 plugin=(--plugin "$scratch/Plugin/Series.dll")
 expect 14 "$labsh" "${plugin[@]}" 'Calc Series("i*i", 3)'
 expect 1.25992 "$labsh" "${plugin[@]}" 'Table 2 Cbrt(i)'

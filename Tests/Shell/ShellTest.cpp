@@ -67,6 +67,8 @@ TEST(ShellTest, WrongStartsAreReported)
     std::filesystem::copy_file(PLUGIN_FILE, copy);
     EXPECT_EQ(labsh.Describe(labsh.Run({"--plugin", copy, "Echo"})),
         "labsh: 0:1:10 File error: " + copy + ": it offers a command that is already there\nexit 1");
+    EXPECT_EQ(RunLabsh({"--plugin", BENCH_COMMANDS_FILE, "Echo"}),
+        "labsh: 0:1:10 File error: " BENCH_COMMANDS_FILE ": it offers a command that is already there\nexit 1");
     EXPECT_EQ(RunLabsh({"--data", "/dev/null/x", "Echo"}),
         "\nlabsh: warning: File error: /dev/null/x: Not a directory; the values of the profile are used, and cannot be "
         "saved\nexit 0");

@@ -1,7 +1,6 @@
 // What the headers promise to be safe under threads, by eight of them at once. Each test also looks at the outcome:
 // what all of them wrote is there, once and whole. The preset tsan sees the races that happen to do no harm.
 
-#include "BuiltIns/BuiltIns.h"
 #include "Commands/CommandRunner.h"
 #include "Commands/PluginLoader.h"
 #include "Commands/RunObserver.h"
@@ -55,7 +54,7 @@ std::vector<int> CountObjects()
     return counts;
 }
 
-/// One bench for the program, with the shell's commands and the plug-in as it is loaded. No test leaves an object
+/// One bench for the program, with the commands of the plug-ins as they are loaded. No test leaves an object
 /// behind.
 class Threads : public testing::Test
 {
@@ -64,8 +63,8 @@ protected:
     {
         setenv("LABSH_EVENTS", GetEvents().c_str(), 1);
         System::Start(GetFolder().GetPath(), SOURCE_DIR "/Shell/Profile");
-        AddBuiltIns();
         PluginLoader::Load(PLUGIN_FILE);
+        PluginLoader::Load(BENCH_COMMANDS_FILE);
     }
     static void TearDownTestSuite() { shm_unlink(("/" + GetEvents()).c_str()); }
     void TearDown() override { EXPECT_EQ(CountObjects(), objects); }
@@ -340,6 +339,9 @@ constexpr CommandRow commands_lc[] = {
     {L"Status -n Command%d=%d", L""},
     {L"Status Command%d", L"Command%d=%d"},
     {L"Status", nullptr},
+    {L"Status -d0 Command%d=%d", L""},
+    {L"Status -t0.01 Command%d=%d", L""},
+    {L"Run %%E{script}", L"script %d"},
     {L"Usage Command%d=%d", L""},
     {L"Usage Command%d", L"Command%d=%d"},
     {L"Usage -json *", nullptr},
@@ -364,9 +366,12 @@ std::string Fill(const wchar_t* text, int number)
 
 TEST_F(Threads, RunCommands)
 {
-    RunInThreads([](int number) {
+    const WString script = WString::FromUtf8(GetFolder().Write("script.txt", "Echo script %E{number}\n"));
+    RunInThreads([&](int number) {
         const RunCounter counter;
-        const Environment environment;
+        Environment environment;
+        environment.SetString(L"script", script);
+        environment.SetString(L"number", WString::Format(L"%d", number));
         for (int round = 0; round < 3; ++round)
             for (const CommandRow& row : commands_lc) {
                 ArrayPipe pipe;
@@ -378,7 +383,7 @@ TEST_F(Threads, RunCommands)
                     EXPECT_EQ(Join(pipe.lines), Fill(row.output, number)) << line.ToUtf8();
                 }
             }
-        EXPECT_EQ(counter.count, 3 * (static_cast<int>(std::size(commands_lc)) + 5)); // 3 by While, If and AssertFail
+        EXPECT_EQ(counter.count, 3 * (static_cast<int>(std::size(commands_lc)) + 6)); // 3 by While; If, AssertFail, Run
     });
 }
 

@@ -118,6 +118,18 @@ void PluginLoader::Load(const std::string& path)
     loaded.libraries.push_back(library);
 }
 
+std::string PluginLoader::GetFolder()
+{
+    Dl_info info;
+    std::error_code error;
+    std::filesystem::path folder;
+    if (dladdr(&listener_lc, &info) != 0)
+        folder = std::filesystem::canonical(std::filesystem::path(info.dli_fname).parent_path(), error);
+    if (folder.empty())
+        Fail("libHost.so", "its folder cannot be found: " + error.message());
+    return folder;
+}
+
 const std::vector<std::string>& PluginLoader::GetFiles()
 {
     return GetLoaded().files;

@@ -16,6 +16,10 @@ public:
     /// that stays.
     static void Load(const std::string& path);
 
+    /// The folder of libHost.so, where the plug-ins that come with it are, and what a new data folder is made from.
+    /// Throws HostException(FileError) when it has been moved away.
+    static std::string GetFolder();
+
     /// The files loaded so far, in the order of loading.
     static const std::vector<std::string>& GetFiles();
 
