@@ -1,4 +1,4 @@
-// Prints the checksum that a plug-in carries in its section ".ov.checksum": PluginChecksum FILE
+// Prints what a plug-in carries in its section ".ov.checksum": PluginChecksum FILE
 
 #include "Commands/PluginFile.h"
 

@@ -49,10 +49,18 @@ for example in Embedding Plugin; do
 done
 expect 0.1 "$scratch/Embedding/evaluate" 'Moles(grams, 58.44)'
 expect "x is 42" "$scratch/Embedding/run" "$LABSH_HOME" 'Set x=6*7' 'Echo x is %E{x}'
-plugin=(--plugin "$scratch/Plugin/Series.dll")
+series=$scratch/Plugin/Series.dll
+plugin=(--plugin "$series")
+strip "$series"
+[[ $(readelf -SW "$series") == *.ov.checksum* ]] || fail "the example has no checksum"
 expect 14 "$labsh" "${plugin[@]}" 'Calc Series("i*i", 3)'
 expect 1.25992 "$labsh" "${plugin[@]}" 'Table 2 Cbrt(i)'
 expect "The cube root of x." "$labsh" "${plugin[@]}" Help Cbrt
+code=$((16#$(readelf -SW "$series" | sed -n 's/.* \.text  *PROGBITS  *[0-9a-f]* \([0-9a-f]*\) .*/\1/p')))
+byte=$(od -An -tu1 -j $code -N 1 "$series")
+printf "\\x$(printf %02x $((byte ^ 1)))" | dd of="$series" bs=1 seek=$code conv=notrunc status=none
+damaged=$("$labsh" "${plugin[@]}" Plugins 2>&1) && fail "a damaged plug-in is loaded"
+[[ $damaged == *"code or data do not match the checksum"* ]] || fail "a damaged plug-in: $damaged"
 
 export PKG_CONFIG_PATH=$libraries/../pkgconfig
 [[ $(pkg-config --modversion labshell) == "$version" ]] || fail "pkg-config knows another version"

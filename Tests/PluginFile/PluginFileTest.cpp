@@ -100,6 +100,9 @@ TEST(PluginFileTest, TellsWhatIsWrongInTheHeaders)
         {"the dynamic section is in no segment", [](Image& image) { image.Find(PT_DYNAMIC).p_type = PT_NULL; }},
         {"the dynamic section is in no segment", [](Image& image) { image.Find(PT_DYNAMIC).p_vaddr = nowhere; }},
         {"code or data do not match the checksum", [](Image& image) { image.Find(PT_TLS).p_align = 0; }},
+        {"code or data do not match the checksum", [](Image& image) { --image.Header().e_phnum; }},
+        {"the table of sections is damaged",
+            [](Image& image) { image.bytes[image.bytes.find(std::string(".ov.checksum", 13)) + 4] = 'k'; }},
     };
     for (const auto& [fault, make] : damages) {
         Image image = GetPlugin();
@@ -149,11 +152,12 @@ TEST(PluginFileTest, ADamagedByteEndsNoProcess)
 {
     const TemporaryFolder folder;
     Image image = GetPlugin();
-    const auto begin = image.Header().e_phoff; // what stands before it is not in the checksum
+    const auto begin = image.Header().e_phoff;
     const auto range = [](const ElfW(Phdr) & segment) {
         return std::pair<std::size_t, std::size_t>(segment.p_offset, segment.p_offset + segment.p_filesz);
     };
     const std::pair<std::size_t, std::size_t> places[] = {
+        {0, offsetof(ElfW(Ehdr), e_shoff)},
         {begin, begin + image.Header().e_phnum * sizeof(ElfW(Phdr))},
         {begin, image.Find(PT_LOAD).p_filesz},
         range(image.Find(PT_DYNAMIC)),

@@ -8,12 +8,15 @@
 #include <libelf.h>
 #include <new>
 
+static constexpr const char* checksumSection = ".ov.checksum";
+
+/// Its contents. They repeat the name, so that it is found in a file whose table of sections no longer leads there.
 static std::string FormatChecksum(const PluginSegments& segments)
 {
     std::string digits;
     for (std::uint32_t crc = segments.CalculateCrc(); digits.size() < 8; crc /= 16)
         digits.insert(digits.begin(), "0123456789abcdef"[crc % 16]);
-    return digits;
+    return checksumSection + (" " + digits);
 }
 
 /// The library tells this by no public number of its own.
@@ -77,9 +80,9 @@ try {
     const PluginBytes bytes(descriptor.Get(), image);
     const PluginSegments segments(elf.get(), bytes);
     std::string checksum;
-    if (TryReadSection(".ov.checksum", checksum) && checksum != FormatChecksum(segments))
-        return "code or data do not match the checksum";
-    return "";
+    if (!TryReadSection(checksumSection, checksum))
+        return bytes.Contain(checksumSection) ? "the table of sections is damaged" : "";
+    return checksum == FormatChecksum(segments) ? "" : "code or data do not match the checksum";
 } catch (const PluginFault& fault) {
     return fault.text;
 }

@@ -30,8 +30,8 @@ public:
     /// with the checksum in the section ".ov.checksum". A plug-in without one may be damaged where nobody sees it.
     std::string FindFault() const;
 
-    /// The checksum of all that is loaded, 8 hexadecimal digits; it stays when debug information is taken out of the
-    /// file. Empty for a file with a fault.
+    /// What that section holds: its name, a blank, and the checksum of all that is loaded, 8 hexadecimal digits; it
+    /// stays when debug information is taken out of the file. Empty for a file with a fault.
     std::string CalculateChecksum() const;
 
 private:

@@ -15,6 +15,8 @@
 extern "C" const ElfW(Ehdr) __ehdr_start // NOLINT(bugprone-reserved-identifier)
     __attribute__((visibility("hidden")));
 
+static constexpr std::size_t blockSize = 0x10000; // a stack may be small
+
 [[noreturn]] static void FailPlugin(const std::string& text)
 {
     throw PluginFault{text};
@@ -47,6 +49,20 @@ void PluginBytes::Read(std::uint64_t offset, void* buffer, std::size_t count) co
         offset += static_cast<std::uint64_t>(got);
         count -= static_cast<std::size_t>(got);
     }
+}
+
+bool PluginBytes::Contain(std::string_view text) const
+{
+    std::string block;
+    for (std::uint64_t offset = 0; offset < size; offset += blockSize) {
+        const std::string last = block.substr(block.size() - std::min(block.size(), text.size()));
+        block.resize(static_cast<std::size_t>(std::min<std::uint64_t>(blockSize, size - offset)));
+        Read(offset, block.data(), block.size());
+        block.insert(0, last);
+        if (block.find(text) != block.npos)
+            return true;
+    }
+    return false;
 }
 
 static bool IsPowerOfTwo(std::uint64_t number)
@@ -144,8 +160,12 @@ bool PluginSegments::Holds(const GElf_Phdr& segment) const
 
 std::uint32_t PluginSegments::CalculateCrc() const
 {
-    std::uint32_t crc = 0;
-    std::vector<char> block(0x10000); // a stack may be small
+    ElfW(Ehdr) header;
+    bytes.Read(0, &header, sizeof header);
+    header.e_shoff = 0;
+    header.e_shnum = header.e_shstrndx = 0;
+    std::uint32_t crc = ::CalculateCrc(&header, sizeof header);
+    std::vector<char> block(blockSize);
     for (const GElf_Phdr& segment : loaded) {
         const std::uint64_t end = segment.p_offset + segment.p_filesz;
         std::uint64_t offset = std::max<std::uint64_t>(segment.p_offset, sizeof(ElfW(Ehdr)));

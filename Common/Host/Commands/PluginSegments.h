@@ -21,6 +21,8 @@ public:
     std::uint64_t GetSize() const noexcept { return size; }
     /// Throws PluginFault when they are not there.
     void Read(std::uint64_t offset, void* buffer, std::size_t count) const;
+    /// Whether the text, of one block at most, stands anywhere in them. Throws PluginFault when they are not there.
+    bool Contain(std::string_view text) const;
 
 private:
     int descriptor;
@@ -35,7 +37,7 @@ class PluginSegments
 public:
     PluginSegments(Elf* elf, const PluginBytes& bytes);
 
-    /// The CRC-32 of all that is loaded, but the ELF header: where the sections stand is no matter.
+    /// The CRC-32 of the ELF header, but where the sections stand is no matter, and of all that is loaded behind it.
     std::uint32_t CalculateCrc() const;
 
 private:
