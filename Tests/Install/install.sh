@@ -51,7 +51,7 @@ expect 0.1 "$scratch/Embedding/evaluate" 'Moles(grams, 58.44)'
 expect "x is 42" "$scratch/Embedding/run" "$LABSH_HOME" 'Set x=6*7' 'Echo x is %E{x}'
 series=$scratch/Plugin/Series.dll
 plugin=(--plugin "$series")
-strip "$series"
+"$("$compiler" -print-prog-name=strip)" "$series"
 [[ $(readelf -SW "$series") == *.ov.checksum* ]] || fail "the example has no checksum"
 expect 14 "$labsh" "${plugin[@]}" 'Calc Series("i*i", 3)'
 expect 1.25992 "$labsh" "${plugin[@]}" 'Table 2 Cbrt(i)'
