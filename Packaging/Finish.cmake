@@ -1,5 +1,11 @@
 # Run by cpack before it packs what has been installed for each package: adds what Debian wants of every package, its
 # licence and its changes, and compresses the pages of the manual.
+
+# Tells dpkg-shlibdeps, which cpack runs next, whose libraries and whose objdump to look with.
+if(CPACK_DEBIAN_PACKAGE_ARCHITECTURE)
+    set(ENV{DEB_HOST_ARCH} ${CPACK_DEBIAN_PACKAGE_ARCHITECTURE})
+endif()
+
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)
     string(TOUPPER ${component} upper)
     set(package ${CPACK_DEBIAN_${upper}_PACKAGE_NAME})

@@ -1,4 +1,8 @@
-# The Debian packages that cpack makes, one of each component: cpack --config build/release/CPackConfig.cmake
+# The Debian packages that cpack makes, one of each component. The target Packages builds what they are made of first.
+# The libraries that they depend on are those of this machine or, built for another processor, those of its sysroot.
+add_custom_target(Packages COMMAND ${CMAKE_CPACK_COMMAND} --config ${PROJECT_BINARY_DIR}/CPackConfig.cmake)
+add_dependencies(Packages labsh)
+
 set(CPACK_GENERATOR DEB)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_ALL runtime development documentation)
@@ -9,9 +13,14 @@ set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
 set(CPACK_PACKAGE_CONTACT "LabShell authors <labshell@users.noreply.invalid>")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 if(CMAKE_CROSSCOMPILING)
     execute_process(COMMAND dpkg-architecture -f -t ${CMAKE_CXX_LIBRARY_ARCHITECTURE} -q DEB_HOST_ARCH
         OUTPUT_VARIABLE CPACK_DEBIAN_PACKAGE_ARCHITECTURE OUTPUT_STRIP_TRAILING_WHITESPACE)
+    foreach(folder IN ITEMS lib usr/lib)
+        list(APPEND CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
+            ${CMAKE_SYSROOT}/${folder}/${CMAKE_CXX_LIBRARY_ARCHITECTURE})
+    endforeach()
 endif()
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_SOURCE_DIR}/Finish.cmake)
 set(CPACK_PROJECT_SOURCE_DIR ${PROJECT_SOURCE_DIR}) # for the script
@@ -24,7 +33,6 @@ instrument whose settings, status values, counters and events can be looked
 at and set. Expressions are evaluated by a plug-in, scripts are checked
 before they run, and editors are served by the language server protocol.")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SUGGESTS labsh-doc)
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME liblabshell-dev)

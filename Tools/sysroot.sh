@@ -1,8 +1,9 @@
 #!/bin/bash
-# Makes build/arm-sysroot: the development packages of the sections shell and tests for the 32-bit target. Nothing is
-# installed: foreign development packages would replace those of the desk. apt gets a state of its own, which asks the
-# sources of this machine for the foreign architecture; the packages are unpacked, no more. The C and the C++ library
-# come with the cross compiler. Does nothing where the sysroot is made of the same packages.
+# Makes build/arm-sysroot: the development packages of the sections shell and tests for the 32-bit target, and what those
+# need to run. Nothing is installed: foreign development packages would replace those of the desk. apt gets a state of
+# its own, which asks the sources of this machine for the foreign architecture; the packages are unpacked, and what they
+# tell about their libraries is kept for dpkg-shlibdeps. The headers of C and of C++ come with the cross compiler.
+# Does nothing where the sysroot is made of the same packages.
 set -eu
 cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.."
 exec </dev/null >&2
@@ -18,11 +19,9 @@ echo "Making ${sysroot#"$PWD/"} ..."
 rm -rf "$work"
 mkdir -p "$work"/apt/{state/lists,cache/archives}/partial
 
-# To apt the libraries of the compiler are installed.
-for package in libc6 libc6-dev libgcc-s1 libstdc++6; do
-    printf '%s\n' "Package: $package" "Status: install ok installed" "Architecture: armhf" "Multi-Arch: same" \
-        "Version: 999" "Provides: libc-dev" "Maintainer: none" "Description: with the cross compiler" ""
-done >"$work/apt/status"
+# To apt what the compiler has for development is installed.
+printf '%s\n' "Package: libc6-dev" "Status: install ok installed" "Architecture: armhf" "Multi-Arch: same" \
+    "Version: 999" "Provides: libc-dev" "Maintainer: none" "Description: with the cross compiler" "" >"$work/apt/status"
 
 aptGet() {
     apt-get -q -o APT::Architecture=armhf -o APT::Architectures=armhf -o Dir::State="$work/apt/state" \
@@ -35,8 +34,16 @@ if ! output=$(aptGet install -y --no-install-recommends --download-only "${packa
     echo "The packages of the 32-bit target could not be downloaded: ${packages[*]}"
     exit 1
 fi
+
+# dpkg-shlibdeps reads the folder DEBIAN above a library that no package has installed: which version of which package
+# has a symbol. What the packages are is for whoever tries the ones made here.
+mkdir -p "$work"/{DEBIAN,var/lib/dpkg}
 for archive in "$work"/apt/cache/archives/*.deb; do
     dpkg -x "$archive" "$work"
+    for file in symbols shlibs; do
+        dpkg-deb -I "$archive" $file >>"$work/DEBIAN/$file" 2>/dev/null || true
+    done
+    { dpkg-deb -f "$archive" && printf '%s\n' "Status: install ok installed" ""; } >>"$work/var/lib/dpkg/status"
 done
 rm -r "$work/apt"
 
@@ -44,10 +51,6 @@ rm -r "$work/apt"
 find "$work" -type l -lname '/*' -printf '%P\n' | while read -r link; do
     ln -sfnr "$work$(readlink "$work/$link")" "$work/$link"
 done
-
-# For the emulator, which looks for the loader and what it loads here.
-ln -s /usr/arm-linux-gnueabihf/lib/*.so.* "$work/lib/arm-linux-gnueabihf/"
-ln -s /usr/arm-linux-gnueabihf/lib/ld-linux-armhf.so.3 "$work/lib/"
 
 echo "$madeOf" >"$work/stamp"
 rm -rf "$sysroot"

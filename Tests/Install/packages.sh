@@ -1,11 +1,10 @@
 #!/bin/bash
 # Makes the Debian packages of a build and judges them, then installs them into an empty root, uses them there, and
 # upgrades and removes them: Tests/Install/packages.sh <build folder>
-# Needs the section packages of Tools/packages.txt.
+# Needs the section packages of Tools/packages.txt besides those that the build and its tests need.
 set -eu
 here=$(dirname "$(realpath "${BASH_SOURCE[0]}")")
 build=$(realpath "$1")
-version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt")
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 export LABSH_HOME=$scratch/data LC_ALL=C.UTF-8
@@ -28,9 +27,27 @@ quietly() {
     "$@" >"$scratch/log" 2>&1 || fail "$* ends with $?: $(<"$scratch/log")"
 }
 
+cached() {
+    sed -n "s/^$1:[A-Z]*=//p" "$build/CMakeCache.txt"
+}
+version=$(cached CMAKE_PROJECT_VERSION)
+
 quietly cpack --config "$build/CPackConfig.cmake" -B "$scratch/packages"
 cd "$scratch/packages"
-packages=(labsh_"$version"_*.deb liblabshell-dev_"$version"_*.deb labsh-doc_"$version"_all.deb)
+desk=$(dpkg --print-architecture)
+architecture=$(dpkg-deb -f labsh_*.deb Architecture)
+packages=(labsh_"$version"_"$architecture".deb liblabshell-dev_"$version"_"$architecture".deb labsh-doc_"$version"_all.deb)
+if [[ $architecture == "$desk" ]]; then
+    compiler=$(cached CMAKE_CXX_COMPILER)
+    database=/var/lib/dpkg
+    emulator=()
+else
+    sysroot=$(realpath "$build/../arm-sysroot")
+    compiler="arm-linux-gnueabihf-g++ --sysroot=$sysroot"
+    database=$sysroot/var/lib/dpkg
+    emulator=(qemu-arm -L "$sysroot")
+fi
+[[ $(printf '%s\n' *.deb | sort) == "$(printf '%s\n' "${packages[@]}" | sort)" ]] || fail "Other packages are made:" *.deb
 quietly lintian --fail-on error,warning "${packages[@]}"
 
 # The former version is the same but for its number and a file that the new one has no more.
@@ -39,26 +56,29 @@ sed -i "s/^Version: .*/Version: $version~former/" "$scratch/former/DEBIAN/contro
 touch "$scratch/former/usr/share/labsh/former"
 quietly dpkg-deb --root-owner-group -Zgzip -b "$scratch/former" "$scratch/former.deb"
 
-# To dpkg the libraries that the packages ask for are there, as they are on this machine, and nothing else is.
+# To dpkg the libraries that the packages ask for are there, as this machine or the sysroot has them, and nothing else is.
 mkdir -p "$root"/var/lib/dpkg/{info,updates}
-dpkg-deb -f "${packages[0]}" Depends | tr , '\n' | while read -r name _; do
-    dpkg-query -s "$name"
+printf '%s\n' "$desk" "$architecture" | uniq >"$root/var/lib/dpkg/arch"
+for package in "${packages[@]}"; do
+    dpkg-deb -f "$package" Depends
+done | tr , '\n' | awk 'NF && $1 != "labsh" && !asked[$1]++ { print $1 }' | while read -r name; do
+    dpkg-query --admindir="$database" -s "$name:$architecture"
     echo
-    touch "$root/var/lib/dpkg/info/$name"{,:"$(dpkg --print-architecture)"}.list
+    touch "$root/var/lib/dpkg/info/$name"{,:"$architecture"}.list
 done >"$root/var/lib/dpkg/status"
 inRoot() {
-    quietly fakeroot dpkg --root="$root" --force-not-root --force-unsafe-io --log="$scratch/dpkg.log" "$@"
+    quietly fakeroot dpkg --root="$root" --force-not-root --force-unsafe-io \
+        --log="$scratch/dpkg.log" "$@"
 }
 
 inRoot -i "$scratch/former.deb"
 inRoot -i "${packages[@]}"
 [[ ! -e $root/usr/share/labsh/former ]] || fail "A file of the former version is left"
-expect "labsh $version" "$root/usr/bin/labsh" --version
-expect 42 "$root/usr/bin/labsh" 'Calc 6*7'
+"$here/use.sh" "$root/usr" "$version" "$compiler" "${emulator[@]}"
 expect "bench shell of a laboratory instrument" man -P cat -M "$root/usr/share/man" labsh
 quietly "$here/completion.sh" "$root/usr/share/bash-completion/completions/labsh" \
     "$root/usr/share/zsh/vendor-completions/_labsh" "$root/usr/share/fish/vendor_completions.d/labsh.fish"
 
-inRoot --purge labsh liblabshell-dev labsh-doc
-left=$(find "$root" -path "$root/var" -prune -o ! -type d -print)
+inRoot --purge "${packages[@]%%_*}"
+left=$(find "$root" -mindepth 1 -path "$root/var" -prune -o -print)
 [[ ! $left ]] || fail "Left after the removal: $left"
