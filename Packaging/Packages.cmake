@@ -51,4 +51,25 @@ A tutorial, the language, the commands and the errors of labsh, scripts to
 start from, and examples of a plug-in and of a program that evaluates
 expressions.")
 
+# For the one version of Python that the module is built for.
+if(TARGET PythonModule)
+    add_dependencies(Packages PythonModule)
+    list(APPEND CPACK_COMPONENTS_ALL python)
+    foreach(part IN ITEMS MAJOR MINOR)
+        get_directory_property(${part} DIRECTORY ${PROJECT_SOURCE_DIR}/Python DEFINITION Python3_VERSION_${part})
+    endforeach()
+    math(EXPR next "${MINOR} + 1")
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-labshell)
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+    set(CPACK_DEBIAN_PYTHON_DESCRIPTION "expressions and commands of the bench shell, from Python
+Evaluates expressions and runs command lines and scripts of a laboratory
+instrument in the process of Python, with values, exceptions and tables that
+are Python's. Functions written in Python can be called by expressions.")
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS ON)
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
+        "labsh (= ${PROJECT_VERSION}), python3 (>= ${MAJOR}.${MINOR}), python3 (<< ${MAJOR}.${next}~)")
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS labsh-doc)
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_SOURCE_DIR}/prerm)
+endif()
+
 include(CPack)

@@ -38,6 +38,7 @@ desk=$(dpkg --print-architecture)
 architecture=$(dpkg-deb -f labsh_*.deb Architecture)
 packages=(labsh_"$version"_"$architecture".deb liblabshell-dev_"$version"_"$architecture".deb labsh-doc_"$version"_all.deb)
 if [[ $architecture == "$desk" ]]; then
+    packages+=(python3-labshell_"$version"_"$architecture".deb)
     compiler=$(cached CMAKE_CXX_COMPILER)
     database=/var/lib/dpkg
     emulator=()
@@ -67,7 +68,7 @@ done | tr , '\n' | awk 'NF && $1 != "labsh" && !asked[$1]++ { print $1 }' | whil
     touch "$root/var/lib/dpkg/info/$name"{,:"$architecture"}.list
 done >"$root/var/lib/dpkg/status"
 inRoot() {
-    quietly fakeroot dpkg --root="$root" --force-not-root --force-unsafe-io \
+    quietly fakeroot dpkg --root="$root" --force-not-root --force-script-chrootless --force-unsafe-io \
         --log="$scratch/dpkg.log" "$@"
 }
 
@@ -78,6 +79,13 @@ inRoot -i "${packages[@]}"
 expect "bench shell of a laboratory instrument" man -P cat -M "$root/usr/share/man" labsh
 quietly "$here/completion.sh" "$root/usr/share/bash-completion/completions/labsh" \
     "$root/usr/share/zsh/vendor-completions/_labsh" "$root/usr/share/fish/vendor_completions.d/labsh.fish"
+
+# Root has left compiled files beside the module of Python; its tests leave none.
+if ((!${#emulator[@]})); then
+    modules=$root/usr/lib/python3/dist-packages
+    [[ -d $modules/labshell/__pycache__ ]] || fail "Python has left nothing that is to be removed"
+    PYTHONPATH=$modules quietly /usr/bin/python3 -B -m pytest -q -p no:cacheprovider "$here/../Python"
+fi
 
 inRoot --purge "${packages[@]%%_*}"
 left=$(find "$root" -mindepth 1 -path "$root/var" -prune -o -print)
