@@ -51,7 +51,8 @@ cd "$prefix/share/doc/labsh/Examples"
 for example in Embedding Plugin; do
     {
         CXX="${compiler[*]}" cmake -G Ninja -S $example -B "$scratch/$example" \
-            -D CMAKE_PREFIX_PATH="$prefix" -D CMAKE_CXX_FLAGS="-Wall -Wextra -Werror" &&
+            -D CMAKE_PREFIX_PATH="$prefix" -D CMAKE_CXX_FLAGS="-Wall -Wextra -Werror" \
+            -D CMAKE_CROSSCOMPILING_EMULATOR="$(IFS=\; && echo "${emulator[*]}")" &&
             cmake --build "$scratch/$example"
     } >"$scratch/log" 2>&1 || fail "$example: $(<"$scratch/log")"
 done
