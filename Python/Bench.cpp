@@ -103,7 +103,7 @@ static py::object ReadItem(const StatusValue& item)
 /// The type of a new item.
 static StatusType ChooseType(py::handle value)
 {
-    if (PyBool_Check(value.ptr()))
+    if (IsTruth(value))
         return ST_Bool;
     if (PyUnicode_Check(value.ptr()))
         return ST_String;
@@ -151,8 +151,6 @@ WStringArray StatusTableOfBench::GetNames()
     System::status.GetNames(names);
     return names;
 }
-
-ConfigTable::ConfigTable(const py::str& section) : section(ToText(section)) {}
 
 py::object ConfigTable::Get(const WString& name)
 {

@@ -37,7 +37,7 @@ public:
 class ConfigTable : public BenchTable
 {
 public:
-    explicit ConfigTable(const py::str& section);
+    explicit ConfigTable(const WString& section) : section(section) {}
     py::object Get(const WString& name) override;
     void Set(const WString& name, py::handle value) override;
     bool TryDelete(const WString& name) override;

@@ -1,27 +1,39 @@
 #include "Conversions.h"
 
+#include <algorithm>
+#include <cmath>
 #include <memory>
 #include <string_view>
+
+/// What Python's interface has made; null stands for its exception.
+static PyObject* Require(PyObject* made)
+{
+    if (!made)
+        throw py::error_already_set();
+    return made;
+}
 
 static WString ToWide(PyObject* text)
 {
     constexpr Py_ssize_t few = 128; // that need no memory of their own
     wchar_t characters[few];
-    if (PyUnicode_GetLength(text) <= few) {
-        const Py_ssize_t length = PyUnicode_AsWideChar(text, characters, few);
-        if (length < 0)
-            throw py::error_already_set();
+    Py_ssize_t length = PyUnicode_GetLength(text);
+    if (length <= few && PyUnicode_KIND(text) == PyUnicode_1BYTE_KIND) {
+        std::copy_n(PyUnicode_1BYTE_DATA(text), length, characters);
         return WString(characters, static_cast<std::size_t>(length));
     }
-    Py_ssize_t length = 0;
     const std::unique_ptr<wchar_t, decltype(&PyMem_Free)> copy(PyUnicode_AsWideCharString(text, &length), PyMem_Free);
     if (!copy)
         throw py::error_already_set();
     return WString(copy.get(), static_cast<std::size_t>(length));
 }
 
-WString ToText(const py::str& text)
+WString ToText(py::handle text)
 {
+    if (!PyUnicode_Check(text.ptr())) {
+        PyErr_Format(PyExc_TypeError, "must be str, not %.200s", Py_TYPE(text.ptr())->tp_name);
+        throw py::error_already_set();
+    }
     WString wide = ToWide(text.ptr());
     if (wide.View().find(L'\0') != std::wstring_view::npos)
         throw py::value_error("embedded null character");
@@ -30,10 +42,8 @@ WString ToText(const py::str& text)
 
 py::str ToPython(const WString& text)
 {
-    PyObject* const converted = PyUnicode_FromWideChar(text.ToCString(), static_cast<Py_ssize_t>(text.Length()));
-    if (!converted)
-        throw py::error_already_set();
-    return py::reinterpret_steal<py::str>(converted);
+    return py::reinterpret_steal<py::str>(
+        Require(PyUnicode_FromWideChar(text.ToCString(), static_cast<Py_ssize_t>(text.Length()))));
 }
 
 py::list ToPython(const WStringArray& texts)
@@ -69,8 +79,7 @@ py::object ReadValue(const WString& text)
     return ToPython(text);
 }
 
-/// What a comparison of NumPy's values gives is a number to Python, but meant as a boolean.
-static bool IsTruth(py::handle value)
+bool IsTruth(py::handle value)
 {
     return PyBool_Check(value.ptr()) || std::string_view(Py_TYPE(value.ptr())->tp_name).starts_with("numpy.bool");
 }
@@ -88,7 +97,7 @@ void SetValue(EEToken& token, py::handle value)
     if (IsTruth(value))
         token.SetValue(PyObject_IsTrue(value.ptr()) == 1);
     else if (PyUnicode_Check(value.ptr()))
-        token.SetValue(ToText(py::reinterpret_borrow<py::str>(value)));
+        token.SetValue(ToText(value));
     else
         token.SetValue(ToNumber(value));
 }
@@ -98,8 +107,11 @@ WString WriteValue(py::handle value)
     if (IsTruth(value))
         return PyObject_IsTrue(value.ptr()) == 1 ? L"true" : L"false";
     if (PyUnicode_Check(value.ptr()))
-        return ToText(py::reinterpret_borrow<py::str>(value));
+        return ToText(value);
     if (PyLong_Check(value.ptr()))
-        return ToText(py::str(value));
-    return ToText(py::repr(py::float_(ToNumber(value))));
+        return ToText(py::reinterpret_steal<py::object>(Require(PyNumber_ToBase(value.ptr(), 10))));
+    const double number = ToNumber(value);
+    if (!std::isfinite(number))
+        throw py::value_error("the number is not finite");
+    return ToText(py::repr(py::float_(number)));
 }

@@ -10,8 +10,9 @@ namespace py = pybind11;
 
 // Texts and values on their way between Python and the evaluator. For a thread that holds Python's lock.
 
-/// Throws ValueError for a text with a null character, which would end an expression before its end.
-WString ToText(const py::str& text);
+/// Throws TypeError for what is no str, ValueError for a text with a null character, which would end an expression
+/// before its end.
+WString ToText(py::handle text);
 py::str ToPython(const WString& text);
 py::list ToPython(const WStringArray& texts);
 
@@ -20,7 +21,10 @@ py::object ToPython(const EEToken& token);
 /// The value that the text of a setting or a variable of commands is to an expression.
 py::object ReadValue(const WString& text);
 
+/// Whether it is a bool, or what a comparison of NumPy's values gives.
+bool IsTruth(py::handle value);
 /// Takes a bool, a str, and whatever Python takes for a number; throws TypeError for anything else.
 void SetValue(EEToken& token, py::handle value);
-/// The value as the text of a setting or a variable of commands.
+/// The value as the text of a setting or a variable of commands. Throws ValueError for a number that is not finite,
+/// which would be read as a text.
 WString WriteValue(py::handle value);

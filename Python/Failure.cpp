@@ -3,9 +3,10 @@
 #include "ExpressionEvaluatorException.h"
 #include "Text/HostError.h"
 
+#include <new>
 #include <utility>
 
-/// An object of Python or null; what is left of it when the thread ends stays, for Python may have ended before.
+/// An object of Python or null.
 static thread_local PyObject* kept_lc = nullptr;
 
 static py::object TakeKept()
@@ -47,12 +48,36 @@ void Failure::RaiseMade(const char* exceptionClass, const ExitCode& code, const 
 
 void Failure::Keep(py::error_already_set& exception)
 {
-    Forget();
+    TakeKept();
     PyException_SetTraceback(exception.value().ptr(), exception.trace() ? exception.trace().ptr() : Py_None);
     kept_lc = exception.value().inc_ref().ptr();
 }
 
-void Failure::Forget()
+Failure::Scope::Scope() : outer(std::exchange(kept_lc, nullptr)) {}
+
+Failure::Scope::~Scope()
 {
-    TakeKept();
+    Py_XDECREF(std::exchange(kept_lc, outer));
+}
+
+void Failure::Translate(const std::exception_ptr& thrown)
+try {
+    std::rethrow_exception(thrown);
+} catch (const HostException& failure) {
+    Raise("Error", failure, ToPython(failure.GetMessage()));
+} catch (const ExitCode& code) {
+    Raise("Error", code, py::str());
+}
+
+void Failure::Restore() noexcept
+try {
+    Translate(std::current_exception());
+} catch (py::error_already_set& raised) {
+    raised.restore();
+} catch (const py::builtin_exception& raised) {
+    raised.set_error();
+} catch (const std::bad_alloc&) {
+    PyErr_NoMemory();
+} catch (const std::exception& failure) {
+    PyErr_SetString(PyExc_RuntimeError, failure.what());
 }

@@ -64,7 +64,8 @@ static WString Describe(const py::error_already_set& exception)
 
 void PythonFunction::Redefine(const Definition& newDefinition)
 {
-    Py_DECREF(definition.callable);
+    const py::object former =
+        py::reinterpret_steal<py::object>(definition.callable); // which may do anything at its end
     definition = newDefinition;
 }
 

@@ -4,8 +4,8 @@
 #include "Failure.h"
 #include "Functions.h"
 #include "Runs.h"
-#include "Session.h"
-#include "Tables.h"
+#include "SessionType.h"
+#include "TableType.h"
 #include "Text/HostError.h"
 
 #include <dlfcn.h>
@@ -47,87 +47,39 @@ static PyObject* RequireMainInterpreter(PyObject*, PyObject*)
     return nullptr;
 }
 
-/// A failure of the host outside of commands and evaluations.
-static void Translate(std::exception_ptr thrown)
+static void TranslateToPython(std::exception_ptr thrown) // NOLINT(performance-unnecessary-value-param)
 try {
-    try {
-        std::rethrow_exception(thrown);
-    } catch (const HostException& failure) {
-        Failure::Raise("Error", failure, ToPython(failure.GetMessage()));
-    } catch (const ExitCode& code) {
-        Failure::Raise("Error", code, py::str());
-    }
+    if (thrown)
+        Failure::Translate(thrown);
 } catch (py::error_already_set& raised) {
     raised.restore();
 }
 
-[[noreturn]] static void RaiseKeyError(const py::str& name)
+static py::list OpenBench(const std::string& dataFolder, const std::string& profileFolder)
 {
-    PyErr_SetObject(PyExc_KeyError, name.ptr());
-    throw py::error_already_set();
-}
-
-static py::object GetItem(Table& table, const py::str& name)
-{
-    py::object value = table.Get(ToText(name));
-    if (!value)
-        RaiseKeyError(name);
-    return value;
-}
-
-static void DeleteItem(Table& table, const py::str& name)
-{
-    if (!table.TryDelete(ToText(name)))
-        RaiseKeyError(name);
-}
-
-static void BindTables(py::module_& module)
-{
-    py::class_<Table>(module, "Table")
-        .def("__getitem__", GetItem)
-        .def("__setitem__",
-            [](Table& table, const py::str& name, const py::object& value) { table.Set(ToText(name), value); })
-        .def("__delitem__", DeleteItem)
-        .def("__contains__", [](Table& table, const py::str& name) { return bool(table.Get(ToText(name))); })
-        .def("names", [](Table& table) { return ToPython(table.GetNames()); });
-    py::class_<VariableTable, Table>(module, "VariableTable").def(py::init<Session&>(), py::keep_alive<1, 2>());
-    py::class_<EnvironmentTable, Table>(module, "EnvironmentTable").def(py::init<Session&>(), py::keep_alive<1, 2>());
-    py::class_<StatusTableOfBench, Table>(module, "StatusTable").def(py::init<>());
-    py::class_<ConfigTable, Table>(module, "ConfigTable").def(py::init<const py::str&>()).def_static("sections", [] {
-        return ToPython(ConfigTable::GetSections());
-    });
-    py::class_<UsageTable, Table>(module, "UsageTable").def(py::init<>());
-    py::class_<EventTable, Table>(module, "EventTable").def(py::init<>());
-}
-
-static void BindSession(py::module_& module)
-{
-    py::class_<Session>(module, "Session")
-        .def(py::init<unsigned int, bool>())
-        .def("evaluate", &Session::Evaluate, py::arg("expression"),
-            "The value of the expression: a float, a bool or a str.")
-        .def("__call__", &Session::Evaluate, py::arg("expression"))
-        .def("_run", &Session::Run)
-        .def("_trace", &Session::GetTrace);
-    module.attr("NO_CONSTANT_E") = EvaluatorFlags::noConstantE;
-    module.attr("TRACE") = EvaluatorFlags::traceVariables;
-    module.attr("READ_NOTHING") = EvaluatorFlags::readNothing;
+    if ((dataFolder + profileFolder).find('\0') != std::string::npos)
+        throw py::value_error("embedded null character");
+    return ToPython(Bench::Open(dataFolder, profileFolder));
 }
 
 static void Bind(py::module_& module)
 {
     module.doc() = "What the package labshell is made of.";
     LoadPlugin();
-    py::register_exception_translator(Translate);
-    BindSession(module);
-    BindTables(module);
-    module.def("open_bench", [](const std::string& dataFolder, const std::string& profileFolder) {
-        return ToPython(Bench::Open(dataFolder, profileFolder));
-    });
+    module.attr("PROFILE") = py::bytes(std::filesystem::absolute(GetPluginFolder() / "Profile").string());
+    py::register_exception_translator(TranslateToPython);
+    module.attr("NO_CONSTANT_E") = EvaluatorFlags::noConstantE;
+    module.attr("TRACE") = EvaluatorFlags::traceVariables;
+    module.attr("READ_NOTHING") = EvaluatorFlags::readNothing;
+    SessionType::AddTo(module);
+    TableType::AddTo(module);
+    module.def("get_sections", [] { return ToPython(ConfigTable::GetSections()); });
+    module.def("open_bench", OpenBench);
     module.def("close_bench", Bench::Close);
     module.def("add_function", Functions::Add);
     module.def("abort", LongRun::Abort);
     module.def("end_all", LongRun::EndAll);
+    module.def("leave_other_threads", LongRun::LeaveOtherThreads);
 }
 
 static PyMethodDef ownFunctions_lc[] = {

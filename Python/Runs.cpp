@@ -6,8 +6,16 @@
 #include <csignal>
 #include <thread>
 
-static unsigned int running_lc = 0;
-static unsigned int longRuns_lc = 0;
+namespace {
+struct Counts
+{
+    unsigned int running = 0;
+    unsigned int longRuns = 0;
+};
+} // namespace
+
+static Counts all_lc;
+static thread_local Counts own_lc; // what of it this thread runs
 static bool isEnding_lc = false;
 static struct sigaction former_lc = {};
 
@@ -37,19 +45,27 @@ static void ReleaseInterrupt()
         sigaction(SIGINT, &former_lc, nullptr);
 }
 
+static void EndInterrupts()
+{
+    ReleaseInterrupt();
+    Abort::Clear();
+}
+
 Running::Running()
 {
-    ++running_lc;
+    ++all_lc.running;
+    ++own_lc.running;
 }
 
 Running::~Running()
 {
-    --running_lc;
+    --all_lc.running;
+    --own_lc.running;
 }
 
 void Running::RequireNone(const char* what)
 {
-    if (running_lc == 0)
+    if (all_lc.running == 0)
         return;
     PyErr_Format(PyExc_RuntimeError, "%s while an expression or a command runs", what);
     throw py::error_already_set();
@@ -61,23 +77,23 @@ LongRun::LongRun()
         PyErr_SetString(PyExc_RuntimeError, "Python is ending");
         throw py::error_already_set();
     }
-    if (longRuns_lc++ == 0)
+    if (all_lc.longRuns++ == 0)
         CatchInterrupt();
+    ++own_lc.longRuns;
     release.emplace();
 }
 
 LongRun::~LongRun()
 {
     release.reset();
-    if (--longRuns_lc == 0) {
-        ReleaseInterrupt();
-        ::Abort::Clear();
-    }
+    --own_lc.longRuns;
+    if (--all_lc.longRuns == 0)
+        EndInterrupts();
 }
 
 void LongRun::Abort() noexcept
 {
-    if (longRuns_lc > 0)
+    if (all_lc.longRuns > 0)
         ::Abort::Request();
 }
 
@@ -85,9 +101,17 @@ void LongRun::EndAll()
 {
     constexpr int patience = 400; // of 5 ms
     isEnding_lc = true;
-    for (int i = 0; i < patience && running_lc > 0; ++i) {
+    for (int i = 0; i < patience && all_lc.running > 0; ++i) {
         Abort();
         const py::gil_scoped_release others;
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
+}
+
+void LongRun::LeaveOtherThreads() noexcept
+{
+    const bool others = all_lc.longRuns > own_lc.longRuns;
+    all_lc = own_lc;
+    if (others && own_lc.longRuns == 0)
+        EndInterrupts();
 }

@@ -35,6 +35,8 @@ public:
     static void Abort() noexcept;
     /// Ends all of them for good and waits, for Python would end their threads in the middle.
     static void EndAll();
+    /// In a process that was forked off, where no other thread lives on.
+    static void LeaveOtherThreads() noexcept;
 
 private:
     const Running running;

@@ -18,11 +18,17 @@ Session::Turn::Turn(Session& session) : lock(session.mutex, std::try_to_lock)
     lock.lock();
 }
 
-Session::Session(unsigned int flags, bool readsEnvironment)
-    : map(variableBuckets), evaluator(readsEnvironment, environment, nullptr, L"", flags)
+Session::Session(bool readsEnvironment)
+    : map(variableBuckets), evaluator(readsEnvironment, environment, nullptr, L"", 0)
 {
     evaluator.Clear(); // which gives names their usual characters
     evaluator.SetVariableMap(&map);
+}
+
+void Session::AddFlags(unsigned int flags)
+{
+    const Turn turn(*this);
+    evaluator.AddFlags(flags);
 }
 
 py::object Session::Evaluate(const py::str& expression)
@@ -30,9 +36,9 @@ py::object Session::Evaluate(const py::str& expression)
     const WString text = ToText(expression);
     const Running running;
     const Turn turn(*this);
+    const Failure::Scope failures;
     EEToken result;
     bool isEvaluated = false;
-    Failure::Forget();
     evaluator.ClearVariableTrace();
     if (text.Length() <= shortExpression) {
         isEvaluated = evaluator.TryEvaluate(text, result);
@@ -66,9 +72,9 @@ py::str Session::Run(const py::str& line)
     const WString text = ToText(line);
     const Running running;
     const Turn turn(*this);
+    const Failure::Scope failures;
     ArrayPipe output;
     CommandRunner::Outcome outcome;
-    Failure::Forget();
     {
         const LongRun run;
         outcome = CommandRunner::Run(text, output, environment, 0);

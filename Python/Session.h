@@ -13,8 +13,11 @@
 class Session
 {
 public:
-    /// The flags are EvaluatorFlags; `readsEnvironment` lets expressions see what commands set.
-    Session(unsigned int flags, bool readsEnvironment);
+    /// `readsEnvironment` lets expressions see what commands set.
+    explicit Session(bool readsEnvironment);
+
+    /// Adds EvaluatorFlags.
+    void AddFlags(unsigned int flags);
 
     /// Throws labshell.Error.
     py::object Evaluate(const py::str& expression);

@@ -3,6 +3,9 @@
 #include "Conversions.h"
 #include "Session.h"
 
+#include <memory>
+#include <utility>
+
 /// Named values, as a mapping of Python wants them.
 class Table
 {
@@ -20,30 +23,30 @@ public:
     virtual WStringArray GetNames() = 0;
 };
 
-/// The variables of a session's evaluator. The session outlives it.
+/// The variables of a session's evaluator.
 class VariableTable : public Table
 {
 public:
-    explicit VariableTable(Session& session) : session(session) {}
+    explicit VariableTable(std::shared_ptr<Session> session) : session(std::move(session)) {}
     py::object Get(const WString& name) override;
     void Set(const WString& name, py::handle value) override;
     bool TryDelete(const WString& name) override;
     WStringArray GetNames() override;
 
 private:
-    Session& session;
+    const std::shared_ptr<Session> session;
 };
 
-/// The variables of the commands that a session runs. The session outlives it.
+/// The variables of the commands that a session runs.
 class EnvironmentTable : public Table
 {
 public:
-    explicit EnvironmentTable(Session& session) : session(session) {}
+    explicit EnvironmentTable(std::shared_ptr<Session> session) : session(std::move(session)) {}
     py::object Get(const WString& name) override;
     void Set(const WString& name, py::handle value) override;
     bool TryDelete(const WString& name) override;
     WStringArray GetNames() override;
 
 private:
-    Session& session;
+    const std::shared_ptr<Session> session;
 };

@@ -9,6 +9,7 @@
 
 import atexit
 import inspect
+import os
 
 from . import _labshell
 
@@ -21,36 +22,35 @@ from ._values import Values
 __all__ = ["Bench", "CommandError", "Error", "Evaluator", "ExitCode", "Values", "abort", "evaluate", "function", "run"]
 
 atexit.register(_labshell.end_all)
+os.register_at_fork(after_in_child=_labshell.leave_other_threads)
 for _class in (Bench, CommandError, Error, ExitCode, Values):
     _class.__module__ = __name__  # where users find it
 
 
 class Evaluator(_labshell.Session):
-    """Evaluates expressions: ev("a*2"), with variables that stay.
+    """Evaluates expressions: ev("a*2"), or ev.evaluate("a*2"), with variables that stay.
 
     e_is_constant  whether the name e is 2.718...
     trace          whether the property trace tells what the last evaluation has read
     instrument     whether status values, settings, counters, time and random numbers can be read
     """
 
-    __slots__ = ()
-
-    def __new__(cls, variables=None, *, e_is_constant=True, trace=False, instrument=True):
-        flags = 0 if e_is_constant else _labshell.NO_CONSTANT_E
-        flags |= _labshell.TRACE if trace else 0
-        flags |= 0 if instrument else _labshell.READ_NOTHING
-        self = super().__new__(cls)
-        _labshell.Session.__init__(self, flags, False)
-        return self
+    __slots__ = ("__weakref__",)
 
     def __init__(self, variables=None, *, e_is_constant=True, trace=False, instrument=True):
+        if not e_is_constant:
+            self._add_flags(_labshell.NO_CONSTANT_E)
+        if trace:
+            self._add_flags(_labshell.TRACE)
+        if not instrument:
+            self._add_flags(_labshell.READ_NOTHING)
         if variables is not None:
             self.variables.update(variables)
 
     @property
     def variables(self):
         """The variables: floats, bools and strs by name, in any case."""
-        return Values(_labshell.VariableTable(self))
+        return Values("variables", self)
 
     @property
     def trace(self):
@@ -69,9 +69,9 @@ def evaluate(expression, variables=None):
 def run(line, variables=None):
     """Runs a command line with these variables, on the bench that is open if there is one, and returns what it wrote. A
     failure is a CommandError."""
-    session = _labshell.Session(0, True)
+    session = _labshell.make_command_session()
     if variables is not None:
-        Values(_labshell.EnvironmentTable(session)).update(variables)
+        Values("environment", session).update(variables)
     return session._run(line)
 
 
@@ -104,7 +104,7 @@ def function(definition=None, *, name=None):
     again, the last definition counts. It is to be defined while nothing runs.
     """
     def add(definition):
-        _labshell.add_function(name or definition.__name__, definition, *_count_arguments(definition))
+        _labshell.add_function(definition.__name__ if name is None else name, definition, *_count_arguments(definition))
         return definition
 
     return add if definition is None else add(definition)

@@ -10,8 +10,6 @@ import weakref
 from . import _labshell
 from ._values import Sections, Values
 
-_PROFILE = os.path.join(os.path.dirname(__file__), "Profile")
-
 
 def _close(pid, folder):
     """A process that was forked off leaves the bench to the one that has opened it."""
@@ -33,7 +31,7 @@ class Bench:
         self.folder = tempfile.mkdtemp(prefix="labshell-") if folder is None else os.fspath(folder)
         temporary = self.folder if folder is None else None
         try:
-            reports = _labshell.open_bench(self.folder, os.fspath(profile or _PROFILE))
+            reports = _labshell.open_bench(os.fsencode(self.folder), os.fsencode(profile or _labshell.PROFILE))
         except BaseException:
             if temporary:
                 shutil.rmtree(temporary, ignore_errors=True)
@@ -42,7 +40,7 @@ class Bench:
         self._finalizer = weakref.finalize(self, _close, self._pid, temporary)
         atexit.unregister(_labshell.end_all)
         atexit.register(_labshell.end_all)  # before the finalizer, which nothing may disturb
-        self._session = _labshell.Session(0, True)
+        self._session = _labshell.make_command_session()
         for report in reports:
             warnings.warn(report, RuntimeWarning, stacklevel=2)
 
@@ -80,12 +78,12 @@ class Bench:
     @property
     def variables(self):
         """The variables of the commands. They are texts, whose values here are those that expressions see."""
-        return Values(_labshell.EnvironmentTable(self._session))
+        return Values("environment", self._session)
 
     @property
     def status(self):
         """The status values: a bool, float, int or str, an ExitCode, or None for a text that cannot be made up."""
-        return Values(_labshell.StatusTable())
+        return Values("status")
 
     @property
     def config(self):
@@ -95,9 +93,9 @@ class Bench:
     @property
     def usage(self):
         """The counters, whole numbers."""
-        return Values(_labshell.UsageTable())
+        return Values("usage")
 
     @property
     def events(self):
         """The events, whole numbers of 32 bits. All benches of the user share them; their names have a case."""
-        return Values(_labshell.EventTable())
+        return Values("events")

@@ -5,34 +5,13 @@ from collections.abc import Mapping, MutableMapping
 from . import _labshell
 
 
-class Values(MutableMapping):
+class Values(_labshell.Table, MutableMapping):
     """Values by name, in any case; a name keeps the spelling that it had first."""
 
-    __slots__ = ("_table",)
-
-    def __init__(self, table):
-        self._table = table
-
-    def __getitem__(self, name):
-        return self._table[name]
-
-    def __setitem__(self, name, value):
-        self._table[name] = value
-
-    def __delitem__(self, name):
-        del self._table[name]
-
-    def __contains__(self, name):
-        return isinstance(name, str) and name in self._table
-
-    def __iter__(self):
-        return iter(self._table.names())
-
-    def __len__(self):
-        return len(self._table.names())
+    __slots__ = ()
 
     def clear(self):
-        for name in self._table.names():
+        for name in self:
             self.pop(name, None)
 
     def __repr__(self):
@@ -45,16 +24,16 @@ class Sections(Mapping):
     __slots__ = ()
 
     def __getitem__(self, section):
-        return Values(_labshell.ConfigTable(section))
+        return Values("config", section)
 
     def __contains__(self, section):
         return isinstance(section, str) and any(section.lower() == name.lower() for name in self)
 
     def __iter__(self):
-        return iter(_labshell.ConfigTable.sections())
+        return iter(_labshell.get_sections())
 
     def __len__(self):
-        return len(_labshell.ConfigTable.sections())
+        return len(_labshell.get_sections())
 
     def __repr__(self):
         return f"{type(self).__name__}({ {name: dict(self[name]) for name in self}!r})"

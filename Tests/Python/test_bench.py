@@ -1,4 +1,6 @@
+import math
 import os
+import pickle
 import signal
 import threading
 import time
@@ -17,6 +19,8 @@ def test_commands_write_and_fail():
         labshell.run("calc 1/0")
     error = raised.value
     assert (error.code, error.message, error.line) == (ExitCode(1043, 505, 133), "Divide by zero", "calc 1/0")
+    again = pickle.loads(pickle.dumps(error))
+    assert vars(again) == vars(error) and str(again) == str(error)
     assert error.output == "Error:\n  Divide by zero\n  1/0\n    ^" and str(error) == "1043:505:133 Divide by zero"
     with pytest.raises(CommandError, match=r"0:1:2 Unknown command: Clc \(did you mean Calc\?\)"):
         labshell.run("Clc 1")
@@ -42,7 +46,7 @@ def test_a_bench_holds_what_commands_read_and_set(bench):
     assert config["detection"]["maxlight"] == 4095.0 and config["Detection"]["Filter"] == "Green 530"
     config["Lab"]["Ready"] = True
     assert bench.evaluate("%C{Lab Ready}") is True and "lab" in config and list(config)[-1] == "Lab"
-    for section, key, value in [("Lab", "a=b", 1), ("La]b", "a", 1), ("Lab", "a", "x\ny"), ("", "a", 1), ("Lab", "", 1)]:
+    for section, key, value in [("Lab", "a", math.inf), ("Lab", "a=b", 1), ("La]b", "a", 1), ("Lab", "a", "x\ny"), ("", "a", 1), ("Lab", "", 1)]:
         with pytest.raises(ValueError):
             config[section][key] = value
 
@@ -59,6 +63,8 @@ def test_a_bench_holds_what_commands_read_and_set(bench):
     del usage["Door"], events["Go"]
     assert dict(usage) == {} and dict(events) == {}
 
+    with pytest.raises(ValueError, match="not finite"):
+        bench.variables["x"] = math.nan
     bench.variables["x"] = 5
     assert bench.run("Set y=x+1") is not None and bench.evaluate("x+y") == 11.0
     assert dict(bench.variables) == {"x": 5.0, "y": 6.0}
@@ -66,13 +72,15 @@ def test_a_bench_holds_what_commands_read_and_set(bench):
 
 def test_data_stay_in_a_folder_of_their_own_and_go_away_in_a_temporary_one(tmp_path):
     for temperature in (36.8, 41.0):
-        with Bench(tmp_path / "data") as bench:
-            assert bench.status["TempOptics"] == temperature and os.path.samefile(bench.folder, tmp_path / "data")
+        with Bench(tmp_path / "data\udcff") as bench:
+            assert bench.status["TempOptics"] == temperature and os.path.samefile(bench.folder, tmp_path / "data\udcff")
             bench.status["TempOptics"] = 41
     with Bench() as bench:
         folder = bench.folder
         assert os.path.isfile(folder + "/Config.ini") and bench.status["TempOptics"] == 36.8
     assert not os.path.exists(folder)
+    with pytest.raises(ValueError, match="null character"):
+        Bench("a\0b")
 
 
 def test_damaged_data_are_warned_of(tmp_path):

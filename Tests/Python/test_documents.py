@@ -22,6 +22,13 @@ def test_the_examples_of_the_page_run_as_they_stand(tmp_path, monkeypatch):
     assert len(test.examples) > 15 and runner.failures == 0, "".join(report)
 
 
+def test_the_tests_of_the_page_pass(tmp_path, in_process):
+    page = (ROOT / "Docs/Python.md").read_text()
+    (tmp_path / "test_page.py").write_text(re.search(r"^```python\n(.*?)^```", page, re.DOTALL | re.MULTILINE)[1])
+    status, output, errors = in_process(f"import pytest; raise SystemExit(pytest.main(['-q', '-p', 'no:cacheprovider', {str(tmp_path)!r}]))")
+    assert status == 0 and re.search(r"^\d+ passed", output, re.MULTILINE), output + errors
+
+
 def members(node):
     return {child.name if isinstance(child, ast.FunctionDef) else child.target.id: child for child in node.body
             if isinstance(child, ast.FunctionDef) or (isinstance(child, ast.AnnAssign) and isinstance(child.target, ast.Name))}

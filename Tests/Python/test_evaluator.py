@@ -44,8 +44,8 @@ def test_errors_tell_code_message_and_place(expression, code, message, position,
     assert (str(error.code), error.message, error.position, error.text) == (code, message, position, expression)
     assert error.caret == caret
     assert str(error) == f"{code} {message}" + (f"\n{caret}" if caret else "")
-    again = pickle.loads(pickle.dumps(error))
-    assert (str(again), again.args, type(again)) == (str(error), error.args, Error)
+    for again in (pickle.loads(pickle.dumps(error)), copy.copy(error), copy.deepcopy(error)):
+        assert (str(again), again.args, type(again), type(again.code)) == (str(error), error.args, Error, labshell.ExitCode)
 
 
 def test_variables_are_a_mapping_without_regard_to_case():
@@ -63,12 +63,12 @@ def test_variables_are_a_mapping_without_regard_to_case():
         del ev.variables["speed"]
     with pytest.raises(Error, match="Missing variable: speed"):
         ev("speed")
+    assert ev.variables.setdefault("n", 1) == 1.0 and ev.variables.popitem() == ("n", 1.0)
+    assert ev.variables == {"name": "A7", "ready": True} and repr(ev.variables) == "Values({'name': 'A7', 'ready': True})"
     ev.variables.clear()
-    assert dict(ev.variables) == {} and repr(ev) == "Evaluator({})"
+    assert ev.variables == {} and repr(ev) == "Evaluator({})"
     ev.variables.update(e=1)
     assert ev("e") == 1.0
-
-
 
 
 @pytest.mark.parametrize("given, value", [

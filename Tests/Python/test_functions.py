@@ -29,6 +29,11 @@ class Mute(Exception):
 
 
 @labshell.function
+def Py_Ask(expression):
+    return labshell.evaluate(expression)
+
+
+@labshell.function
 def Py_Give(what):
     return {"none": None, "list": [], "lone": "\ud800", "null": "\0"}[what]
 
@@ -58,6 +63,7 @@ def test_expressions_call_functions_of_python(expression, value):
     ("Py_Area()", "Missing parameter", None),
     ("Py_Area(1,2,3)", "Py_Area takes 1 to 2 arguments, not 3", None),
     ("Py_Area(1/0)", "Divide by zero", None),
+    ('Max(Py_Fail("value"),Py_Ask("1+1"))', "Py_Fail: ValueError", ValueError),
     ("Py_Area(nothing)", "Missing variable: nothing", None),
 ])
 def test_what_a_function_raises_is_an_error_of_the_expression(expression, message, cause):
@@ -90,7 +96,7 @@ def test_the_last_definition_counts():
 ])
 def test_definitions_that_are_refused(name, definition, exception):
     with pytest.raises(exception):
-        labshell.function(definition, name=name or "\0")
+        labshell.function(definition, name=name)
     with pytest.raises(Error):
         labshell.evaluate("Py_No()")
 

@@ -34,14 +34,36 @@ def test_a_subinterpreter_is_refused(in_process):
      "        try: use(bad)\n"
      "        except (labshell.Error, ValueError): pass\n"
      "print('end')", "end"),
-    ("ev = labshell.Evaluator.__new__(labshell.Evaluator); ev.__init__(); ev.__init__({'x': 1}); print(ev('x'))", "1.0"),
-    ("v = labshell.Evaluator({'x': 1}).variables; import gc; gc.collect(); print(v['x'])", "1.0"),
+    ("ev = labshell.Evaluator.__new__(labshell.Evaluator); ev('1'); ev.__init__(); ev.__init__({'x': 1}); print(ev('x'))", "1.0"),
+    ("v = labshell.Evaluator({'x': 1}).variables; gc.collect(); print(v['x'])", "1.0"),
     ("class Own(labshell.Evaluator):\n"
-     "    def __init__(self): pass\n"
-     "print(Own()('1+1'))", "2.0"),
+     "    def __init__(self, path, *, n): self.path = path\n"
+     "own = Own('x', n=2); own.own = own; lost = weakref.ref(own); print(own('1+1'))\n"
+     "del own; gc.collect(); assert lost() is None", "2.0"),
+    ("S, T = labshell._labshell.Session, labshell._labshell.Table\n"
+     "for use in (lambda: T.__new__(T), lambda: T('variables', 3), lambda: T('config'), lambda: T('x'), lambda: labshell.Values(1),\n"
+     "            lambda: S()._run(1), lambda: S()(1), lambda: S()(), lambda: S()('1', other=2), lambda: S()._add_flags(-1),\n"
+     "            lambda: type('Both', (S, T), {}), lambda: object.__new__(S)):\n"
+     "    try: print(use())\n"
+     "    except (OverflowError, TypeError, ValueError): pass\n"
+     "print(S.__new__(S)(expression='1'))", "1.0"),
+    ("class Lost(Exception): pass\n"
+     "def fail(x):\n"
+     "    error = Lost(); lost.append(weakref.ref(error)); raise error\n"
+     "lost = []; labshell.function(fail, name='Py_Lost')\n"
+     "print(labshell.evaluate('IF(IsErr(Py_Lost(1)),1,2)'), gc.collect() and lost[0]())", "1.0 None"),
+    ("class Last:\n"
+     "    def __call__(self, x): return 1\n"
+     "    def __del__(self): print(labshell.evaluate('Py_Last(1)'))\n"
+     "labshell.function(Last(), name='Py_Last'); labshell.function(lambda x: 2, name='Py_Last')", "2.0"),
+    ("threading.Thread(target=labshell.run, args=('While -c2000000000 true Do Set n=i',), daemon=True).start(); time.sleep(0.2)\n"
+     "if os.fork() == 0:\n"
+     "    labshell.function(lambda x: x, name='Py_Child'); labshell.abort()\n"
+     "    sys.exit(0 if labshell.run('Calc Py_Child(1)') == '1' else 1)\n"
+     "print(os.wait()[1])", "0"),
 ])
 def test_no_use_breaks_python(in_process, code, output):
-    status, written, errors = in_process("import labshell, os, sys, threading, time\n" + code)
+    status, written, errors = in_process("import gc, labshell, os, sys, threading, time, weakref\n" + code)
     assert status == 0, errors
     if output is None:
         assert not os.path.exists(written.strip())
