@@ -38,8 +38,8 @@ private:
 [[noreturn]] void Translate(const std::exception_ptr& thrown);
 /// Runs what may throw for an interface of Python, which no exception of C++ may pass: that is Python's then, and
 /// `failed` the result.
-template <typename Work, typename Result>
-Result Guard(const Work& work, Result failed) noexcept;
+template <typename Work, typename Result = PyObject*>
+Result Guard(const Work& work, Result failed = nullptr) noexcept;
 /// Makes what is being handled the exception of Python.
 void Restore() noexcept;
 } // namespace Failure

@@ -89,6 +89,7 @@ static PyMethodDef ownFunctions_lc[] = {
 static py::module_::module_def definition_lc;
 
 /// As PYBIND11_MODULE has it, but for the first question.
+// The name is Python's: NOLINTNEXTLINE(bugprone-reserved-identifier)
 extern "C" [[gnu::visibility("default")]] PyObject* PyInit__labshell()
 {
     if (!RequireMainInterpreter(nullptr, nullptr))

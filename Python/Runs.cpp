@@ -80,12 +80,12 @@ LongRun::LongRun()
     if (all_lc.longRuns++ == 0)
         CatchInterrupt();
     ++own_lc.longRuns;
-    release.emplace();
+    python = PyEval_SaveThread();
 }
 
 LongRun::~LongRun()
 {
-    release.reset();
+    PyEval_RestoreThread(python);
     --own_lc.longRuns;
     if (--all_lc.longRuns == 0)
         EndInterrupts();

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <optional>
 #include <pybind11/pybind11.h>
 
 namespace py = pybind11;
@@ -40,5 +39,5 @@ public:
 
 private:
     const Running running;
-    std::optional<py::gil_scoped_release> release;
+    PyThreadState* python = nullptr; // of this thread, which has let go of it
 };

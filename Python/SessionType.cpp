@@ -21,15 +21,13 @@ static std::shared_ptr<Session>& SessionOf(PyObject* self)
 
 static PyObject* Make(PyTypeObject* type, bool readsEnvironment)
 {
-    return Failure::Guard(
-        [&] {
-            auto session = std::make_shared<Session>(readsEnvironment);
-            PyObject* const self = type->tp_alloc(type, 0);
-            if (self)
-                new (&SessionOf(self)) std::shared_ptr<Session>(std::move(session));
-            return self;
-        },
-        static_cast<PyObject*>(nullptr));
+    return Failure::Guard([&] {
+        auto session = std::make_shared<Session>(readsEnvironment);
+        PyObject* const self = type->tp_alloc(type, 0);
+        if (self)
+            new (&SessionOf(self)) std::shared_ptr<Session>(std::move(session));
+        return self;
+    });
 }
 
 /// Of the arguments of derived classes it needs none.
@@ -60,21 +58,19 @@ static PyObject* Evaluate(PyObject* self, PyObject* arguments, PyObject* keyword
     else if (!PyArg_ParseTupleAndKeywords(arguments, keywords, "U:evaluate", const_cast<char**>(names), &expression))
         return nullptr;
     return Failure::Guard(
-        [&] { return SessionOf(self)->Evaluate(py::reinterpret_borrow<py::str>(expression)).release().ptr(); },
-        static_cast<PyObject*>(nullptr));
+        [&] { return SessionOf(self)->Evaluate(py::reinterpret_borrow<py::str>(expression)).release().ptr(); });
 }
 
 static PyObject* Run(PyObject* self, PyObject* line)
 {
     if (!PyUnicode_Check(line))
         return PyErr_Format(PyExc_TypeError, "a command line is a str, not %.200s", Py_TYPE(line)->tp_name);
-    return Failure::Guard([&] { return SessionOf(self)->Run(py::reinterpret_borrow<py::str>(line)).release().ptr(); },
-        static_cast<PyObject*>(nullptr));
+    return Failure::Guard([&] { return SessionOf(self)->Run(py::reinterpret_borrow<py::str>(line)).release().ptr(); });
 }
 
 static PyObject* GetTrace(PyObject* self, PyObject*)
 {
-    return Failure::Guard([&] { return SessionOf(self)->GetTrace().release().ptr(); }, static_cast<PyObject*>(nullptr));
+    return Failure::Guard([&] { return SessionOf(self)->GetTrace().release().ptr(); });
 }
 
 static PyObject* AddFlags(PyObject* self, PyObject* flags)
@@ -82,8 +78,10 @@ static PyObject* AddFlags(PyObject* self, PyObject* flags)
     const unsigned long bits = PyLong_AsUnsignedLong(flags);
     if (PyErr_Occurred())
         return nullptr;
-    SessionOf(self)->AddFlags(static_cast<unsigned int>(bits));
-    Py_RETURN_NONE;
+    return Failure::Guard([&] {
+        SessionOf(self)->AddFlags(static_cast<unsigned int>(bits));
+        return py::none().release().ptr();
+    });
 }
 
 /// As Python's table of methods wants it, which tells by the flags beside it what it takes.

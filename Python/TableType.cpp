@@ -43,15 +43,13 @@ static PyObject* New(PyTypeObject* type, PyObject* arguments, PyObject*)
     PyObject* source = Py_None;
     if (!PyArg_ParseTuple(arguments, "s|O", &kind, &source))
         return nullptr;
-    return Failure::Guard(
-        [&] {
-            auto table = MakeTable(kind, source);
-            PyObject* const self = type->tp_alloc(type, 0);
-            if (self)
-                new (&TableOf(self)) std::unique_ptr<Table>(std::move(table));
-            return self;
-        },
-        static_cast<PyObject*>(nullptr));
+    return Failure::Guard([&] {
+        auto table = MakeTable(kind, source);
+        PyObject* const self = type->tp_alloc(type, 0);
+        if (self)
+            new (&TableOf(self)) std::unique_ptr<Table>(std::move(table));
+        return self;
+    });
 }
 
 static void Delete(PyObject* self)
@@ -64,14 +62,12 @@ static void Delete(PyObject* self)
 
 static PyObject* GetItem(PyObject* self, PyObject* name)
 {
-    return Failure::Guard(
-        [&] {
-            py::object value = TableOf(self)->Get(ToText(name));
-            if (!value)
-                PyErr_SetObject(PyExc_KeyError, name);
-            return value.release().ptr();
-        },
-        static_cast<PyObject*>(nullptr));
+    return Failure::Guard([&] {
+        py::object value = TableOf(self)->Get(ToText(name));
+        if (!value)
+            PyErr_SetObject(PyExc_KeyError, name);
+        return value.release().ptr();
+    });
 }
 
 /// A null value deletes the item.
@@ -105,8 +101,7 @@ static Py_ssize_t Count(PyObject* self)
 /// Goes over the names that are there now.
 static PyObject* Iterate(PyObject* self)
 {
-    return Failure::Guard(
-        [&] { return PyObject_GetIter(ToPython(TableOf(self)->GetNames()).ptr()); }, static_cast<PyObject*>(nullptr));
+    return Failure::Guard([&] { return PyObject_GetIter(ToPython(TableOf(self)->GetNames()).ptr()); });
 }
 
 static PyType_Slot slots_lc[] = {
