@@ -1,5 +1,4 @@
 #include "Bench.h"
-#include "Commands/CommandRegistry.h"
 #include "Commands/PluginLoader.h"
 #include "Failure.h"
 #include "Functions.h"
@@ -8,31 +7,13 @@
 #include "TableType.h"
 #include "Text/HostError.h"
 
-#include <dlfcn.h>
-#include <filesystem>
 #include <string>
 
-/// The folder of the plug-in that this module is linked to.
-static std::filesystem::path GetPluginFolder()
-{
-    Dl_info info = {};
-    dladdr(reinterpret_cast<const void*>(&GetRandomNumber), &info);
-    return std::filesystem::path(info.dli_fname).parent_path();
-}
-
-/// The command Check, which few need.
-static void LoadScriptTools()
+/// All at once: later other threads may run commands.
+static void LoadPlugins()
 try {
-    const std::string file = GetPluginFolder() / "ScriptTools.dll";
-    if (std::filesystem::exists(file))
-        PluginLoader::Load(file);
-} catch (const HostException&) { // it is an unknown command then
-}
-
-static void LoadPlugin()
-try {
-    PluginLoader::Load(GetPluginFolder() / "ExpressionEvaluator.dll");
-    CommandRegistry::AddLater(LoadScriptTools);
+    for (const char* plugin : {"/ExpressionEvaluator.dll", "/BenchCommands.dll", "/ScriptTools.dll"})
+        PluginLoader::Load(PluginLoader::GetFolder() + plugin);
 } catch (const HostException& failure) {
     throw py::import_error(failure.GetMessage().ToUtf8());
 }
@@ -65,8 +46,8 @@ static py::list OpenBench(const std::string& dataFolder, const std::string& prof
 static void Bind(py::module_& module)
 {
     module.doc() = "What the package labshell is made of.";
-    LoadPlugin();
-    module.attr("PROFILE") = py::bytes(std::filesystem::absolute(GetPluginFolder() / "Profile").string());
+    LoadPlugins();
+    module.attr("PROFILE") = py::bytes(PluginLoader::GetFolder() + "/Profile");
     py::register_exception_translator(TranslateToPython);
     module.attr("NO_CONSTANT_E") = EvaluatorFlags::noConstantE;
     module.attr("TRACE") = EvaluatorFlags::traceVariables;

@@ -5,6 +5,7 @@ static constexpr const CommandRecord* records_lc[] = {
     &config_gb,
     &echo_gb,
     &event_gb,
+    &exit_gb,
     &help_gb,
     &log_gb,
     &plugins_gb,

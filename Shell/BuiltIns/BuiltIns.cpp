@@ -4,7 +4,7 @@
 
 std::vector<const CommandRecord*> GetBuiltIns()
 {
-    std::vector<const CommandRecord*> records = {&exit_gb, &watch_gb};
+    std::vector<const CommandRecord*> records = {&watch_gb};
     records.insert(records.end(), GetBenchCommands().begin(), GetBenchCommands().end());
     return records;
 }

@@ -22,8 +22,7 @@ extern const CommandRecord usage_gb;
 extern const CommandRecord wait_gb;
 extern const CommandRecord watch_gb;
 
-/// Those that any program can run, which has them from BenchCommands.dll: all but Exit, which ends the shell, and Watch,
-/// which draws on its terminal.
+/// Those that any program can run, which has them from BenchCommands.dll: all but Watch, which draws on a terminal.
 std::span<const CommandRecord* const> GetBenchCommands();
 /// All of them.
 std::vector<const CommandRecord*> GetBuiltIns();

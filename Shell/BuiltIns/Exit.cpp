@@ -4,7 +4,10 @@
 #include "Text/HostError.h"
 #include "Text/NumberText.h"
 
-static std::optional<int> status_lc;
+#include <atomic>
+
+static constexpr int noStatus = -1;
+static std::atomic<int> status_lc = noStatus; // threads of other programs may all run it
 
 namespace {
 constexpr UsageLine usage_lc[] = {
@@ -31,15 +34,17 @@ ExitCode Exit::Main(ArgumentList& arguments, Options& options)
         !TryParseWhole(arguments.At(0).View(), status, static_cast<int>(exitStatus_lc.least),
             static_cast<int>(exitStatus_lc.greatest)))
         Fail(badValue, arguments.At(0) + L" is no " + exitStatus_lc.noun);
-    if (arguments.Count() == 1)
-        status_lc = status;
-    throw HostException(HostError::ExitRequested);
+    if (arguments.Count() == 0)
+        throw HostException(HostError::ExitRequested);
+    status_lc = status;
+    throw HostException(HostError::ExitRequested, L"status " + arguments.At(0));
 }
 } // namespace
 
 std::optional<int> GetExitStatus()
 {
-    return status_lc;
+    const int status = status_lc;
+    return status == noStatus ? std::nullopt : std::optional(status);
 }
 
 constexpr CommandRecord exit_gb = {L"Exit", 2005, Create<Exit>, usage_lc, {}, 0, arguments_lc, {0, 1}};
