@@ -4,8 +4,8 @@
 
 std::vector<const CommandRecord*> GetBuiltIns()
 {
-    std::vector<const CommandRecord*> records = {&watch_gb};
-    records.insert(records.end(), GetBenchCommands().begin(), GetBenchCommands().end());
+    std::vector<const CommandRecord*> records(GetBenchCommands().begin(), GetBenchCommands().end());
+    records.push_back(&watch_gb);
     return records;
 }
 

@@ -34,10 +34,9 @@ ExitCode Exit::Main(ArgumentList& arguments, Options& options)
         !TryParseWhole(arguments.At(0).View(), status, static_cast<int>(exitStatus_lc.least),
             static_cast<int>(exitStatus_lc.greatest)))
         Fail(badValue, arguments.At(0) + L" is no " + exitStatus_lc.noun);
-    if (arguments.Count() == 0)
-        throw HostException(HostError::ExitRequested);
-    status_lc = status;
-    throw HostException(HostError::ExitRequested, L"status " + arguments.At(0));
+    if (arguments.Count() == 1)
+        status_lc = status;
+    throw HostException(HostError::ExitRequested);
 }
 } // namespace
 

@@ -87,7 +87,7 @@ TEST_F(BenchCommands, RunInAnotherProgram)
         {"Run script.txt",
             "y is 42\ninner\nError:\n  Divide by zero\n  1/0\n    ^\n"
             "1043:505:133 script.txt:5: Run: inner.txt:2: Calc: Divide by zero"},
-        {"While -c3 true Do Echo once; Exit 3", "once\n1064:1:11 Told to exit: status 3"},
+        {"While -c3 true Do Echo once; Exit 3", "once\n2005:1:11 Told to exit"},
     };
     for (const auto& [line, shown] : rows)
         EXPECT_EQ(Run(line), shown) << line;

@@ -29,7 +29,17 @@ def test_commands_write_and_fail():
     assert len(raised.value.notes) == 1
 
 
-def test_a_bench_holds_what_commands_read_and_set(bench, tmp_path):
+def test_scripts_run_on_a_bench(bench, tmp_path):
+    bench.status["Text"] = "12"
+    script = tmp_path / "script.txt"
+    script.write_text("Status Text\nSet x=6*7\nEcho x is %E{x}\nCalc 1/0\n")
+    with pytest.raises(CommandError, match="script.txt:4: Calc: Divide by zero") as raised:
+        bench.run(f"Run {script}")
+    assert raised.value.output.startswith("Text=12\nx is 42\nError:")
+    assert bench.usage["Command.Echo"] == 1
+
+
+def test_a_bench_holds_what_commands_read_and_set(bench):
     status, config, usage, events = bench.status, bench.config, bench.usage, bench.events
     assert (status["tempoptics"], status["HotelDoorOpen"], status["DetectorGain"], status["InstrumentType"]) == \
         (36.8, False, -12, "X9")
@@ -49,12 +59,6 @@ def test_a_bench_holds_what_commands_read_and_set(bench, tmp_path):
     for section, key, value in [("Lab", "a", math.inf), ("Lab", "a=b", 1), ("La]b", "a", 1), ("Lab", "a", "x\ny"), ("", "a", 1), ("Lab", "", 1)]:
         with pytest.raises(ValueError):
             config[section][key] = value
-
-    script = tmp_path / "script.txt"
-    script.write_text("Status Text\nSet x=6*7\nEcho x is %E{x}\nCalc 1/0\n")
-    with pytest.raises(CommandError, match="script.txt:4: Calc: Divide by zero") as raised:
-        bench.run(f"Run {script}")
-    assert raised.value.output.startswith("Text=12\nx is 42\nError:")
 
     usage["Door"] = 3
     assert dict(usage) == {"Door": 3} and bench.evaluate("%U{Door}+1") == 4.0
