@@ -9,3 +9,9 @@ function(labshell_add_checksum plugin)
     # To edit the path at the install would be damage.
     set_target_properties(${plugin} PROPERTIES BUILD_WITH_INSTALL_RPATH ON)
 endfunction()
+
+# LLVM's strip, which an install would run, throws away the sections that are not loaded into memory.
+if(CMAKE_STRIP MATCHES llvm)
+    find_program(LABSHELL_STRIP NAMES ${CMAKE_CXX_LIBRARY_ARCHITECTURE}-strip strip REQUIRED)
+    set(CMAKE_STRIP ${LABSHELL_STRIP})
+endif()

@@ -43,18 +43,21 @@ bashCompletion() {
 # Completion of labsh in bash. $made.
 _labsh()
 {
-    local word=\$2 at first=
+    local word=\$2 at first= option=
     COMPREPLY=()
     for ((at = 1; at < COMP_CWORD; ++at)); do
         case \${COMP_WORDS[at]} in
             -f | --check) first=- ;;& # files and variables follow
-            $(namesOf 'FILE|DIR' ' | ')) ((++at)) ;;
+            $(namesOf 'FILE|DIR' ' | '))
+                option=\${COMP_WORDS[at]}
+                ((++at))
+                [[ \${COMP_WORDS[at]} != = ]] || ((++at)) ;; # --data=DIR is three words here
             -*) ;;
             *) break ;;
         esac
     done
     if ((at > COMP_CWORD)); then
-        [[ \$3 != --data ]] || mapfile -t COMPREPLY < <(compgen -d -- "\$word")
+        [[ \$option != --data ]] || compopt +o default -o dirnames
         return
     fi
     ((at == COMP_CWORD)) || first=\${first:-\${COMP_WORDS[at]}}
@@ -88,6 +91,7 @@ $(while read -r names argument meaning; do
         [[ $argument != FILE ]] || action=:file:_files
         [[ $argument != DIR ]] || action=:folder:_directories
         for name in ${names//,/ }; do
+            [[ $name != --* || ! $action ]] || name+== # or behind the name and =
             echo "    '$name[${meaning//\'/\'\\\'\'}]$action' \\"
         done
     done <<<"$options")
@@ -105,9 +109,22 @@ EOF
 }
 
 fishCompletion() {
-    echo "# Completion of labsh in fish. $made."
+    cat <<EOF
+# Completion of labsh in fish. $made.
+
+# The first word behind the options, and - where they say that files follow.
+function __labsh_first
+    set -l words (commandline -opc)[2..]
+    while string match -q -- '-*' "\$words[1]"
+        contains -- \$words[1] -f --check; and echo -; and return
+        contains -- \$words[1] $(namesOf 'FILE|DIR' ' '); and set -e words[1]
+        set -e words[1]
+    end
+    echo \$words[1]
+end
+EOF
     while read -r names argument meaning; do
-        line="complete -c labsh -n __fish_use_subcommand"
+        line="complete -c labsh -n 'contains -- \"\$(__labsh_first)\" \"\" -'"
         for name in ${names//,/ }; do
             [[ $name == --* ]] && line+=" -l ${name#--}" || line+=" -s ${name#-}"
         done
@@ -115,11 +132,11 @@ fishCompletion() {
         [[ $argument != DIR ]] || line+=" -x -a '(__fish_complete_directories)'"
         echo "$line -d '${meaning//\'/\\\'}'"
     done <<<"$options"
-    echo "complete -c labsh -n __fish_use_subcommand -a '$commands'"
-    echo "complete -c labsh -n '__fish_seen_subcommand_from Help' -a '$explained'"
+    echo "complete -c labsh -n 'test -z \"\$(__labsh_first)\"' -a '$commands'"
+    echo "complete -c labsh -n 'test \"\$(__labsh_first)\" = Help' -a '$explained'"
     while read -r command words; do
         for word in $words; do
-            echo "complete -c labsh -n '__fish_seen_subcommand_from $command' -o ${word#-}"
+            echo "complete -c labsh -n 'test \"\$(__labsh_first)\" = $command' -o ${word#-}"
         done
     done <<<"$commandOptions"
 }

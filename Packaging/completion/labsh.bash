@@ -1,18 +1,21 @@
 # Completion of labsh in bash. Made of what labsh lists, by Tools/options.sh.
 _labsh()
 {
-    local word=$2 at first=
+    local word=$2 at first= option=
     COMPREPLY=()
     for ((at = 1; at < COMP_CWORD; ++at)); do
         case ${COMP_WORDS[at]} in
             -f | --check) first=- ;;& # files and variables follow
-            -f | --junit | --log | --data | --plugin) ((++at)) ;;
+            -f | --junit | --log | --data | --plugin)
+                option=${COMP_WORDS[at]}
+                ((++at))
+                [[ ${COMP_WORDS[at]} != = ]] || ((++at)) ;; # --data=DIR is three words here
             -*) ;;
             *) break ;;
         esac
     done
     if ((at > COMP_CWORD)); then
-        [[ $3 != --data ]] || mapfile -t COMPREPLY < <(compgen -d -- "$word")
+        [[ $option != --data ]] || compopt +o default -o dirnames
         return
     fi
     ((at == COMP_CWORD)) || first=${first:-${COMP_WORDS[at]}}

@@ -6,7 +6,7 @@ bashFile=$(realpath "$1") zshFile=$(realpath "$2") fishFile=$(realpath "$3")
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 cd "$scratch"
-mkdir folder
+mkdir folder 'my folder'
 touch script.txt
 
 # What is typed, and what becomes of its last word.
@@ -24,44 +24,21 @@ cases=(
     'labsh -f scr' script.txt
     'labsh --plugin scr' script.txt
     'labsh --data fol' folder/
+    'labsh --data my' 'my\ folder/'
+    'labsh --data folder Plu' Plugins
+    'labsh --data=folder Plu' Plugins
+    'labsh --log sess --st' --strict
 )
 
-# Each prints what the lines become, a line each.
-
-# A folder with its slash; what bash itself completes, by files, where the function has none.
-inBash() {
-    bash --norc -c '
-        source "$0"
-        compopt() { :; }
-        for typed; do
-            read -ra COMP_WORDS <<<"$typed"
-            COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
-            word=${COMP_WORDS[COMP_CWORD]}
-            _labsh labsh "$word" "${COMP_WORDS[COMP_CWORD - 1]}"
-            ((${#COMPREPLY[@]})) || mapfile -t COMPREPLY < <(compgen -f -- "$word")
-            [[ ! -d ${COMPREPLY[*]} ]] || COMPREPLY[0]+=/
-            echo "${COMP_WORDS[*]::COMP_CWORD} ${COMPREPLY[*]}"
-        done' "$bashFile" "$@"
-}
-
-inFish() {
-    fish --no-config -c '
-        source $argv[1]
-        for typed in $argv[2..]
-            set words (string split " " $typed)
-            echo $words[..-2] (complete -C $typed | cut -f 1)
-        end' "$fishFile" "$@"
-}
-
-# An interactive one in a terminal of its own, which is typed into; Ctrl-X gives the line away.
-inZsh() {
+# Types lines into an interactive shell, in a terminal of its own; Ctrl-T gives the line away, as the setup sees to. Each
+# prints what the lines become, a line each: typeInto <shell> <setup> <line>...
+typeInto() {
     zsh -f -c '
         zmodload zsh/zpty
-        zpty shell "TERM=dumb zsh -f -i"
-        zpty -w shell "fpath=(${(q)0} \$fpath); autoload -U compinit && compinit -D -u"
-        zpty -w shell "give() { print -r -- \$BUFFER >line.new; mv line.new line }; zle -N give; bindkey ^X give"
-        for typed; do
-            zpty -w -n shell $'"'\x15'"'"$typed"$'"'\t\x18'"'
+        zpty shell "TERM=dumb INPUTRC=/dev/null HISTFILE= $1"
+        zpty -w shell "$2"
+        for line in "${@:3}"; do
+            zpty -w -n shell $'"'\x15'"'"$line"$'"'\t\x14'"'
             for ((i = 0; i < 3000; ++i)); do
                 [[ -e line ]] && break
                 zpty -r -t shell ignored || sleep 0.02
@@ -69,7 +46,26 @@ inZsh() {
             cat line
             rm line
         done
-        zpty -d shell' "${zshFile%/*}" "$@" | sed 's/ *$//'
+        zpty -d shell' zsh "$@" | sed 's/[ =]*$//'
+}
+
+inBash() {
+    typeInto "bash --norc --noprofile -i" "source $bashFile; bind 'set bell-style none'
+        give() { printf '%s\\n' \"\$READLINE_LINE\" >line.new; mv line.new line; }; bind -x '\"\\C-t\": give'" "$@"
+}
+
+inZsh() {
+    typeInto "zsh -f -i" "fpath=(${zshFile%/*} \$fpath); autoload -U compinit && compinit -D -u
+        give() { print -r -- \$BUFFER >line.new; mv line.new line }; zle -N give; bindkey ^T give" "$@"
+}
+
+inFish() {
+    fish --no-config -c '
+        source $argv[1]
+        for typed in $argv[2..]
+            set words (string split " " $typed)
+            echo $words[..-2] (complete -C $typed | cut -f 1 | string escape --no-quoted)
+        end' "$fishFile" "$@"
 }
 
 for ((i = 0; i < ${#cases[@]}; i += 2)); do
