@@ -200,6 +200,8 @@ TEST_F(ConfigFile, NamesThatAFileCannotHoldAreRefused)
 
 TEST_F(ConfigFile, AFileThatCannotBeReadIsNotReplaced)
 {
+    config.SetString(L"S", L"K", L"before it is known where");
+    EXPECT_EQ(GetThrown([&] { config.Save(); }), "0:1:10 File error: no data folder has been opened");
     const std::string error = "0:1:10 File error: " + folder.GetPath();
     Load("[S]\nK=1\n");
     EXPECT_EQ(GetThrown([&] { config.Load(folder.GetPath()); }), error + ": Is a directory");

@@ -166,8 +166,10 @@ FileStamp WholeFile::Write(const std::string& path, std::string_view text)
     return stamp;
 }
 
-WholeFile::Lock::Lock(const std::string& path) : file(OpenLock(Resolve(path)))
+WholeFile::Lock::Lock(const std::string& path) : file(path.empty() ? -1 : OpenLock(Resolve(path)))
 {
+    if (path.empty())
+        throw HostException(HostError::FileError, L"no data folder has been opened");
     if (!file.IsOpen())
         Fail(path, errno);
     if (!file.TryLock(longestWait)) {

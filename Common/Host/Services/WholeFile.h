@@ -46,8 +46,8 @@ FileStamp Write(const std::string& path, std::string_view text);
 /// Keeps others who take the lock from the file for the length of a scope, so that reading, changing and replacing it
 /// become one step. The lock is that of a file beside it, "<name>.lock", which stays: the file itself gives way to
 /// another when it is replaced. What a Write under the lock has left behind that was killed is removed. Throws
-/// HostException: FileError when the file or the folder cannot be written or when another holds the lock for 10 s,
-/// Aborted when an abort is requested while waiting.
+/// HostException: FileError when the file or the folder cannot be written, is not named (by data that have never been
+/// loaded) or when another holds the lock for 10 s, Aborted when an abort is requested while waiting.
 class Lock
 {
 public:
