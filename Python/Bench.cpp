@@ -8,52 +8,69 @@
 #include "Text/HostError.h"
 
 #include <limits>
+#include <memory>
 
-static unsigned int opened_lc = 0; // how many there have been
-static bool isOpen_lc = false;
+static unsigned int last_lc = 0; // the number of the last bench
+static unsigned int open_lc = 0; // the number of the open one, or 0
 
 WStringArray Bench::Open(const std::string& dataFolder, const std::string& profileFolder)
 {
     Running::RequireNone("a bench cannot be opened");
-    if (isOpen_lc) {
+    if (open_lc != 0) {
         PyErr_SetString(PyExc_RuntimeError, "another bench is open in this process");
         throw py::error_already_set();
     }
     WStringArray reports = System::Start(dataFolder, profileFolder);
-    isOpen_lc = true;
-    ++opened_lc;
+    open_lc = ++last_lc;
     return reports;
 }
 
-/// What cannot be opened leaves its object empty.
-template <typename Data>
-static void Empty(const Data& load)
-try {
-    load();
-} catch (const HostException& failure) {
-    if (!IsHostError(failure, HostError::FileError))
-        throw;
+unsigned int Bench::GetOpen() noexcept
+{
+    return open_lc;
 }
 
-void Bench::Close()
+void Bench::Require(unsigned int number)
 {
-    Running::RequireNone("the bench cannot be closed");
-    if (!isOpen_lc)
-        return;
-    isOpen_lc = false;
-    System::usage.WriteCounts();
-    Empty([] { System::usage.Open("/dev/null/none"); });
-    Empty([] { System::config.Load("/dev/null/none"); });
-    Empty([] { System::status.Load("/dev/null/none"); });
-    LogFile::Attach("", [](const WString&, bool) { return false; });
-}
-
-BenchTable::BenchTable() : bench(opened_lc) {}
-
-void BenchTable::RequireOpen() const
-{
-    if (!isOpen_lc || bench != opened_lc)
+    if (number == 0 || number != open_lc)
         throw py::value_error("the bench is closed");
+}
+
+/// Makes the instrument's data empty ones, which know no file, whatever was there before.
+static void BeginAnew()
+{
+    std::construct_at(&System::config);
+    std::construct_at(&System::status);
+    std::construct_at(&System::usage);
+    LogFile::Attach("", [](const WString&, bool) { return false; });
+    open_lc = 0;
+}
+
+bool Bench::Close(unsigned int number)
+{
+    if (number == 0 || number != open_lc)
+        return false;
+    Running::RequireNone("the bench cannot be closed");
+    std::destroy_at(&System::usage); // which writes what is counted
+    std::destroy_at(&System::status);
+    std::destroy_at(&System::config);
+    BeginAnew();
+    return true;
+}
+
+/// The data stay as they are in memory: another thread of the parent may just have been at work in them, and what they
+/// would write at their end is for the parent to write.
+void Bench::Leave()
+{
+    if (open_lc != 0)
+        BeginAnew();
+}
+
+BenchTable::BenchTable() : bench(Bench::GetOpen()) {}
+
+void BenchTable::Check() const
+{
+    Bench::Require(bench);
 }
 
 [[noreturn]] static void RaiseOsError(const WString& reason)
@@ -62,12 +79,16 @@ void BenchTable::RequireOpen() const
     throw py::error_already_set();
 }
 
-/// Does what may wait for other processes, or for the disk.
+/// Does what may wait for other processes, or for the disk. What a file does to it is an OSError.
 template <typename Work>
 static auto Wait(const Work& work)
-{
+try {
     const LongRun run;
     return work();
+} catch (const HostException& failure) {
+    if (!IsHostError(failure, HostError::FileError))
+        throw;
+    RaiseOsError(failure.GetMessage());
 }
 
 static int ToInt(py::handle value)
@@ -103,7 +124,7 @@ static py::object ReadItem(const StatusValue& item)
 /// The type of a new item.
 static StatusType ChooseType(py::handle value)
 {
-    if (IsTruth(value))
+    if (PyBool_Check(value.ptr()))
         return ST_Bool;
     if (PyUnicode_Check(value.ptr()))
         return ST_String;
@@ -112,17 +133,17 @@ static StatusType ChooseType(py::handle value)
 
 py::object StatusTableOfBench::Get(const WString& name)
 {
-    RequireOpen();
     StatusValue item;
     return System::status.TryGet(name, item) ? ReadItem(item) : py::object();
 }
 
 void StatusTableOfBench::Set(const WString& name, py::handle value)
 {
-    RequireOpen();
     const bool isCode = System::status.GetItemType(name) == ST_ExitCode && PyTuple_Check(value.ptr());
-    const WString text = isCode ? ToText(py::str(value)) : WriteValue(value);
-    const StatusType type = ChooseType(value);
+    const py::object plain = isCode ? py::str(value) : ToPlain(value);
+    const WString text = WriteValue(plain);
+    const StatusType type = ChooseType(plain);
+    Check();
     const bool isSet = Wait([&] {
         StatusTable& status = System::status;
         const bool fits = status.ContainsItem(name) ? status.TrySet(name, text) : status.TryAdd(name, type, text);
@@ -136,7 +157,6 @@ void StatusTableOfBench::Set(const WString& name, py::handle value)
 
 bool StatusTableOfBench::TryDelete(const WString& name)
 {
-    RequireOpen();
     return Wait([&] {
         const bool isDeleted = System::status.TryDelete(name);
         System::status.Save();
@@ -146,7 +166,6 @@ bool StatusTableOfBench::TryDelete(const WString& name)
 
 WStringArray StatusTableOfBench::GetNames()
 {
-    RequireOpen();
     WStringArray names;
     System::status.GetNames(names);
     return names;
@@ -154,7 +173,6 @@ WStringArray StatusTableOfBench::GetNames()
 
 py::object ConfigTable::Get(const WString& name)
 {
-    RequireOpen();
     WString text;
     return System::config.TryGetString(section, name, text) ? ReadValue(text) : py::object();
 }
@@ -167,8 +185,8 @@ static bool CanHold(const WString& text, std::wstring_view specials)
 
 void ConfigTable::Set(const WString& name, py::handle value)
 {
-    RequireOpen();
     const WString text = WriteValue(value);
+    Check();
     if (section.IsEmpty() || name.IsEmpty() || !CanHold(section, L"\r\n[]") || !CanHold(name, L"\r\n[]=;#") ||
         !CanHold(text, L"\r\n"))
         throw py::value_error("a file of settings cannot hold that");
@@ -180,7 +198,6 @@ void ConfigTable::Set(const WString& name, py::handle value)
 
 bool ConfigTable::TryDelete(const WString& name)
 {
-    RequireOpen();
     return Wait([&] {
         const bool isDeleted = System::config.TryDelete(section, name);
         System::config.Save();
@@ -190,14 +207,14 @@ bool ConfigTable::TryDelete(const WString& name)
 
 WStringArray ConfigTable::GetNames()
 {
-    RequireOpen();
     WStringArray keys;
     System::config.GetKeys(section, keys);
     return keys;
 }
 
-WStringArray ConfigTable::GetSections()
+WStringArray Bench::GetSections(unsigned int number)
 {
+    Require(number);
     WStringArray sections;
     System::config.GetSections(sections);
     return sections;
@@ -205,7 +222,6 @@ WStringArray ConfigTable::GetSections()
 
 py::object UsageTable::Get(const WString& name)
 {
-    RequireOpen();
     int value = 0;
     const bool isThere = Wait([&] { return System::usage.TryGetUsageValue(name.ToCString(), value); });
     return isThere ? py::object(py::int_(value)) : py::object();
@@ -213,21 +229,24 @@ py::object UsageTable::Get(const WString& name)
 
 void UsageTable::Set(const WString& name, py::handle value)
 {
-    RequireOpen();
     const int number = ToInt(value);
+    Check();
     if (!Wait([&] { return System::usage.Set(name.ToCString(), number); }))
         RaiseOsError(System::usage.GetFault());
 }
 
 bool UsageTable::TryDelete(const WString& name)
 {
-    RequireOpen();
-    return Wait([&] { return System::usage.TryDelete(name.ToCString()); });
+    if (Wait([&] { return System::usage.TryDelete(name.ToCString()); }))
+        return true;
+    const WString fault = System::usage.GetFault();
+    if (Get(name))
+        RaiseOsError(fault);
+    return false;
 }
 
 WStringArray UsageTable::GetNames()
 {
-    RequireOpen();
     WStringArray names;
     Wait([&] { System::usage.GetNames(names); });
     return names;
@@ -235,7 +254,6 @@ WStringArray UsageTable::GetNames()
 
 py::object EventTable::Get(const WString& name)
 {
-    RequireOpen();
     OS9EventData* const event = OS9EventManager::GetOS9Event(name);
     if (!event)
         return {};
@@ -246,8 +264,8 @@ py::object EventTable::Get(const WString& name)
 
 void EventTable::Set(const WString& name, py::handle value)
 {
-    RequireOpen();
     const int number = ToInt(value);
+    Check();
     if (OS9EventData* const event = OS9EventManager::GetOS9Event(name)) {
         event->Write(number);
         event->ReleaseReference();
@@ -258,13 +276,11 @@ void EventTable::Set(const WString& name, py::handle value)
 
 bool EventTable::TryDelete(const WString& name)
 {
-    RequireOpen();
     return OS9EventManager::TryDelete(name);
 }
 
 WStringArray EventTable::GetNames()
 {
-    RequireOpen();
     WStringArray names;
     OS9EventManager::GetNames(names);
     return names;

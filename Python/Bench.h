@@ -9,16 +9,25 @@ namespace Bench {
 /// Opens the data folder, which is made from the profile when it is missing. Yields what was found wrong with its
 /// files, a line each. Throws RuntimeError while another one is open or something runs.
 WStringArray Open(const std::string& dataFolder, const std::string& profileFolder);
-/// Writes what is counted, and lets go of the files. Throws RuntimeError while something runs.
-void Close();
+/// The number of the open bench, which no other one of the process has; 0 while none is open.
+unsigned int GetOpen() noexcept;
+/// Throws ValueError unless the bench of that number is open.
+void Require(unsigned int number);
+/// Writes what is counted, and lets go of the files; false when the bench of that number is not open. Throws
+/// RuntimeError while something runs.
+bool Close(unsigned int number);
+/// In a process that was forked off: leaves the bench to the parent, so that none is open.
+void Leave();
+/// The sections of the settings. Throws ValueError unless the bench of that number is open.
+WStringArray GetSections(unsigned int number);
 } // namespace Bench
 
-/// What the open bench holds by name; of a bench that has been closed since then it throws ValueError.
+/// What the open bench holds by name.
 class BenchTable : public Table
 {
-protected:
+public:
     BenchTable();
-    void RequireOpen() const;
+    void Check() const override;
 
 private:
     const unsigned int bench;
@@ -42,7 +51,6 @@ public:
     void Set(const WString& name, py::handle value) override;
     bool TryDelete(const WString& name) override;
     WStringArray GetNames() override;
-    static WStringArray GetSections();
 
 private:
     const WString section;

@@ -1,9 +1,10 @@
 #include "Conversions.h"
 
+#include "Text/CharacterCase.h"
+
 #include <algorithm>
 #include <cmath>
 #include <memory>
-#include <string_view>
 
 /// What Python's interface has made; null stands for its exception.
 static PyObject* Require(PyObject* made)
@@ -79,9 +80,25 @@ py::object ReadValue(const WString& text)
     return ToPython(text);
 }
 
-bool IsTruth(py::handle value)
+bool IsName(const WString& text, std::wstring_view notInFront)
+{
+    constexpr unsigned int maxLength = 63;
+    return !text.IsEmpty() && text.Length() <= maxLength && !IsDecimalDigit(text[0]) &&
+        notInFront.find(text[0]) == std::wstring_view::npos && std::all_of(text.begin(), text.end(), IsNameCharacter);
+}
+
+/// Whether it is a bool, or what a comparison of NumPy's values gives.
+static bool IsTruth(py::handle value)
 {
     return PyBool_Check(value.ptr()) || std::string_view(Py_TYPE(value.ptr())->tp_name).starts_with("numpy.bool");
+}
+
+static bool ToTruth(py::handle value)
+{
+    const int truth = PyObject_IsTrue(value.ptr());
+    if (truth < 0)
+        throw py::error_already_set();
+    return truth == 1;
 }
 
 static double ToNumber(py::handle value)
@@ -95,23 +112,46 @@ static double ToNumber(py::handle value)
 void SetValue(EEToken& token, py::handle value)
 {
     if (IsTruth(value))
-        token.SetValue(PyObject_IsTrue(value.ptr()) == 1);
+        token.SetValue(ToTruth(value));
     else if (PyUnicode_Check(value.ptr()))
         token.SetValue(ToText(value));
     else
         token.SetValue(ToNumber(value));
 }
 
-WString WriteValue(py::handle value)
+/// An int for a whole number, else a null object. Some of NumPy's arrays only seem to be one.
+static py::object ToWhole(py::handle value)
+{
+    if (!PyIndex_Check(value.ptr()))
+        return {};
+    auto whole = py::reinterpret_steal<py::object>(PyNumber_Index(value.ptr()));
+    if (!whole && !PyErr_ExceptionMatches(PyExc_TypeError))
+        throw py::error_already_set();
+    PyErr_Clear();
+    return whole;
+}
+
+py::object ToPlain(py::handle value)
 {
     if (IsTruth(value))
-        return PyObject_IsTrue(value.ptr()) == 1 ? L"true" : L"false";
+        return py::bool_(ToTruth(value));
     if (PyUnicode_Check(value.ptr()))
-        return ToText(value);
-    if (PyLong_Check(value.ptr()))
-        return ToText(py::reinterpret_steal<py::object>(Require(PyNumber_ToBase(value.ptr(), 10))));
-    const double number = ToNumber(value);
-    if (!std::isfinite(number))
+        return py::reinterpret_borrow<py::object>(value);
+    if (py::object whole = ToWhole(value))
+        return whole;
+    return py::float_(ToNumber(value));
+}
+
+WString WriteValue(py::handle value)
+{
+    const py::object plain = ToPlain(value);
+    if (PyBool_Check(plain.ptr()))
+        return plain.is(py::handle(Py_True)) ? L"true" : L"false";
+    if (PyUnicode_Check(plain.ptr()))
+        return ToText(plain);
+    if (PyLong_Check(plain.ptr()))
+        return ToText(py::reinterpret_steal<py::object>(Require(PyNumber_ToBase(plain.ptr(), 10))));
+    if (!std::isfinite(PyFloat_AS_DOUBLE(plain.ptr())))
         throw py::value_error("the number is not finite");
-    return ToText(py::repr(py::float_(number)));
+    return ToText(py::repr(plain));
 }

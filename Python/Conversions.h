@@ -6,6 +6,8 @@
 
 #include <pybind11/pybind11.h>
 
+#include <string_view>
+
 namespace py = pybind11;
 
 // Texts and values on their way between Python and the evaluator. For a thread that holds Python's lock.
@@ -21,10 +23,14 @@ py::object ToPython(const EEToken& token);
 /// The value that the text of a setting or a variable of commands is to an expression.
 py::object ReadValue(const WString& text);
 
-/// Whether it is a bool, or what a comparison of NumPy's values gives.
-bool IsTruth(py::handle value);
+/// Whether an expression knows the text as a name: up to 63 letters of English, digits, '_' and '.'. No digit stands in
+/// front, nor one of `notInFront`.
+bool IsName(const WString& text, std::wstring_view notInFront);
+
+/// The bool, str, int or float that a value is taken for, also one of NumPy's. Throws TypeError for what is none.
+py::object ToPlain(py::handle value);
 /// Takes a bool, a str, and whatever Python takes for a number; throws TypeError for anything else.
 void SetValue(EEToken& token, py::handle value);
-/// The value as the text of a setting or a variable of commands. Throws ValueError for a number that is not finite,
-/// which would be read as a text.
+/// What a value is taken for, as the text of a setting or a variable of commands. Throws ValueError for a number that
+/// is not finite, which would be read as a text.
 WString WriteValue(py::handle value);

@@ -4,10 +4,7 @@
 #include "ExpressionEvaluatorFunctions.h"
 #include "Failure.h"
 #include "Runs.h"
-#include "Text/CharacterCase.h"
 #include "Text/HostError.h"
-
-#include <algorithm>
 
 namespace {
 /// What is called may take up to this number of arguments, any number when it is negative.
@@ -51,15 +48,17 @@ public:
 };
 } // namespace
 
-/// Its own words; without any, or when it cannot even say them, the name of its class.
+/// Its own words, of an Error of labshell the message; without any, or when it cannot even say them, the name of its
+/// class.
 static WString Describe(const py::error_already_set& exception)
 {
     WString text;
     try {
-        text = ToText(py::str(exception.value()));
+        const bool isOwn = exception.matches(py::module_::import("labshell._errors").attr("Error"));
+        text = ToText(isOwn ? py::object(exception.value().attr("message")) : py::str(exception.value()));
     } catch (const std::exception&) {
     }
-    return text.IsEmpty() ? ToText(exception.type().attr("__name__")) : text;
+    return text.IsEmpty() ? WString::FromUtf8(reinterpret_cast<PyTypeObject*>(exception.type().ptr())->tp_name) : text;
 }
 
 void PythonFunction::Redefine(const Definition& newDefinition)
@@ -120,20 +119,10 @@ void PythonFunction::Evaluate(EEToken& result, EETokenStack& arguments)
     }
 }
 
-static bool CanBeName(const WString& name)
-{
-    constexpr unsigned int maxLength = 63;
-    const auto isLetter = [](wchar_t ch) {
-        return IsNameCharacter(ch) && !IsDecimalDigit(ch) && ch != L'.' && ch != L'_';
-    };
-    return !name.IsEmpty() && name.Length() <= maxLength && isLetter(name[0]) &&
-        std::all_of(name.begin(), name.end(), IsNameCharacter);
-}
-
 void Functions::Add(const py::str& name, const py::function& callable, int least, int most)
 {
     const WString text = ToText(name);
-    if (!CanBeName(text))
+    if (!IsName(text, L"._"))
         throw py::value_error("a function's name has up to 63 letters of English, digits, '_' and '.', a letter first");
     Running::RequireNone("a function cannot be defined");
     EEFunction* const former = fnTable_gb.FindOrNull(text.View());

@@ -36,17 +36,26 @@ try {
     raised.restore();
 }
 
-static py::list OpenBench(const std::string& dataFolder, const std::string& profileFolder)
+/// The number of the bench, and what was found wrong with its files.
+static py::tuple OpenBench(const std::string& dataFolder, const std::string& profileFolder)
 {
     if ((dataFolder + profileFolder).find('\0') != std::string::npos)
         throw py::value_error("embedded null character");
-    return ToPython(Bench::Open(dataFolder, profileFolder));
+    const WStringArray reports = Bench::Open(dataFolder, profileFolder);
+    return py::make_tuple(Bench::GetOpen(), ToPython(reports));
+}
+
+static void LeaveParent()
+{
+    LongRun::LeaveOtherThreads();
+    Bench::Leave();
 }
 
 static void Bind(py::module_& module)
 {
     module.doc() = "What the package labshell is made of.";
     LoadPlugins();
+    module.attr("__version__") = LABSHELL_VERSION;
     module.attr("PROFILE") = py::bytes(PluginLoader::GetFolder() + "/Profile");
     py::register_exception_translator(TranslateToPython);
     module.attr("NO_CONSTANT_E") = EvaluatorFlags::noConstantE;
@@ -54,13 +63,14 @@ static void Bind(py::module_& module)
     module.attr("READ_NOTHING") = EvaluatorFlags::readNothing;
     SessionType::AddTo(module);
     TableType::AddTo(module);
-    module.def("get_sections", [] { return ToPython(ConfigTable::GetSections()); });
     module.def("open_bench", OpenBench);
+    module.def("require_bench", Bench::Require);
     module.def("close_bench", Bench::Close);
+    module.def("get_sections", [](unsigned int bench) { return ToPython(Bench::GetSections(bench)); });
     module.def("add_function", Functions::Add);
     module.def("abort", LongRun::Abort);
     module.def("end_all", LongRun::EndAll);
-    module.def("leave_other_threads", LongRun::LeaveOtherThreads);
+    module.def("leave_parent", LeaveParent);
 }
 
 static PyMethodDef ownFunctions_lc[] = {

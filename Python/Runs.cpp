@@ -16,7 +16,7 @@ struct Counts
 
 static Counts all_lc;
 static thread_local Counts own_lc; // what of it this thread runs
-static bool isEnding_lc = false;
+static std::thread::id ending_lc;  // the thread that ends Python, once it does
 static struct sigaction former_lc = {};
 
 static void OnInterrupt(int signal)
@@ -25,10 +25,19 @@ static void OnInterrupt(int signal)
     former_lc.sa_handler(signal); // Python's, which makes it a KeyboardInterrupt
 }
 
+static bool IsCaught(const struct sigaction& action)
+{
+    return (action.sa_flags & SA_SIGINFO) == 0 && action.sa_handler == OnInterrupt;
+}
+
 /// Leaves a handler alone that is none of Python's usual form, or whose user wants no interrupt.
 static void CatchInterrupt()
 {
-    sigaction(SIGINT, nullptr, &former_lc);
+    struct sigaction current = {};
+    sigaction(SIGINT, nullptr, &current);
+    if (IsCaught(current)) // a library has saved it during a run, and given it back later
+        return;
+    former_lc = current;
     if ((former_lc.sa_flags & SA_SIGINFO) != 0 || former_lc.sa_handler == SIG_DFL || former_lc.sa_handler == SIG_IGN)
         return;
     struct sigaction action = former_lc;
@@ -41,8 +50,14 @@ static void ReleaseInterrupt()
 {
     struct sigaction current = {};
     sigaction(SIGINT, nullptr, &current);
-    if ((current.sa_flags & SA_SIGINFO) == 0 && current.sa_handler == OnInterrupt)
+    if (IsCaught(current))
         sigaction(SIGINT, &former_lc, nullptr);
+}
+
+static void BeginInterrupts()
+{
+    Abort::Clear();
+    CatchInterrupt();
 }
 
 static void EndInterrupts()
@@ -53,6 +68,10 @@ static void EndInterrupts()
 
 Running::Running()
 {
+    if (ending_lc != std::thread::id() && ending_lc != std::this_thread::get_id()) {
+        PyErr_SetString(PyExc_RuntimeError, "Python is ending");
+        throw py::error_already_set();
+    }
     ++all_lc.running;
     ++own_lc.running;
 }
@@ -73,12 +92,8 @@ void Running::RequireNone(const char* what)
 
 LongRun::LongRun()
 {
-    if (isEnding_lc) {
-        PyErr_SetString(PyExc_RuntimeError, "Python is ending");
-        throw py::error_already_set();
-    }
     if (all_lc.longRuns++ == 0)
-        CatchInterrupt();
+        BeginInterrupts();
     ++own_lc.longRuns;
     python = PyEval_SaveThread();
 }
@@ -100,7 +115,7 @@ void LongRun::Abort() noexcept
 void LongRun::EndAll()
 {
     constexpr int patience = 400; // of 5 ms
-    isEnding_lc = true;
+    ending_lc = std::this_thread::get_id();
     for (int i = 0; i < patience && all_lc.running > 0; ++i) {
         Abort();
         const py::gil_scoped_release others;

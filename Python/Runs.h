@@ -7,7 +7,7 @@ namespace py = pybind11;
 // What runs in this process, counted under Python's lock.
 
 /// An expression or a command on its way. What everything shares (functions, the open bench) changes while there is
-/// none.
+/// none. Throws RuntimeError when Python is about to end, but to the thread that ends it.
 class Running
 {
 public:
@@ -20,8 +20,8 @@ public:
     static void RequireNone(const char* what);
 };
 
-/// Work that may take long: the other threads of Python go on meanwhile, and an interrupt (Ctrl-C) ends it. Throws
-/// RuntimeError when Python is about to end.
+/// Work that may take long: the other threads of Python go on meanwhile, and an interrupt (Ctrl-C) ends it. Throws what
+/// Running throws.
 class LongRun
 {
 public:
@@ -32,7 +32,7 @@ public:
 
     /// Ends all of them, as an interrupt does.
     static void Abort() noexcept;
-    /// Ends all of them for good and waits, for Python would end their threads in the middle.
+    /// Ends all that other threads run, for good, and waits: Python would end those threads in the middle.
     static void EndAll();
     /// In a process that was forked off, where no other thread lives on.
     static void LeaveOtherThreads() noexcept;

@@ -4,18 +4,31 @@
 #include "EEMissingVariableException.h"
 #include "Failure.h"
 #include "Runs.h"
+#include "Text/Abort.h"
+
+#include <chrono>
 
 static constexpr int variableBuckets = 33;
 
 /// An expression so short takes microseconds, and less than it takes to hand Python's lock to others and back.
 static constexpr unsigned int shortExpression = 1000;
 
+static void CallHandlersOfSignals()
+{
+    const py::gil_scoped_acquire python;
+    if (PyErr_CheckSignals() != 0)
+        throw py::error_already_set();
+}
+
 Session::Turn::Turn(Session& session) : lock(session.mutex, std::try_to_lock)
 {
     if (lock.owns_lock())
         return;
-    const py::gil_scoped_release others;
-    lock.lock();
+    constexpr std::chrono::milliseconds step(50);
+    const LongRun others;
+    while (!lock.try_lock_for(step) && !Abort::IsRequested())
+        CallHandlersOfSignals();
+    Abort::ThrowIfRequested();
 }
 
 Session::Session(bool readsEnvironment)

@@ -30,17 +30,17 @@ private:
     friend class VariableTable;
     friend class EnvironmentTable;
 
-    /// The turn of a thread. While it waits for that the others go on.
+    /// The turn of a thread. While it waits for that the others go on, and an interrupt ends the wait.
     class Turn
     {
     public:
         explicit Turn(Session& session);
 
     private:
-        std::unique_lock<std::recursive_mutex> lock;
+        std::unique_lock<std::recursive_timed_mutex> lock;
     };
 
-    std::recursive_mutex mutex;
+    std::recursive_timed_mutex mutex;
     EETokenMap map;
     Environment environment;
     ExpressionEvaluator evaluator;

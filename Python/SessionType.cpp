@@ -92,9 +92,8 @@ static PyCFunction ToMethod(PyObject* (*function)(PyObject*, PyObject*, PyObject
 
 static PyMethodDef methods_lc[] = {
     {"evaluate", ToMethod(Evaluate), METH_VARARGS | METH_KEYWORDS,
-        "evaluate($self, /, expression)\n--\n\nThe value of the expression: a float, a bool or a str. Without one it "
-        "is an "
-        "Error."},
+        "evaluate($self, /, expression)\n--\n\n"
+        "The value of the expression: a float, a bool or a str. Without one it is an Error."},
     {"_run", Run, METH_O, nullptr},
     {"_trace", GetTrace, METH_NOARGS, nullptr},
     {"_add_flags", AddFlags, METH_O, nullptr},

@@ -19,6 +19,13 @@ static std::unique_ptr<Table>& TableOf(PyObject* self)
     return reinterpret_cast<TableObject*>(self)->table;
 }
 
+static Table& Check(PyObject* self)
+{
+    Table& table = *TableOf(self);
+    table.Check();
+    return table;
+}
+
 /// The source is a Session for its variables, and a section for the settings.
 static std::unique_ptr<Table> MakeTable(std::string_view kind, py::handle source)
 {
@@ -63,7 +70,7 @@ static void Delete(PyObject* self)
 static PyObject* GetItem(PyObject* self, PyObject* name)
 {
     return Failure::Guard([&] {
-        py::object value = TableOf(self)->Get(ToText(name));
+        py::object value = Check(self).Get(ToText(name));
         if (!value)
             PyErr_SetObject(PyExc_KeyError, name);
         return value.release().ptr();
@@ -80,7 +87,7 @@ static int SetItem(PyObject* self, PyObject* name, PyObject* value)
                 TableOf(self)->Set(text, value);
                 return 0;
             }
-            if (TableOf(self)->TryDelete(text))
+            if (Check(self).TryDelete(text))
                 return 0;
             PyErr_SetObject(PyExc_KeyError, name);
             return -1;
@@ -90,18 +97,18 @@ static int SetItem(PyObject* self, PyObject* name, PyObject* value)
 
 static int Contains(PyObject* self, PyObject* name)
 {
-    return Failure::Guard([&] { return PyUnicode_Check(name) && TableOf(self)->Get(ToText(name)) ? 1 : 0; }, -1);
+    return Failure::Guard([&] { return PyUnicode_Check(name) && Check(self).Get(ToText(name)) ? 1 : 0; }, -1);
 }
 
 static Py_ssize_t Count(PyObject* self)
 {
-    return Failure::Guard([&] { return static_cast<Py_ssize_t>(TableOf(self)->GetNames().Count()); }, Py_ssize_t{-1});
+    return Failure::Guard([&] { return static_cast<Py_ssize_t>(Check(self).GetNames().Count()); }, Py_ssize_t{-1});
 }
 
 /// Goes over the names that are there now.
 static PyObject* Iterate(PyObject* self)
 {
-    return Failure::Guard([&] { return PyObject_GetIter(ToPython(TableOf(self)->GetNames()).ptr()); });
+    return Failure::Guard([&] { return PyObject_GetIter(ToPython(Check(self).GetNames()).ptr()); });
 }
 
 static PyType_Slot slots_lc[] = {

@@ -1,16 +1,9 @@
 #include "Tables.h"
 
-#include "Text/CharacterCase.h"
-
-#include <algorithm>
-
 /// Throws ValueError for a name that no expression can have.
 static void RequireVariableName(const WString& name)
 {
-    constexpr unsigned int maxLength = 63;
-    const auto isLetter = [](wchar_t ch) { return IsNameCharacter(ch) && !IsDecimalDigit(ch) && ch != L'.'; };
-    if (name.IsEmpty() || name.Length() > maxLength || !isLetter(name[0]) ||
-        !std::all_of(name.begin(), name.end(), IsNameCharacter))
+    if (!IsName(name, L"."))
         throw py::value_error("a name has up to 63 letters of English, digits, '_' and '.', and begins with no digit");
 }
 

@@ -15,9 +15,12 @@ public:
     Table(const Table&) = delete;
     Table& operator=(const Table&) = delete;
 
+    /// Throws ValueError when the values are gone. To be called before all others but Set.
+    virtual void Check() const {}
     /// A null object when there is none of that name.
     virtual py::object Get(const WString& name) = 0;
-    /// Throws ValueError or TypeError for what cannot be the value.
+    /// Throws ValueError or TypeError for what cannot be the value. Calls Check, after it has asked the value for what
+    /// it is, by which anything may happen.
     virtual void Set(const WString& name, py::handle value) = 0;
     virtual bool TryDelete(const WString& name) = 0;
     virtual WStringArray GetNames() = 0;

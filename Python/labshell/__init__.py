@@ -19,10 +19,11 @@ from ._bench import Bench
 from ._errors import CommandError, Error, ExitCode
 from ._values import Values
 
+__version__ = _labshell.__version__
 __all__ = ["Bench", "CommandError", "Error", "Evaluator", "ExitCode", "Values", "abort", "evaluate", "function", "run"]
 
 atexit.register(_labshell.end_all)
-os.register_at_fork(after_in_child=_labshell.leave_other_threads)
+os.register_at_fork(after_in_child=_labshell.leave_parent)
 for _class in (Bench, CommandError, Error, ExitCode, Values):
     _class.__module__ = __name__  # where users find it
 
@@ -104,7 +105,10 @@ def function(definition=None, *, name=None):
     again, the last definition counts. It is to be defined while nothing runs.
     """
     def add(definition):
-        _labshell.add_function(definition.__name__ if name is None else name, definition, *_count_arguments(definition))
+        own = getattr(definition, "__name__", None) if name is None else name
+        if own is None:
+            raise TypeError("a name is needed")
+        _labshell.add_function(own, definition, *_count_arguments(definition))
         return definition
 
     return add if definition is None else add(definition)

@@ -3,6 +3,8 @@ from typing import Callable, Iterable, Iterator, Mapping, MutableMapping, NamedT
 
 __all__ = ["Bench", "CommandError", "Error", "Evaluator", "ExitCode", "Values", "abort", "evaluate", "function", "run"]
 
+__version__: str
+
 _Value = Union[float, bool, str]
 _Function = TypeVar("_Function", bound=Callable[..., Optional[_Value]])
 _Path = Union[str, PathLike[str]]
@@ -57,7 +59,8 @@ class Evaluator:
     def trace(self) -> list[str]: ...
 
 class Bench:
-    folder: str
+    @property
+    def folder(self) -> str: ...
     def __init__(self, folder: Optional[_Path] = None, *, profile: Optional[_Path] = None) -> None: ...
     def __enter__(self) -> Bench: ...
     def __exit__(self, *exception: object) -> None: ...

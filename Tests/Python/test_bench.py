@@ -1,14 +1,27 @@
 import math
 import os
 import pickle
+import shutil
 import signal
 import threading
 import time
+import warnings
 
 import pytest
 
 import labshell
 from labshell import Bench, CommandError, ExitCode
+
+
+class Whole:
+    """A whole number that does something when it is asked for its value."""
+
+    def __init__(self, ask=lambda: None):
+        self.ask = ask
+
+    def __index__(self):
+        self.ask()
+        return 2
 
 
 def test_commands_write_and_fail():
@@ -44,9 +57,10 @@ def test_a_bench_holds_what_commands_read_and_set(bench):
     assert (status["tempoptics"], status["HotelDoorOpen"], status["DetectorGain"], status["InstrumentType"]) == \
         (36.8, False, -12, "X9")
     assert status["LastExitCode"] == ExitCode(0, 0, 0) and status["VersionText"].startswith("OrvaneX9 4")
-    status.update(TempOptics=40, HotelDoorOpen=True, LastExitCode=ExitCode(1, 2, 3), New=2, Other=2.5, Text="12")
+    status.update(TempOptics=40, HotelDoorOpen=True, LastExitCode=ExitCode(1, 2, 3), New=Whole(), Other=2.5, Text="12")
     assert bench.evaluate('%S{TempOptics} & %S{HotelDoorOpen} & %S{New} & %S{Text}') == "40TRUE212"
     assert [status[name] for name in ("LastExitCode", "New", "Other", "Text")] == [(1, 2, 3), 2, 2.5, "12"]
+    assert type(status["New"]) is int
     del status["New"]
     for name, value in [("TempOptics", "warm"), ("InfoDate", "x"), ("TempOptics", True)]:
         with pytest.raises(ValueError):
@@ -56,6 +70,7 @@ def test_a_bench_holds_what_commands_read_and_set(bench):
     assert config["detection"]["maxlight"] == 4095.0 and config["Detection"]["Filter"] == "Green 530"
     config["Lab"]["Ready"] = True
     assert bench.evaluate("%C{Lab Ready}") is True and "lab" in config and list(config)[-1] == "Lab"
+    assert config.get("lab")["ready"] is True and config.get("Nonsense") is None and "Nonsense" not in config
     for section, key, value in [("Lab", "a", math.inf), ("Lab", "a=b", 1), ("La]b", "a", 1), ("Lab", "a", "x\ny"), ("", "a", 1), ("Lab", "", 1)]:
         with pytest.raises(ValueError):
             config[section][key] = value
@@ -78,6 +93,8 @@ def test_a_bench_holds_what_commands_read_and_set(bench):
     bench.variables["x"] = 5
     assert bench.run("Set y=x+1") is not None and bench.evaluate("x+y") == 11.0
     assert dict(bench.variables) == {"x": 5.0, "y": 6.0}
+    del bench.variables["x"]
+    assert dict(bench.variables) == {"y": 6.0}
 
 
 def test_data_stay_in_a_folder_of_their_own_and_go_away_in_a_temporary_one(tmp_path):
@@ -85,9 +102,35 @@ def test_data_stay_in_a_folder_of_their_own_and_go_away_in_a_temporary_one(tmp_p
         with Bench(tmp_path / "data\udcff") as bench:
             assert bench.status["TempOptics"] == temperature and os.path.samefile(bench.folder, tmp_path / "data\udcff")
             bench.status["TempOptics"] = 41
+
+    def get_tables(bench):
+        return bench.status, bench.config["Lab"], bench.usage
+
+    (tmp_path / "script.txt").write_text("Echo")
+    with Bench(tmp_path) as bench:
+        bench.run(f"Run {tmp_path}/script.txt")
+        for table in get_tables(bench):
+            table.update(Lost=2, Kept=1)
+    with Bench(tmp_path) as bench:
+        assert bench.usage["Command.Echo"] == 1
+        for table in get_tables(bench):
+            assert (table["Kept"], table["Lost"]) == (1, 2)
+            del table["Lost"]
+            assert "Lost" not in table
+    with Bench(tmp_path) as bench:
+        for table in get_tables(bench):
+            assert "Kept" in table and "Lost" not in table
     with Bench() as bench:
         folder = bench.folder
+        with pytest.raises(AttributeError):
+            bench.folder = tmp_path
+        assert repr(bench) == f"Bench({folder!r})"
         assert os.path.isfile(folder + "/Config.ini") and bench.status["TempOptics"] == 36.8
+        bench.usage["Kept"] = 1
+        shutil.rmtree(folder)
+        for table in get_tables(bench):
+            with pytest.raises(OSError, match=folder):
+                table["Lost"] = 1
     assert not os.path.exists(folder)
     with pytest.raises(ValueError, match="null character"):
         Bench("a\0b")
@@ -99,6 +142,9 @@ def test_damaged_data_are_warned_of(tmp_path):
         bench = Bench(tmp_path)
     bench.close()
     (tmp_path / "file").write_text("")
+    with warnings.catch_warnings(), pytest.raises(RuntimeWarning):
+        warnings.simplefilter("error")
+        Bench(tmp_path / "file")
     with pytest.warns(RuntimeWarning, match="file"):
         Bench(tmp_path / "file").close()
 
@@ -107,7 +153,7 @@ def test_one_bench_at_a_time_and_none_after_the_end():
     bench = Bench()
     with pytest.raises(RuntimeError, match="another bench is open"):
         Bench()
-    status = bench.status
+    status, config = bench.status, bench.config
     bench.close()
     bench.close()
     for use in (lambda: bench.run("Calc 1"), lambda: bench.evaluate("1"), lambda: status["TempOptics"], lambda: list(status),
@@ -115,8 +161,13 @@ def test_one_bench_at_a_time_and_none_after_the_end():
         with pytest.raises(ValueError, match="closed"):
             use()
     with Bench():
-        with pytest.raises(ValueError, match="closed"):
-            status["TempOptics"]
+        for use in (lambda: status["TempOptics"], lambda: list(config), lambda: len(config), lambda: config["Log"],
+                    lambda: bench.status, lambda: bench.config, lambda: bench.usage, lambda: bench.events, lambda: bench.variables):
+            with pytest.raises(ValueError, match="closed"):
+                use()
+    for get_table in (lambda bench: bench.status, lambda bench: bench.config["Lab"], lambda bench: bench.usage, lambda bench: bench.events):
+        with Bench() as bench, pytest.raises(ValueError, match="closed"):
+            get_table(bench)["x"] = Whole(bench.close)
     with pytest.raises(labshell.Error):
         labshell.evaluate("%S{TempOptics}")
 

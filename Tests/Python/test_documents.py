@@ -29,6 +29,11 @@ def test_the_tests_of_the_page_pass(tmp_path, in_process):
     assert status == 0 and re.search(r"^\d+ passed", output, re.MULTILINE), output + errors
 
 
+def test_the_version_is_that_of_the_project():
+    project = (ROOT / "CMakeLists.txt").read_text()
+    assert labshell.__version__ == re.search(r"^project\(\w+ VERSION ([\d.]+)", project, re.MULTILINE)[1]
+
+
 def members(node):
     return {child.name if isinstance(child, ast.FunctionDef) else child.target.id: child for child in node.body
             if isinstance(child, ast.FunctionDef) or (isinstance(child, ast.AnnAssign) and isinstance(child.target, ast.Name))}

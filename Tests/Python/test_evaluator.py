@@ -84,7 +84,7 @@ def test_variables_take_what_python_takes_for_a_value(given, value):
 @pytest.mark.parametrize("name, value, exception", [
     ("x", None, TypeError), ("x", b"x", TypeError), ("x", 1j, TypeError), ("x", [1], TypeError), ("x", 10**400, OverflowError),
     ("x", "a\0b", ValueError), ("x\0", 1, ValueError), ("", 1, ValueError), ("a b", 1, ValueError), ("1a", 1, ValueError),
-    ("ä", 1, ValueError), ("x" * 64, 1, ValueError), (7, 1, TypeError), (None, 1, TypeError), ("x", "x" * (2**24 + 1), Error),
+    ("x", type("numpy.bool", (), {"__bool__": lambda self: 1 / 0})(), ZeroDivisionError), ("ä", 1, ValueError), ("x" * 64, 1, ValueError), (7, 1, TypeError), (None, 1, TypeError), ("x", "x" * (2**24 + 1), Error),
 ])
 def test_variables_refuse_the_rest(name, value, exception):
     ev = Evaluator()

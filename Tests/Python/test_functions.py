@@ -1,3 +1,8 @@
+import functools
+import os
+import signal
+import threading
+
 import pytest
 
 import labshell
@@ -57,7 +62,7 @@ def test_expressions_call_functions_of_python(expression, value):
     ('1+Py_Fail("empty")', "Py_Fail: KeyError", KeyError),
     ('Py_Fail("value")', "Py_Fail: ValueError", ValueError),
     ('Py_Fail("mute")', "Py_Fail: Mute", Mute),
-    ('Py_Fail("none")', "Py_Fail: 0:0:3 other", Error),
+    ('Py_Fail("none")', "Py_Fail: other", Error),
     ('Py_Give("list")', "Py_Give: must be real number, not list", TypeError),
     ('Py_Give("null")', "Py_Give: embedded null character", None),
     ("Py_Area()", "Missing parameter", None),
@@ -93,6 +98,7 @@ def test_the_last_definition_counts():
     ("Max", lambda x: 1, ValueError), ("", lambda x: 1, ValueError), ("a b", lambda x: 1, ValueError), ("_a", lambda x: 1, ValueError),
     ("a\0", lambda x: 1, ValueError), ("x" * 64, lambda x: 1, ValueError), ("Py_No", 7, TypeError), (7, lambda x: 1, TypeError),
     ("Py_No", lambda *, key: 1, TypeError), ("Py_No", lambda: 1, TypeError),
+    (None, functools.partial(max, 1), TypeError),
 ])
 def test_definitions_that_are_refused(name, definition, exception):
     with pytest.raises(exception):
@@ -126,3 +132,34 @@ def test_a_function_may_use_its_evaluator_but_define_nothing():
     with pytest.raises(Error, match="recursion|nested"):
         labshell.function(lambda x: Evaluator()("Py_Fresh(1)"), name="Py_Fresh")
         ev("Py_Fresh(1)")
+
+
+@pytest.mark.parametrize("end, exception", [
+    (labshell.abort, Error), (functools.partial(os.kill, os.getpid(), signal.SIGINT), KeyboardInterrupt),
+])
+def test_the_wait_for_a_turn_can_be_ended(end, exception):
+    evaluators = [Evaluator(), Evaluator()]
+    both = threading.Barrier(3)
+    ended = []
+
+    @labshell.function
+    def Py_Other(number):
+        both.wait()
+        return evaluators[1 - int(number)]("1")
+
+    def work(number):
+        try:
+            evaluators[number](f"Py_Other({number})")
+        except Error as error:
+            ended.append(error.message)
+
+    threads = [threading.Thread(target=work, args=(number,)) for number in range(2)]
+    for thread in threads:
+        thread.start()
+    both.wait()
+    threading.Timer(0.2, end).start()
+    with pytest.raises(exception):
+        evaluators[0]("1")
+    for thread in threads:
+        thread.join()
+    assert len(ended) == 2 and all("Aborted" in message for message in ended)

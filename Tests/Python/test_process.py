@@ -20,10 +20,32 @@ def test_a_subinterpreter_is_refused(in_process):
     ("with labshell.Bench() as bench:\n"
      "    print(bench.folder, flush=True)\n"
      "    if os.fork() == 0:\n"
-     "        try: bench.run('Calc 1')\n"
-     "        except ValueError: sys.exit()\n"
+     "        for write in (lambda: labshell.run('Status -n TempOptics=1'), lambda: bench.status.update(TempOptics=2)):\n"
+     "            try: write(); os._exit(1)\n"
+     "            except (labshell.CommandError, ValueError): pass\n"
+     "        with labshell.Bench() as own: own.status['TempOptics'] = 3\n"
+     "        sys.exit()\n"
      "    assert os.wait()[1] == 0\n"
-     "    assert os.path.isdir(bench.folder) and bench.status['TempOptics'] == 36.8", None),
+     "    assert 'TempOptics=double:36.8\\n' in open(bench.folder + '/Status.ini') and bench.status['TempOptics'] == 36.8", None),
+    ("bench = labshell.Bench(); print(bench.folder)\n"
+     "thread = threading.Thread(target=labshell.run, args=('Wait 0.3',)); thread.start(); time.sleep(0.1)\n"
+     "del bench; thread.join()", None),
+    ("bench = labshell.Bench(); print(bench.folder)\n"
+     "thread = threading.Thread(target=labshell.run, args=('Wait 0.3',)); thread.start(); time.sleep(0.1)\n"
+     "del bench; thread.join(); labshell.Bench().close()", None),
+    ("labshell.function(lambda x: time.sleep(x) or 1, name='Py_Nap')\n"
+     "def loop():\n"
+     "    ev = labshell.Evaluator()\n"
+     "    while True: ev('Py_Nap(0.0005)')\n"
+     "for _ in range(8): threading.Thread(target=loop, daemon=True).start()\n"
+     "time.sleep(0.2); print('end')", "end"),
+    ("libc = ctypes.CDLL(None); libc.signal.restype = ctypes.c_void_p; libc.signal.argtypes = ctypes.c_int, ctypes.c_void_p\n"
+     "def run(line):\n"
+     "    thread = threading.Thread(target=labshell.run, args=(line,), daemon=True); thread.start(); time.sleep(0.1); return thread\n"
+     "thread = run('Wait 0.3'); former = libc.signal(2, 1); thread.join(); libc.signal(2, former)\n"
+     "run('Wait 9')\n"
+     "try: os.kill(os.getpid(), 2); time.sleep(9)\n"
+     "except KeyboardInterrupt: print('interrupted')", "interrupted"),
     ("bench = labshell.Bench(); print(bench.folder)\n"
      "threading.Thread(target=bench.run, args=('While -c2000000000 true Do Set n=i',), daemon=True).start()\n"
      "time.sleep(0.2)", None),
@@ -63,7 +85,7 @@ def test_a_subinterpreter_is_refused(in_process):
      "print(os.wait()[1])", "0"),
 ])
 def test_no_use_breaks_python(in_process, code, output):
-    status, written, errors = in_process("import gc, labshell, os, sys, threading, time, weakref\n" + code)
+    status, written, errors = in_process("import ctypes, gc, labshell, os, sys, threading, time, weakref\n" + code)
     assert status == 0, errors
     if output is None:
         assert not os.path.exists(written.strip())
