@@ -108,9 +108,9 @@ def test_data_stay_in_a_folder_of_their_own_and_go_away_in_a_temporary_one(tmp_p
 
     (tmp_path / "script.txt").write_text("Echo")
     with Bench(tmp_path) as bench:
-        bench.run(f"Run {tmp_path}/script.txt")
         for table in get_tables(bench):
             table.update(Lost=2, Kept=1)
+        bench.run(f"Run {tmp_path}/script.txt")
     with Bench(tmp_path) as bench:
         assert bench.usage["Command.Echo"] == 1
         for table in get_tables(bench):
