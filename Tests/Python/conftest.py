@@ -1,8 +1,10 @@
 import os
+import signal
 
 import pytest
 
 os.environ["LABSH_EVENTS"] = f"labsh-python-{os.getpid()}"  # a table of its own, taken away at the end
+signal.signal(signal.SIGINT, signal.default_int_handler)  # which a shell turns off for what runs in the background
 
 import labshell
 
