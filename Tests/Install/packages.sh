@@ -80,11 +80,16 @@ expect "bench shell of a laboratory instrument" man -P cat -M "$root/usr/share/m
 quietly "$here/completion.sh" "$root/usr/share/bash-completion/completions/labsh" \
     "$root/usr/share/zsh/vendor-completions/_labsh" "$root/usr/share/fish/vendor_completions.d/labsh.fish"
 
-# Root has left compiled files beside the module of Python; its tests leave none.
+# The module of Python, as it is packed and as it is built with the packages alone. Root has left compiled files beside
+# it; its tests leave none.
 if ((!${#emulator[@]})); then
     modules=$root/usr/lib/python3/dist-packages
     [[ -d $modules/labshell/__pycache__ ]] || fail "Python has left nothing that is to be removed"
-    PYTHONPATH=$modules quietly /usr/bin/python3 -B -m pytest -q -p no:cacheprovider "$here/../Python"
+    quietly cmake -G Ninja -S "$here/../../Python" -B "$scratch/module" -D CMAKE_PREFIX_PATH="$root/usr" -D CMAKE_CXX_COMPILER="$compiler"
+    quietly cmake --build "$scratch/module"
+    for modules in "$modules" "$scratch/module/python"; do
+        PYTHONPATH=$modules quietly /usr/bin/python3 -B -m pytest -q -p no:cacheprovider "$here/../Python"
+    done
 fi
 
 inRoot --purge "${packages[@]%%_*}"
