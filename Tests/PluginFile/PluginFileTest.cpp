@@ -102,7 +102,7 @@ TEST(PluginFileTest, TellsWhatIsWrongInTheHeaders)
         {"code or data do not match the checksum", [](Image& image) { image.Find(PT_TLS).p_align = 0; }},
         {"code or data do not match the checksum", [](Image& image) { --image.Header().e_phnum; }},
         {"the table of sections is damaged",
-            [](Image& image) { image.bytes[image.bytes.find(std::string(".ov.checksum", 13)) + 4] = 'k'; }},
+            [](Image& image) { image.bytes[image.bytes.find(std::string(".ov.checksum\0", 13)) + 4] = 'k'; }},
     };
     for (const auto& [fault, make] : damages) {
         Image image = GetPlugin();
