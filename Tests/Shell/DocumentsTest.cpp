@@ -237,7 +237,9 @@ TEST(DocumentsTest, CodeIsThatOfTheExamples)
         EXPECT_GE(blocks.size(), 2U);
         for (const Block& block : blocks) {
             const std::string file = block.info.substr(block.info.find(' ') + 1);
-            EXPECT_EQ(block.lines, ReadTestLines("../Examples/" + folder + "/" + file)) << file;
+            std::string path = "../Examples/";
+            path.append(folder).append("/").append(file);
+            EXPECT_EQ(block.lines, ReadTestLines(path)) << file;
         }
     }
 }
