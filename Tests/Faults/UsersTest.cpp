@@ -28,19 +28,24 @@ class Users : public testing::Test
 protected:
     const TemporaryFolder folder;
     const std::string data = folder.Path("data");
+    const std::string profile = folder.Path("Profile"); // a copy: where the sources stand may be closed to other users
 
     void SetUp() override
     {
         if (geteuid() != 0)
             GTEST_SKIP() << "only root may become other users";
     }
-    Users() { std::filesystem::permissions(folder.GetPath(), std::filesystem::perms(0777)); }
+    Users()
+    {
+        std::filesystem::permissions(folder.GetPath(), std::filesystem::perms(0777));
+        std::filesystem::copy(SOURCE_DIR "/Shell/Profile", profile);
+    }
 
     bool WriteOften(uid_t user) const
     {
         constexpr int count = 30;
         const WString name = WString::Format(L"U%u", user);
-        if (!TryBecome(user) || !System::Start(data, SOURCE_DIR "/Shell/Profile").IsEmpty() || !System::MayChange())
+        if (!TryBecome(user) || !System::Start(data, profile).IsEmpty() || !System::MayChange())
             return false;
         for (int i = 1; i <= count; ++i) {
             const WString value = WString::Format(L"%d", i);
@@ -62,7 +67,7 @@ TEST_F(Users, OfAGroupShareABench)
     EXPECT_TRUE(first.Wait());
     EXPECT_TRUE(second.Wait());
     EXPECT_TRUE(ChildProcess([this] {
-        const bool hasStarted = TryBecome(users_lc[0]) && System::Start(data, SOURCE_DIR "/Shell/Profile").IsEmpty();
+        const bool hasStarted = TryBecome(users_lc[0]) && System::Start(data, profile).IsEmpty();
         int value = 0;
         return hasStarted && System::usage.TryGetUsageValue(L"Common", value) && value == 60 &&
             std::ranges::all_of(users_lc, [](uid_t user) {
@@ -79,9 +84,9 @@ TEST_F(Users, OfAGroupShareABench)
 TEST_F(Users, AreKeptFromTheEventsOfOthers)
 {
     const std::filesystem::path program = LABSH_FILE;
-    const std::string copy = folder.Path("labsh"); // what it stands in may be closed to other users
+    const std::string copy = folder.Path("labsh");
     std::filesystem::copy(program, copy);
-    for (const char* name : {HOST_FILE_NAME, "ExpressionEvaluator.dll", "Profile"})
+    for (const char* name : {HOST_FILE_NAME, "ExpressionEvaluator.dll"})
         std::filesystem::copy(program.parent_path() / name, folder.Path(name));
     const auto make = [&](uid_t user, const char* command) {
         return ChildProcess([&] {
